@@ -1,0 +1,33 @@
+#pragma once
+// libmsan.so, loaded.
+
+#include <string>
+
+#include "msan/entries.h"
+
+namespace node {
+
+class Module {
+ public:
+  // Loads the library and finds its entries. Throws std::runtime_error with the loader's words.
+  explicit Module(const std::string& path);
+  // Unloads it. Ahead of that: forgets what it registered, reports what it leaked, drops its pools.
+  ~Module();
+  Module(const Module&) = delete;
+  Module& operator=(const Module&) = delete;
+
+  decltype(&::msan_Module_Init) Module_Init;
+  decltype(&::msan_slot_hotplug) slot_hotplug;
+  decltype(&::msan_card_auth_init_db) card_auth_init_db;
+  decltype(&::msan_card_unauth_init_db) card_unauth_init_db;
+  decltype(&::msan_init_after_cfgexecute) init_after_cfgexecute;
+  decltype(&::msan_register_events) register_events;
+  decltype(&::msan_unregister_events) unregister_events;
+  decltype(&::msan_slave_flush) slave_flush;
+
+ private:
+  std::string path_;
+  void* handle_;
+};
+
+}  // namespace node

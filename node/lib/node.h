@@ -1,0 +1,57 @@
+#pragma once
+// A node: the stand-in platform of this process with the module in it. There is one per process at a time.
+
+#include <functional>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "host/chassis.h"
+#include "host/terminal.h"
+#include "module.h"
+
+namespace node {
+
+// A line of the startup configuration that failed: its number, what it printed, and why.
+struct FailedLine {
+  u32 line = 0;
+  std::string command;
+  std::string printed;
+  host::LineOutcome outcome;
+};
+
+class Node {
+ public:
+  // Empties the platform (database, chassis, queues, faults) and loads the module. Throws std::runtime_error if it can't be
+  // loaded, or if msan_Module_Init fails.
+  explicit Node(std::string modulePath);
+  ~Node();
+  Node(const Node&) = delete;
+  Node& operator=(const Node&) = delete;
+
+  const Module& module() const { return *module_; }
+
+  // A slot is given a type or loses it; the results are those of msan_card_auth_init_db and msan_card_unauth_init_db.
+  int authorise(u16 slot, const host::CardType& type);
+  int unauthorise(u16 slot);
+  // A card has come up: msan_slot_hotplug.
+  int cardUp(u16 slot);
+
+  // What showrun prints.
+  std::string runningConfiguration(int* result = nullptr);
+
+  // Executes the lines of a startup configuration in fast mode, then the module's load callback, then
+  // msan_init_after_cfgexecute. A line that fails is told and does not stop the rest.
+  void executeStartup(std::string_view text, const std::function<void(const FailedLine&)>& failed);
+
+  // Unloads the library, loads it again with an empty database, authorises the slots' types again, and executes the startup
+  // configuration. Cards stay as they are. Throws as the constructor does.
+  void restart(std::string_view startup, const std::function<void(const FailedLine&)>& failed);
+
+ private:
+  void load();
+  std::string modulePath_;
+  std::optional<Module> module_;
+};
+
+}  // namespace node

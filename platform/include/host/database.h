@@ -1,0 +1,26 @@
+#pragma once
+// The database from the node's side.
+
+#include <string>
+#include <vector>
+
+#include "platform/database.h"
+
+namespace host {
+
+// Empties all tables; the first call opens the environment. Update handlers are forgotten. Throws std::runtime_error when
+// the environment can't be had. No transaction may be open.
+void resetDatabase();
+
+// The rows of a table in the order of its first index, each as "FIELD=VALUE ..." with all fields in the order of the
+// schema: numbers decimal, texts quoted, bytes in the hex form of a scenario. False if there is no such table.
+bool listRows(const std::string& table, std::vector<std::string>& rows);
+
+// What is open now: connections and transactions. Both 0 when no request is under way.
+u32 openConnections();
+u32 openTransactions();
+
+// The node's own connection, for msan_register_events.
+DbConnection eventConnection();
+
+}  // namespace host

@@ -1,0 +1,22 @@
+#pragma once
+// Faults on demand: the N-th operation of a kind fails, once.
+
+#include "platform/types.h"
+
+namespace host {
+
+enum class Fault { alloc, connect, start, find, create, commit, cardSend, cardExchange, ngnSend, ngnExchange };
+inline constexpr int kFaults = 10;
+
+// The N-th operation of the kind from now on fails, once; 0 takes the order back.
+void failNth(Fault kind, u32 n);
+
+// True while an order of the kind waits.
+bool faultPending(Fault kind);
+
+// For the platform's own sources: counts one operation of the kind; true if this one has to fail.
+bool faultDue(Fault kind);
+
+void clearFaults();
+
+}  // namespace host

@@ -1,0 +1,19 @@
+#pragma once
+// The other ends of the messages: what they answer is queued here, used once and in order. With nothing queued a
+// send succeeds with 0 and an exchange fails with -1.
+
+#include <vector>
+
+#include "host/observer.h"
+
+namespace host {
+
+// The next exchange of the id on the link (with the card in the slot; 0 for ngn) is answered so.
+void queueAnswer(Link link, u16 slot, u16 id, std::vector<u8> answer);
+
+// The next send or exchange of the id on the link gives `result`.
+void queueFailure(Link link, u16 slot, u16 id, int result);
+
+void clearLinks();
+
+}  // namespace host

@@ -1,0 +1,51 @@
+#pragma once
+// The command line from the operator's side.
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "platform/command_line.h"
+
+// The terminal of a command: what it printed, as it printed it.
+struct Vty {
+  std::string text;
+};
+
+namespace host {
+
+enum class LineResult { ran, unknown, incomplete, ambiguous };
+
+struct LineOutcome {
+  LineResult result = LineResult::ran;
+  int returned = 0;  // of the handler
+};
+
+// Runs a line at a node. An empty line, and one that begins with '!', run nothing and give 0.
+LineOutcome runLine(Vty& vty, int node, std::string_view line);
+
+// What may stand next at the end of the line: words for completion and help. The word that the line ends with counts as
+// being typed; behind a blank a new one begins.
+struct Suggestion {
+  std::string word;  // a word to complete, or "<name>" for a parameter
+  std::string help;
+  bool complete = false;  // "<cr>": the line may end here
+};
+std::vector<Suggestion> suggestions(int node, std::string_view line);
+
+// The commands as they were installed, in order.
+struct InstalledCommand {
+  int node = 0;
+  std::string syntax;
+  std::string help;
+};
+std::vector<InstalledCommand> installedCommands();
+
+// Calls the showrun functions of the installed modules; the last one's result.
+int runShowrun(Vty& vty);
+
+void setFastMode(bool on);  // what is_cliFastMode gives
+
+void forgetCommands();
+
+}  // namespace host

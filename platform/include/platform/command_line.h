@@ -1,0 +1,41 @@
+#pragma once
+// The node's command line.
+//
+// A syntax is a row of elements parted by blanks:
+//   word          a keyword; typed without regard to case and by a unique beginning
+//   [a|b|c]       a choice: one of the words, or of the parameters, is typed
+//   <name>        a parameter: any one word
+//   <7-32>        a number in a range
+//   {...}*N       a group that may be left out, or come up to N times ({...} alone: once)
+// A handler gets one argument for each choice and for each parameter that was typed, in typed order; a choice
+// word comes whole and in lower case, keywords outside [ ] are not passed.
+
+#include "platform/types.h"
+
+struct Vty;  // the terminal of a command
+struct CommandElement;
+
+// `argv` and its texts belong to the platform and live until the handler returns. Returns 0 or -1.
+using CommandHandler = int(const CommandElement* element, Vty* vty, int argc, char** argv);
+
+// A command. It must live as long as the module.
+struct CommandElement {
+  const char* syntax;
+  CommandHandler* handler;
+  const char* help;  // a few words, shown behind the command's words by ? and Tab
+};
+
+enum CommandNode { DEBUG_NODE = 10, CONFIG_NODE = 50 };
+
+// Installs a command at a node. 0, or -1 for a syntax that can't be read or is there already.
+int install_element(int node, const CommandElement* element);
+
+// Prints to the terminal of a command.
+void vty_out(Vty* vty, const char* format, ...) __attribute__((format(printf, 2, 3)));
+
+// Records the function that installs a module's commands, which is called at once, and the one that prints its
+// running configuration.
+int cl_install_module_by_mod_id(i32 module, int (*install)(), int (*showrun)(Vty*));
+
+// 1 while the startup configuration is executed, else 0.
+int is_cliFastMode();

@@ -1,0 +1,13 @@
+#pragma once
+// The node's log. Severities: 10 debug, 12 progress, 13 error, 14 failure of a start-up step.
+
+#include "platform/types.h"
+
+void ulogPrintf(i32 module, i32 severity, const char* format, ...) __attribute__((format(printf, 3, 4)));
+
+// A packet as a hexadecimal dump.
+void ulogTypePkt(i32 module, i32 severity, const void* packet, u32 length);
+
+// Switch a severity of a module on (1) and off (0). Both are called for a change, with the same flag.
+void ulogSetModIgnore(i32 module, i32 severity, i32 flag);
+void ulogSetModOutput(i32 module, i32 severity, i32 flag);
