@@ -19,24 +19,11 @@
 
 namespace {
 
-struct Header;
-
-// A link that a leak check does not follow: a block that only the pool still knows has been lost by its owner.
-class HiddenLink {
- public:
-  HiddenLink() = default;
-  HiddenLink(Header* header) : bits_(~reinterpret_cast<std::uintptr_t>(header)) {}
-  operator Header*() const { return reinterpret_cast<Header*>(~bits_); }
-
- private:
-  std::uintptr_t bits_ = ~std::uintptr_t{0};
-};
-
 // Lies ahead of each block, in the same allocation. Under the address sanitizer it is poisoned, so that a write
 // ahead of a block is found like one behind it; the functions that touch it are exempt.
 struct alignas(std::max_align_t) Header {
   std::uintptr_t mark;  // depends on the address, so that a copy of a header is not taken for one
-  HiddenLink previous, next;
+  std::uintptr_t previous, next;
   const char* file;
   i32 line;
   u32 size;
@@ -44,6 +31,12 @@ struct alignas(std::max_align_t) Header {
 };
 
 constexpr std::uintptr_t kMark = 0x4d504f4c;
+
+// Links are kept in a form that a leak check does not follow: a block that only the pool still knows has been lost by
+// its owner.
+std::uintptr_t hide(const Header* header) { return ~reinterpret_cast<std::uintptr_t>(header); }
+Header* show(std::uintptr_t link) { return reinterpret_cast<Header*>(~link); }
+constexpr std::uintptr_t kNoLink = ~std::uintptr_t{0};
 
 struct Pool {
   std::string name;
@@ -56,32 +49,21 @@ std::vector<Pool>& pools() {
   static std::vector<Pool> all;
   return all;
 }
-HiddenLink oldest, newest;
+std::uintptr_t oldest = kNoLink, newest = kNoLink;
 u64 inUse = 0;
 
 std::uintptr_t markOf(const Header* header) { return reinterpret_cast<std::uintptr_t>(header) ^ kMark; }
 
 POOL_OWN void link(Header* header) {
   header->previous = newest;
-  header->next = nullptr;
-  if (Header* last = newest)
-    last->next = header;
-  else
-    oldest = header;
-  newest = header;
+  header->next = kNoLink;
+  (newest != kNoLink ? show(newest)->next : oldest) = hide(header);
+  newest = hide(header);
 }
 
-POOL_OWN void unlink(Header* header) {
-  Header* const previous = header->previous;
-  Header* const next = header->next;
-  if (previous != nullptr)
-    previous->next = next;
-  else
-    oldest = next;
-  if (next != nullptr)
-    next->previous = previous;
-  else
-    newest = previous;
+POOL_OWN void unlink(const Header* header) {
+  (header->previous != kNoLink ? show(header->previous)->next : oldest) = header->next;
+  (header->next != kNoLink ? show(header->next)->previous : newest) = header->previous;
 }
 
 Pool* findPool(i32 id) {
@@ -104,7 +86,7 @@ POOL_OWN host::LiveBlock describe(const Header* header) {
   return {header->file != nullptr ? header->file : "", header->line, header->size};
 }
 
-POOL_OWN Header* behind(const Header* header) { return header->next; }
+POOL_OWN Header* behind(const Header* header) { return show(header->next); }
 
 }  // namespace
 
@@ -156,7 +138,7 @@ u64 poolInUse() {
 std::vector<LiveBlock> liveBlocks() {
   const std::lock_guard lock(mutex);
   std::vector<LiveBlock> blocks;
-  for (Header* header = oldest; header != nullptr; header = behind(header)) blocks.push_back(describe(header));
+  for (Header* header = show(oldest); header != nullptr; header = behind(header)) blocks.push_back(describe(header));
   return blocks;
 }
 
@@ -166,7 +148,7 @@ u32 dropPools() {
     Header* header = nullptr;
     {
       const std::lock_guard lock(mutex);
-      header = oldest;
+      header = show(oldest);
     }
     if (header == nullptr) break;
     mpuFree(header + 1);
