@@ -6,7 +6,6 @@
 #include <deque>
 #include <map>
 #include <mutex>
-#include <optional>
 #include <tuple>
 
 #include "host/links.h"
@@ -16,10 +15,10 @@ namespace host {
 
 namespace {
 
-// An answer, or without bytes a failure.
 struct Outcome {
+  bool isAnswer = false;  // else a failure
   int result = 0;
-  std::optional<std::vector<u8>> answer;
+  std::vector<u8> answer;
 };
 
 using Key = std::tuple<Link, u16 /*slot*/, u16 /*id*/>;
@@ -37,29 +36,29 @@ void enqueue(const Key& key, Outcome outcome) {
   ++queued;
 }
 
-// Takes the first outcome of the key that `fits`.
+// Takes the first outcome of the key that `fits`; false if there is none.
 template <class Fits>
-std::optional<Outcome> take(const Key& key, Fits fits) {
-  if (queued == 0) return std::nullopt;
+bool take(const Key& key, Fits fits, Outcome& outcome) {
+  if (queued == 0) return false;
   const std::lock_guard lock(mutex);
   const auto queue = queues().find(key);
-  if (queue == queues().end()) return std::nullopt;
+  if (queue == queues().end()) return false;
   const auto first = std::find_if(queue->second.begin(), queue->second.end(), fits);
-  if (first == queue->second.end()) return std::nullopt;
-  Outcome outcome = std::move(*first);
+  if (first == queue->second.end()) return false;
+  outcome = std::move(*first);
   queue->second.erase(first);
   if (queue->second.empty()) queues().erase(queue);
   --queued;
-  return outcome;
+  return true;
 }
 
 }  // namespace
 
 void queueAnswer(Link link, u16 slot, u16 id, std::vector<u8> answer) {
-  enqueue({link, slot, id}, {0, std::move(answer)});
+  enqueue({link, slot, id}, {true, 0, std::move(answer)});
 }
 
-void queueFailure(Link link, u16 slot, u16 id, int result) { enqueue({link, slot, id}, {result, std::nullopt}); }
+void queueFailure(Link link, u16 slot, u16 id, int result) { enqueue({link, slot, id}, {false, result, {}}); }
 
 void clearLinks() {
   const std::lock_guard lock(mutex);
@@ -68,21 +67,23 @@ void clearLinks() {
 }
 
 int sendResult(Fault fault, Link link, u16 slot, u16 id) {
-  const auto outcome = take({link, slot, id}, [](const Outcome& next) { return !next.answer; });
-  if (faultDue(fault)) return -1;
-  return outcome ? outcome->result : 0;
+  Outcome outcome;
+  take(
+      {link, slot, id}, [](const Outcome& next) { return !next.isAnswer; }, outcome);
+  return faultDue(fault) ? -1 : outcome.result;
 }
 
 int exchangeResult(Fault fault, Link link, u16 slot, u16 id, void* response, u32* responseLen) {
-  const auto outcome = take({link, slot, id}, [](const Outcome&) { return true; });
   const u32 capacity = responseLen != nullptr && response != nullptr ? *responseLen : 0;
   if (responseLen != nullptr) *responseLen = 0;
-  if (faultDue(fault) || !outcome) return -1;
-  if (!outcome->answer) return outcome->result;
-  const auto length = static_cast<u32>(std::min<std::size_t>(outcome->answer->size(), capacity));
-  if (length != 0) std::memcpy(response, outcome->answer->data(), length);
+  Outcome outcome;
+  const bool taken = take(
+      {link, slot, id}, [](const Outcome&) { return true; }, outcome);
+  if (faultDue(fault) || !taken) return -1;
+  const auto length = static_cast<u32>(std::min<std::size_t>(outcome.answer.size(), capacity));
+  if (length != 0) std::memcpy(response, outcome.answer.data(), length);
   if (responseLen != nullptr) *responseLen = length;
-  return 0;
+  return outcome.result;
 }
 
 namespace {
