@@ -18,6 +18,7 @@ using testing::IsEmpty;
 struct Record : host::Observer {
   std::vector<std::string> lines;
   void log(i32, std::string_view text) override { lines.emplace_back(text); }
+  void out(std::string_view text) override { lines.push_back("out " + std::string(text)); }
 };
 
 class Node : public testing::Test {
@@ -94,6 +95,17 @@ TEST_F(Node, AStartupThatIsNoTextFailsLineByLine) {
               ElementsAre("1 say a\0b: none"s, "3 " + longest + ": none"));
   EXPECT_THAT(execute(node, std::string(1000, '\0')), testing::SizeIs(1));
   EXPECT_THAT(execute(node, ""), IsEmpty());
+}
+
+TEST_F(Node, WhatTheModulePrintsIsCaptured) {
+  node::Node node(FAKE_MODULE);
+  record_.lines.clear();
+  {
+    const host::CaptureOutput capture;
+    Vty vty;
+    host::runLine(vty, CONFIG_NODE, "say loud");
+  }
+  EXPECT_THAT(record_.lines, ElementsAre("say loud, fast mode 0", "out printed 1\r\n", "out complained"));
 }
 
 TEST_F(Node, AModuleThatCannotStartIsUnloaded) {
