@@ -4,7 +4,7 @@
 
 #include <algorithm>
 #include <charconv>
-#include <limits>
+#include <utility>
 
 #include "host/chassis.h"
 #include "text.h"

@@ -66,7 +66,7 @@ const host::CardType& cardType(std::string_view word) {
   throw unknownWord("card type", word, names);
 }
 
-Action setCardState(u16 slot, host::CardState state) {
+Action puttingCard(u16 slot, host::CardState state) {
   return preparing([=](Stage&) { host::setCardState(slot, state); });
 }
 
@@ -86,9 +86,9 @@ Action readCard(Arguments& arguments) {
     case 2:
       return calling([slot](Stage& stage) { return stage.node.cardUp(slot); });
     case 3:
-      return setCardState(slot, host::CardState::present);
+      return puttingCard(slot, host::CardState::present);
     default:
-      return setCardState(slot, host::CardState::absent);
+      return puttingCard(slot, host::CardState::absent);
   }
 }
 
@@ -180,7 +180,7 @@ void recordReply(const host::Answer& answer, Outcome& outcome) {
 Action readSet(u16 id, bool last, Frame frame) {
   return [id, last, frame = std::move(frame)](Stage& stage, Outcome& outcome) {
     Frame written = frame;
-    stage.setIds.insert(id);
+    if (!last) stage.setIds.insert(id);
     const host::Answer answer = host::agentSet(id, last, written ? &*written : nullptr);
     recordReply(answer, outcome);
     outcome.result(answer.result);

@@ -17,7 +17,7 @@ struct Stage {
   Recorder& recorder;
   std::string startup;  // the startup configuration that `save` keeps
   u64 poolMark = 0;
-  std::set<u16> setIds, getIds;  // messages that were asked for: a SET or a GET of theirs may be unfinished
+  std::set<u16> setIds, getIds;  // messages of which a SET or a GET in pieces may be unfinished
 };
 
 // What a directive gave besides its events, in the order of the record.
