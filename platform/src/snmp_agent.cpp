@@ -7,6 +7,7 @@
 
 #include "host/agent.h"
 #include "host/log.h"
+#include "sanitizers.h"
 
 namespace {
 
