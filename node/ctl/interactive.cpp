@@ -107,7 +107,8 @@ Editor::Editor(Connection& connection) : connection_(connection), edit_(el_init(
   el_set(edit_, EL_HIST, history, history_);
   el_set(edit_, EL_PROMPT, promptOf);
   el_set(edit_, EL_GETCFN, readKey);
-  el_set(edit_, EL_ADDFN, "msan-assist", "complete the word, or show what may stand next", assist);
+  // The wide form keeps these texts; the other one copies them and never gives the copies back.
+  el_wset(edit_, EL_ADDFN, L"msan-assist", L"complete the word, or show what may stand next", assist);
   el_set(edit_, EL_BIND, "^I", "msan-assist", nullptr);
   el_set(edit_, EL_BIND, "?", "msan-assist", nullptr);
   el_set(edit_, EL_BIND, "^R", "em-inc-search-prev", nullptr);
@@ -228,7 +229,6 @@ unsigned char Editor::assist(EditLine* edit, int key) {
 std::string Editor::suggestions(std::string_view line) {
   if (line.size() + 1 >= wire::kMaxRequest) return {};
   connection_.send(wire::Kind::ask, line);
-  std::string traces;
   while (const auto frame = connection_.receive()) {
     if (frame->kind == wire::Kind::suggestions) return std::string(frame->payload);
     if (frame->kind == wire::Kind::trace) std::printf("\r\n%s", forDisplay(frame->payload, true).c_str());

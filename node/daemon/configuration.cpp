@@ -28,7 +28,7 @@ class Reader {
   }
   std::string text(const toml::key& key, const toml::node& value) const;
   std::string file(const toml::key& key, const toml::node& value) const {
-    return (folder_ / text(key, value)).lexically_normal().string();
+    return (folder_ / text(key, value)).string();
   }
   u16 slotNumber(const toml::key& key) const;
   SlotConfiguration slot(const toml::key& key, const toml::node& value) const;

@@ -15,7 +15,7 @@
 //        i32 what the handler returned, big-endian
 //     S  the answer to ?: one row "word TAB help LF" per suggestion; "<cr>" where the line may end
 //     M  a line of the live trace; comes at any time, between the other frames
-//     B  the node ends the session, and why
+//     B  the node ends the session, and why; with no text, in the place of R, when a line has asked for it
 //
 // Text is passed on as it is: any bytes, lines end in CR LF.
 

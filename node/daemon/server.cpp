@@ -145,7 +145,7 @@ void Server::pauseAccepting(bool pause) {
   if (acceptPaused_ == pause) return;
   acceptPaused_ = pause;
   pausedAt_ = Clock::now();
-  control(epoll_, EPOLL_CTL_MOD, listener_, pause ? 0 : EPOLLIN);
+  control(epoll_, EPOLL_CTL_MOD, listener_, pause ? 0u : u32{EPOLLIN});
 }
 
 void Server::disconnect(const SessionPtr& session) {
@@ -316,8 +316,8 @@ void Server::serveOne(const SessionPtr& session) {
     std::string prompt = service_.prompt(terminal);
     if (prompt != session->prompt) wire::appendFrame(frames, wire::Kind::prompt, prompt);
     session->prompt = std::move(prompt);
-    wire::appendResult(frames, result);
     if (terminal.ended) wire::appendFrame(frames, wire::Kind::bye, "");
+    else wire::appendResult(frames, result);
   }
 
   const std::lock_guard lock(mutex_);

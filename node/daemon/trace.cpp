@@ -2,6 +2,8 @@
 
 #include <fmt/format.h>
 
+#include <utility>
+
 #include "host/agent.h"
 #include "host/hex.h"
 #include "note.h"
