@@ -9,12 +9,20 @@ namespace node {
 
 class Module {
  public:
-  // Loads the library and finds its entries. Throws std::runtime_error with the loader's words.
+  // Loads the library and finds its entries. Throws std::runtime_error with the loader's words, or when the library
+  // is in the process already: it would come with the state of its last life.
   explicit Module(const std::string& path);
-  // Unloads it. Ahead of that: forgets what it registered, reports what it leaked, drops its pools.
+  // Unloads it. Ahead of that: forgets what it registered and reports what it leaked. Behind it: drops its pools, and
+  // complains if the library has stayed in the process.
   ~Module();
   Module(const Module&) = delete;
   Module& operator=(const Module&) = delete;
+
+  // True if a library of this path is in the process.
+  static bool isLoaded(const std::string& path);
+
+  // What the leak checks ahead of unloading found, since the process began. 0 in a build without leak checks.
+  static int leaksFound();
 
   decltype(&::msan_Module_Init) Module_Init;
   decltype(&::msan_slot_hotplug) slot_hotplug;
@@ -26,6 +34,8 @@ class Module {
   decltype(&::msan_slave_flush) slave_flush;
 
  private:
+  void findEntries();
+
   std::string path_;
   void* handle_;
 };

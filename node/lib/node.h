@@ -22,8 +22,8 @@ struct FailedLine {
 
 class Node {
  public:
-  // Empties the platform (database, chassis, queues, faults) and loads the module. Throws std::runtime_error if it can't be
-  // loaded, or if msan_Module_Init fails.
+  // Empties the platform (database, chassis, queues, faults) and loads the module. Throws std::runtime_error if it
+  // can't be loaded, or if msan_Module_Init fails.
   explicit Node(std::string modulePath);
   ~Node();
   Node(const Node&) = delete;
@@ -44,8 +44,8 @@ class Node {
   // msan_init_after_cfgexecute. A line that fails is told and does not stop the rest.
   void executeStartup(std::string_view text, const std::function<void(const FailedLine&)>& failed);
 
-  // Unloads the library, loads it again with an empty database, authorises the slots' types again, and executes the startup
-  // configuration. Cards stay as they are. Throws as the constructor does.
+  // Unloads the library, loads it again with an empty database, authorises the slots' types again, and executes the
+  // startup configuration. Cards stay as they are. Throws as the constructor does.
   void restart(std::string_view startup, const std::function<void(const FailedLine&)>& failed);
 
  private:

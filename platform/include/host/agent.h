@@ -21,9 +21,9 @@ std::string messageName(u16 id);  // empty for an id that was not announced
 
 // What a hook gave.
 struct Answer {
-  int result = 0;                       // of the hook
+  int result = 0;                        // of the hook
   std::optional<std::vector<u8>> reply;  // none when replyLen was not set
-  u8 last = 0;                          // GET: lastFlagOut
+  u8 last = 0;                           // GET: lastFlagOut
 };
 
 // The hooks, with a zeroed reply buffer of the capacity. Null `frame`: no frame at all. The frame is written to.

@@ -2,6 +2,7 @@
 // The chassis: 20 slots, of which 1 to 8 and 11 to 18 hold service cards, 9 and 10 are the control cards; 801 is the
 // control unit.
 
+#include <shared_mutex>
 #include <span>
 #include <string_view>
 
@@ -41,6 +42,11 @@ void setCardState(u16 slot, CardState state);  // a card that is there is of the
 
 // Takes all types and cards away.
 void clearChassis();
+
+// The module walks the object tree without a lock. A door holds this gate shared while it serves a request; what
+// changes the tree or exchanges the module (authorise, unauthorise, clearChassis, a restart) holds it alone. Reading
+// from this header and cardState changes need no gate. Nodes of the tree are never freed.
+std::shared_mutex& requestGate();
 
 // A database object id is slot * 65536 + port, port 0 for the slot itself.
 inline constexpr u32 objectId(u16 slot, u16 port) { return u32{slot} << 16 | port; }

@@ -1,6 +1,6 @@
 #pragma once
 // The other ends of the messages: what they answer is queued here, used once and in order. With nothing queued a
-// send succeeds with 0 and an exchange fails with -1.
+// send succeeds with 0 and an exchange fails with -1. A send passes over queued answers.
 
 #include <vector>
 
@@ -11,7 +11,8 @@ namespace host {
 // The next exchange of the id on the link (with the card in the slot; 0 for ngn) is answered so.
 void queueAnswer(Link link, u16 slot, u16 id, std::vector<u8> answer);
 
-// The next send or exchange of the id on the link gives `result`.
+// The next send or exchange of the id on the link gives `result`. Link ngn, the slot and id 0:
+// the next send_ngn_voice_rtp_ip_by_slot of the slot gives it.
 void queueFailure(Link link, u16 slot, u16 id, int result);
 
 void clearLinks();

@@ -9,10 +9,15 @@ namespace host {
 
 // Lines go to standard error, or to a file; an empty path: nowhere (the observer still sees them).
 enum class LogTo { nowhere, standardError, file };
+// Throws std::runtime_error when the file can't be opened; the log then stays as it was.
 void openLog(LogTo where, const std::string& path = {});
 
-// True if the module's severity is switched on; severities 12 to 14 are at start, 10 is not.
+// True if the severity is switched on; 11 and above are at start, 10 is not.
 bool severityOn(i32 severity);
 void resetSeverities();
+
+// For the platform's own sources: something that the stand-in itself has to complain about. Goes to the log, or to
+// standard error when none is open; the observer does not see it.
+void platformError(const char* format, ...) __attribute__((format(printf, 1, 2)));
 
 }  // namespace host

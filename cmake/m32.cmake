@@ -1,0 +1,13 @@
+# 32-bit programs on a 64-bit machine: g++-12-multilib, with the libraries of the architecture i386.
+set(CMAKE_SYSTEM_NAME Linux)
+set(CMAKE_SYSTEM_PROCESSOR i686)
+set(CMAKE_CXX_COMPILER g++-12)
+
+# The kernel's headers exist for the machine's own architecture only and are the same ones for both.
+set(CMAKE_CXX_FLAGS_INIT "-m32 -idirafter /usr/include/x86_64-linux-gnu")
+
+set(CMAKE_LIBRARY_ARCHITECTURE i386-linux-gnu)
+set(ENV{PKG_CONFIG_LIBDIR} /usr/lib/i386-linux-gnu/pkgconfig:/usr/share/pkgconfig)
+
+# What is built runs on this machine.
+set(CMAKE_CROSSCOMPILING_EMULATOR env)

@@ -1,0 +1,125 @@
+#include "platform/cards.h"
+
+#include <algorithm>
+#include <atomic>
+#include <cstring>
+#include <deque>
+#include <map>
+#include <mutex>
+#include <tuple>
+
+#include "host/links.h"
+#include "link_queue.h"
+
+namespace host {
+
+namespace {
+
+struct Outcome {
+  bool isAnswer = false;  // else a failure
+  int result = 0;
+  std::vector<u8> answer;
+};
+
+using Key = std::tuple<Link, u16 /*slot*/, u16 /*id*/>;
+
+std::mutex mutex;
+std::map<Key, std::deque<Outcome>>& queues() {
+  static std::map<Key, std::deque<Outcome>> all;
+  return all;
+}
+std::atomic<std::size_t> queued{0};  // over all keys: most messages find nothing and take no lock
+
+void enqueue(const Key& key, Outcome outcome) {
+  const std::lock_guard lock(mutex);
+  queues()[key].push_back(std::move(outcome));
+  ++queued;
+}
+
+// Takes the first outcome of the key that `fits`; false if there is none.
+template <class Fits>
+bool take(const Key& key, Fits fits, Outcome& outcome) {
+  if (queued == 0) return false;
+  const std::lock_guard lock(mutex);
+  const auto queue = queues().find(key);
+  if (queue == queues().end()) return false;
+  const auto first = std::find_if(queue->second.begin(), queue->second.end(), fits);
+  if (first == queue->second.end()) return false;
+  outcome = std::move(*first);
+  queue->second.erase(first);
+  if (queue->second.empty()) queues().erase(queue);
+  --queued;
+  return true;
+}
+
+}  // namespace
+
+void queueAnswer(Link link, u16 slot, u16 id, std::vector<u8> answer) {
+  enqueue({link, slot, id}, {true, 0, std::move(answer)});
+}
+
+void queueFailure(Link link, u16 slot, u16 id, int result) { enqueue({link, slot, id}, {false, result, {}}); }
+
+void clearLinks() {
+  const std::lock_guard lock(mutex);
+  queues().clear();
+  queued = 0;
+}
+
+int sendResult(Fault fault, Link link, u16 slot, u16 id) {
+  Outcome outcome;
+  take(
+      {link, slot, id}, [](const Outcome& next) { return !next.isAnswer; }, outcome);
+  return faultDue(fault) ? -1 : outcome.result;
+}
+
+int exchangeResult(Fault fault, Link link, u16 slot, u16 id, void* response, u32* responseLen) {
+  const u32 capacity = responseLen != nullptr && response != nullptr ? *responseLen : 0;
+  if (responseLen != nullptr) *responseLen = 0;
+  Outcome outcome;
+  const bool taken = take(
+      {link, slot, id}, [](const Outcome&) { return true; }, outcome);
+  if (faultDue(fault) || !taken) return -1;
+  const auto length = static_cast<u32>(std::min<std::size_t>(outcome.answer.size(), capacity));
+  if (length != 0) std::memcpy(response, outcome.answer.data(), length);
+  if (responseLen != nullptr) *responseLen = length;
+  return outcome.result;
+}
+
+namespace {
+
+int sendToCard(Link link, u16 slot, u16 id, const void* payload, u32 length) {
+  told([=](Observer& observer) { observer.send(link, slot, id, bytesOf(payload, length)); });
+  return sendResult(Fault::cardSend, link, slot, id);
+}
+
+int askCard(Link link, u16 slot, u16 id, Bytes request, void* response, u32* responseLen) {
+  told([=](Observer& observer) { observer.ask(link, slot, id, request); });
+  return exchangeResult(Fault::cardExchange, link, slot, id, response, responseLen);
+}
+
+}  // namespace
+
+}  // namespace host
+
+int dm_MakeCmdPkt_GPON(u16 slot, u16 id, const void* payload, u32 length) {
+  return host::sendToCard(host::Link::gpon, slot, id, payload, length);
+}
+
+int dm_MakeCmdPkt_GEPON(u16 slot, u16 id, const void* payload, u32 length) {
+  return host::sendToCard(host::Link::gepon, slot, id, payload, length);
+}
+
+int dm_MakeCmdPkt_EPON(u16 slot, u16 id, const void* payload, u32 length) {
+  return host::sendToCard(host::Link::epon, slot, id, payload, length);
+}
+
+int gpon_send_and_wait_for_response_copy(u16 slot, u16 id, i32, const void* request, u32 requestLen, void* response,
+                                         u32* responseLen, i32) {
+  return host::askCard(host::Link::gpon, slot, id, host::bytesOf(request, requestLen), response, responseLen);
+}
+
+int gepon_send_and_wait_for_response_copy(u16 slot, u16 id, i32, i32, const void* request, u32 requestLen,
+                                          void* response, u32* responseLen, i32) {
+  return host::askCard(host::Link::gepon, slot, id, host::bytesOf(request, requestLen), response, responseLen);
+}

@@ -1,0 +1,187 @@
+#include <algorithm>
+#include <atomic>
+#include <cstdarg>
+#include <cstdio>
+#include <map>
+#include <memory>
+#include <mutex>
+#include <shared_mutex>
+#include <utility>
+
+#include "command_line_suggestions.h"
+#include "command_line_table.h"
+#include "host/terminal.h"
+
+namespace {
+
+using command_line::Command;
+using command_line::Node;
+using command_line::Reading;
+
+struct InstalledModule {
+  i32 id = 0;
+  int (*showrun)(Vty*) = nullptr;
+};
+
+// What the modules have installed. Lines are read under the shared lock; handlers run without it.
+struct Installed {
+  std::shared_mutex mutex;
+  std::map<int, Node> nodes;
+  std::vector<std::pair<int, u32>> order;  // node and number of each command, as they came
+  std::vector<InstalledModule> modules;
+
+  const Node* find(int node) const {
+    const auto found = nodes.find(node);
+    return found == nodes.end() ? nullptr : &found->second;
+  }
+};
+
+Installed& installed() {
+  static Installed commands;
+  return commands;
+}
+
+std::atomic<bool> fastMode = false;
+
+// The thread's memory for reading lines. A handler may run a line in its turn, whose reading then has its own.
+class BorrowedReading {
+ public:
+  BorrowedReading() : reading_(spare() ? std::move(spare()) : std::make_unique<Reading>()) {}
+  ~BorrowedReading() { spare() = std::move(reading_); }
+  BorrowedReading(const BorrowedReading&) = delete;
+  BorrowedReading& operator=(const BorrowedReading&) = delete;
+  Reading& operator*() { return *reading_; }
+
+ private:
+  static std::unique_ptr<Reading>& spare() {
+    thread_local std::unique_ptr<Reading> kept;
+    return kept;
+  }
+  std::unique_ptr<Reading> reading_;
+};
+
+bool runsNothing(std::string_view line) {
+  const auto begin = std::ranges::find_if_not(line, command_line::isBlank);
+  return begin == line.end() || *begin == '!';
+}
+
+}  // namespace
+
+int install_element(int node, const CommandElement* element) {
+  if (!element || !element->syntax || !element->handler) return -1;
+  auto syntax = command_line::readSyntax(element->syntax);
+  if (!syntax) return -1;
+  Installed& commands = installed();
+  const std::unique_lock lock(commands.mutex);
+  Node& at = commands.nodes[node];
+  if (!at.add({element, element->help ? element->help : "", std::move(*syntax)})) return -1;
+  commands.order.emplace_back(node, static_cast<u32>(at.size() - 1));
+  return 0;
+}
+
+void vty_out(Vty* vty, const char* format, ...) {
+  if (!vty) return;
+  char text[512];
+  va_list arguments;
+  va_start(arguments, format);
+  va_list again;
+  va_copy(again, arguments);
+  const int length = std::vsnprintf(text, sizeof text, format, arguments);
+  va_end(arguments);
+  if (length >= 0 && static_cast<std::size_t>(length) < sizeof text) {
+    vty->text.append(text, static_cast<std::size_t>(length));
+  } else if (length >= 0) {
+    const std::size_t before = vty->text.size();
+    const std::size_t size = static_cast<std::size_t>(length);
+    vty->text.resize(before + size);  // the NUL goes to the string's own
+    std::vsnprintf(vty->text.data() + before, size + 1, format, again);
+  }
+  va_end(again);
+}
+
+int cl_install_module_by_mod_id(i32 module, int (*install)(), int (*showrun)(Vty*)) {
+  Installed& commands = installed();
+  {
+    const std::unique_lock lock(commands.mutex);
+    const auto isModule = [module](const InstalledModule& known) { return known.id == module; };
+    const auto known = std::ranges::find_if(commands.modules, isModule);
+    if (known == commands.modules.end()) {
+      commands.modules.push_back({module, showrun});
+    } else {
+      known->showrun = showrun;
+    }
+  }
+  return install ? install() : 0;
+}
+
+int is_cliFastMode() { return fastMode ? 1 : 0; }
+
+namespace host {
+
+LineOutcome runLine(Vty& vty, int node, std::string_view line) {
+  if (line.size() > command_line::kMaxLine) return {LineResult::unknown};
+  if (runsNothing(line)) return {};
+  BorrowedReading borrowed;
+  Reading& reading = *borrowed;
+  const CommandElement* element = nullptr;
+  std::span<char*> arguments;
+  {
+    Installed& commands = installed();
+    const std::shared_lock lock(commands.mutex);
+    const Node* at = commands.find(node);
+    if (!at || !reading.split(line, at->longestLine())) return {LineResult::unknown};
+    reading.take(*at, reading.words().size());
+    const command_line::Step* chosen = nullptr;
+    const LineResult result = reading.decide(*at, chosen);
+    if (result != LineResult::ran) return {result};
+    element = at->command(chosen->command).element;
+    arguments = reading.arguments(*at, *chosen);
+  }
+  return {LineResult::ran, element->handler(element, &vty, static_cast<int>(arguments.size()), arguments.data())};
+}
+
+std::vector<Suggestion> suggestions(int node, std::string_view line) {
+  BorrowedReading reading;
+  Installed& commands = installed();
+  const std::shared_lock lock(commands.mutex);
+  const Node* at = commands.find(node);
+  return at ? command_line::suggest(*at, *reading, line) : std::vector<Suggestion>{};
+}
+
+std::vector<InstalledCommand> installedCommands() {
+  Installed& commands = installed();
+  const std::shared_lock lock(commands.mutex);
+  std::vector<InstalledCommand> list;
+  list.reserve(commands.order.size());
+  for (const auto& [node, number] : commands.order) {
+    const Command& command = commands.find(node)->command(number);
+    list.push_back({node, command.syntax.text, command.help});
+  }
+  return list;
+}
+
+int runShowrun(Vty& vty) {
+  std::vector<InstalledModule> modules;
+  {
+    Installed& commands = installed();
+    const std::shared_lock lock(commands.mutex);
+    modules = commands.modules;
+  }
+  int result = 0;
+  for (const InstalledModule& module : modules) {
+    if (module.showrun) result = module.showrun(&vty);
+  }
+  return result;
+}
+
+void setFastMode(bool on) { fastMode = on; }
+
+void forgetCommands() {
+  Installed& commands = installed();
+  const std::unique_lock lock(commands.mutex);
+  commands.nodes.clear();
+  commands.order.clear();
+  commands.modules.clear();
+}
+
+}  // namespace host

@@ -1,0 +1,168 @@
+#include "platform/log.h"
+
+#include <spdlog/fmt/bin_to_hex.h>
+#include <spdlog/logger.h>
+#include <spdlog/sinks/basic_file_sink.h>
+#include <spdlog/sinks/stdout_sinks.h>
+
+#include <array>
+#include <atomic>
+#include <cstdarg>
+#include <cstdio>
+#include <memory>
+#include <mutex>
+#include <vector>
+
+#include "host/log.h"
+#include "host/observer.h"
+
+namespace {
+
+constexpr i32 kDebug = 10;
+constexpr i32 kSeverities = 16;  // those above are always on
+
+std::array<std::atomic<bool>, kSeverities> ignored;  // the first of the two switches
+std::array<std::atomic<bool>, kSeverities> output;   // the second
+
+const bool severitiesReset = (host::resetSeverities(), true);
+
+std::mutex mutex;
+std::shared_ptr<spdlog::logger> logger;
+std::atomic<bool> isOpen{false};
+
+// Standard error as the process got it; the variable may be pointed elsewhere while output is captured.
+std::FILE* const standardError = stderr;
+
+std::shared_ptr<spdlog::logger> currentLog() {
+  const std::lock_guard lock(mutex);
+  return logger;
+}
+
+spdlog::level::level_enum levelOf(i32 severity) {
+  if (severity <= kDebug) return spdlog::level::debug;
+  if (severity < 13) return spdlog::level::info;
+  return severity == 13 ? spdlog::level::err : spdlog::level::critical;
+}
+
+// Formats without a limit of length: on the stack when it fits, else in `longer`.
+std::string_view format(char* text, std::size_t size, std::string& longer, const char* format, va_list arguments) {
+  va_list again;
+  va_copy(again, arguments);
+  const int length = std::vsnprintf(text, size, format, arguments);
+  std::string_view result;
+  if (length >= 0 && static_cast<std::size_t>(length) < size) {
+    result = {text, static_cast<std::size_t>(length)};
+  } else if (length >= 0) {
+    longer.resize(static_cast<std::size_t>(length));
+    std::vsnprintf(longer.data(), longer.size() + 1, format, again);
+    result = longer;
+  }
+  va_end(again);
+  return result;
+}
+
+std::string_view withoutLineEnds(std::string_view text) {
+  const auto first = text.find_first_not_of("\r\n");
+  if (first == text.npos) return {};
+  return text.substr(first, text.find_last_not_of("\r\n") - first + 1);
+}
+
+// Texts come from outside, too: what would forge a line or reach the reader's terminal is shown, not sent.
+std::string printable(std::string_view text) {
+  std::string result;
+  result.reserve(text.size());
+  for (const char c : withoutLineEnds(text)) {
+    if (c == '\r')
+      result += "\\r";
+    else if (c == '\n')
+      result += "\\n";
+    else if (static_cast<unsigned char>(c) < ' ' || c == 127)
+      result += fmt::format("\\x{:02x}", static_cast<int>(c));
+    else
+      result += c;
+  }
+  return result;
+}
+
+void writeLog(i32 severity, std::string_view text) {
+  if (const auto log = currentLog()) log->log(levelOf(severity), printable(text));
+}
+
+}  // namespace
+
+void ulogPrintf(i32, i32 severity, const char* text, ...) {
+  const bool logged = isOpen.load(std::memory_order_relaxed) && host::severityOn(severity);
+  if (!logged && !host::observed()) return;
+  char line[1024];
+  std::string longer;
+  va_list arguments;
+  va_start(arguments, text);
+  const std::string_view formatted = format(line, sizeof line, longer, text, arguments);
+  va_end(arguments);
+  host::told([&](host::Observer& observer) { observer.log(severity, formatted); });
+  if (logged) writeLog(severity, formatted);
+}
+
+void ulogTypePkt(i32, i32 severity, const void* packet, u32 length) {
+  if (packet == nullptr || !isOpen.load(std::memory_order_relaxed) || !host::severityOn(severity)) return;
+  const auto log = currentLog();
+  if (!log) return;
+  const auto* bytes = static_cast<const u8*>(packet);
+  log->log(levelOf(severity), "packet of {} bytes:{}", length, spdlog::to_hex(bytes, bytes + length));
+}
+
+void ulogSetModIgnore(i32, i32 severity, i32 flag) {
+  if (severity >= 0 && severity < kSeverities) ignored[static_cast<std::size_t>(severity)] = flag == 0;
+}
+
+void ulogSetModOutput(i32, i32 severity, i32 flag) {
+  if (severity >= 0 && severity < kSeverities) output[static_cast<std::size_t>(severity)] = flag != 0;
+}
+
+namespace host {
+
+void openLog(LogTo where, const std::string& path) {
+  std::shared_ptr<spdlog::logger> opened;
+  if (where == LogTo::standardError) {
+    using Sink = spdlog::sinks::stdout_sink_base<spdlog::details::console_mutex>;
+    opened = std::make_shared<spdlog::logger>("node", std::make_shared<Sink>(standardError));
+  } else if (where == LogTo::file && !path.empty()) {
+    opened = std::make_shared<spdlog::logger>("node", std::make_shared<spdlog::sinks::basic_file_sink_mt>(path));
+  }
+  if (opened) {
+    opened->set_pattern("%Y-%m-%d %H:%M:%S.%e %l %v");
+    opened->set_level(spdlog::level::trace);
+    opened->flush_on(spdlog::level::trace);
+  }
+  const std::lock_guard lock(mutex);
+  isOpen = opened != nullptr;
+  logger = std::move(opened);
+}
+
+bool severityOn(i32 severity) {
+  if (severity < 0 || severity >= kSeverities) return severity > 0;
+  const auto at = static_cast<std::size_t>(severity);
+  return output[at].load(std::memory_order_relaxed) && !ignored[at].load(std::memory_order_relaxed);
+}
+
+void resetSeverities() {
+  for (i32 severity = 0; severity < kSeverities; ++severity) {
+    ulogSetModIgnore(0, severity, severity > kDebug);
+    ulogSetModOutput(0, severity, severity > kDebug);
+  }
+}
+
+void platformError(const char* text, ...) {
+  char line[1024];
+  std::string longer;
+  va_list arguments;
+  va_start(arguments, text);
+  const std::string shown = printable(format(line, sizeof line, longer, text, arguments));
+  va_end(arguments);
+  if (const auto log = currentLog())
+    log->error(shown);
+  else
+    std::fprintf(standardError, "platform: %s\n", shown.c_str());
+}
+
+}  // namespace host

@@ -1,0 +1,123 @@
+#include "platform/snmp_agent.h"
+
+#include <algorithm>
+#include <cstring>
+#include <memory>
+#include <mutex>
+
+#include "host/agent.h"
+#include "host/log.h"
+
+namespace {
+
+constexpr u32 kNotSet = 0xFFFFFFFF;
+
+struct Hooks {
+  SnmpWrite* write = nullptr;
+  SnmpRead* read = nullptr;
+};
+
+std::mutex mutex;
+Hooks hooks;
+std::vector<host::Announced>& announced() {
+  static std::vector<host::Announced> all;
+  return all;
+}
+
+Hooks currentHooks() {
+  const std::lock_guard lock(mutex);
+  return hooks;
+}
+
+// The thread's reply buffer, zeroed.
+u8* freshReply() {
+  thread_local const std::unique_ptr<u8[]> buffer(new u8[host::kReplyCapacity]);
+  std::memset(buffer.get(), 0, host::kReplyCapacity);
+  return buffer.get();
+}
+
+// A frame as the hooks get it. An empty one has an address, too, and ends where its memory ends.
+struct Frame {
+  explicit Frame(std::vector<u8>* bytes) {
+    if (bytes == nullptr) return;
+#if defined(__SANITIZE_ADDRESS__)
+    bytes->shrink_to_fit();
+#endif
+    if (bytes->empty()) empty.reset(new u8[0]);
+    data = bytes->empty() ? empty.get() : bytes->data();
+    length = static_cast<i32>(bytes->size());
+  }
+  std::unique_ptr<u8[]> empty;
+  u8* data = nullptr;
+  i32 length = 0;
+};
+
+std::optional<std::vector<u8>> takeReply(u16 id, const u8* reply, u32 length) {
+  if (length == kNotSet) return std::nullopt;
+  if (length > host::kReplyCapacity) {
+    host::platformError("message %u: a reply of %u bytes, the buffer holds %u", id, length, host::kReplyCapacity);
+    length = host::kReplyCapacity;
+  }
+  return std::vector<u8>(reply, reply + length);
+}
+
+}  // namespace
+
+int installSnmpCommand(u16 id, const char* text, i32, i32, i32) {
+  const std::lock_guard lock(mutex);
+  announced().push_back({id, text != nullptr ? text : ""});
+  return 0;
+}
+
+int RegisterHookFunc(SnmpWrite* write, SnmpRead* read, i32) {
+  if (write == nullptr || read == nullptr) return 0;
+  const std::lock_guard lock(mutex);
+  hooks = {write, read};
+  return 1;
+}
+
+namespace host {
+
+std::vector<Announced> announcedMessages() {
+  const std::lock_guard lock(mutex);
+  return announced();
+}
+
+std::string messageName(u16 id) {
+  const std::lock_guard lock(mutex);
+  const auto found =
+      std::find_if(announced().begin(), announced().end(), [id](const Announced& one) { return one.id == id; });
+  return found != announced().end() ? found->text : std::string();
+}
+
+Answer agentSet(u16 id, bool last, std::vector<u8>* bytes) {
+  Answer answer;
+  const Hooks current = currentHooks();
+  if (current.write == nullptr) return answer;
+  const Frame frame(bytes);
+  u8* const reply = freshReply();
+  u32 length = kNotSet;
+  answer.result = current.write(id, last ? 1 : 0, frame.data, frame.length, reply, &length, nullptr, nullptr);
+  answer.reply = takeReply(id, reply, length);
+  return answer;
+}
+
+Answer agentGet(u16 id, std::vector<u8>* bytes) {
+  Answer answer;
+  const Hooks current = currentHooks();
+  if (current.read == nullptr) return answer;
+  const Frame frame(bytes);
+  u8* const reply = freshReply();
+  u32 length = kNotSet;
+  answer.result = current.read(id, &answer.last, frame.data, frame.length, reply, &length, nullptr, nullptr);
+  answer.reply = takeReply(id, reply, length);
+  return answer;
+}
+
+void forgetAgent() {
+  const std::lock_guard lock(mutex);
+  announced().clear();
+  hooks = {};
+}
+
+}  // namespace host

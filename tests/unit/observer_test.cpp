@@ -1,0 +1,187 @@
+#include "host/observer.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cstdarg>
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "host/hex.h"
+#include "host/log.h"
+#include "platform/database.h"
+#include "platform/log.h"
+
+namespace {
+
+using testing::ElementsAre;
+
+struct Record : host::Observer {
+  std::vector<std::string> lines;
+  void crc(u16 slot, u16 id, int origin) override {
+    lines.push_back("crc " + std::to_string(slot) + ' ' + std::to_string(id) + ' ' + std::to_string(origin));
+  }
+  void log(i32 severity, std::string_view text) override {
+    lines.push_back(std::to_string(severity) + ' ' + std::string(text));
+  }
+  void out(std::string_view text) override { lines.emplace_back(text); }
+};
+
+class Observer : public testing::Test {
+ protected:
+  Observer() { host::observe(&record_); }
+  ~Observer() override { host::observe(nullptr); }
+  Record record_;
+};
+
+__attribute__((format(printf, 1, 2))) void printVia(const char* format, ...) {
+  va_list arguments;
+  va_start(arguments, format);
+  std::vprintf(format, arguments);
+  va_end(arguments);
+}
+
+TEST_F(Observer, SeesOutputInOrderWithOtherEvents) {
+  {
+    const host::CaptureOutput capture;
+    std::printf("\r\n %s, %d \r\n", "trace", 5);
+    trigger_obj_crc(9, 0, 0, 3087, 3);
+    printVia("no end %d", 1);
+    std::fprintf(stderr, "error %d\n", 2);
+    std::puts("put");
+  }
+  std::printf("%s", "");  // the real stream is back
+  ASSERT_GE(record_.lines.size(), 5u);
+  EXPECT_EQ(record_.lines[0], "\r\n trace, 5 \r\n");
+  EXPECT_EQ(record_.lines[1], "crc 9 3087 3");
+  EXPECT_EQ(record_.lines[2], "no end 1");
+  EXPECT_EQ(record_.lines[3], "error 2\n");
+  std::string rest;
+  for (std::size_t i = 4; i < record_.lines.size(); ++i) rest += record_.lines[i];
+  EXPECT_EQ(rest, "put\n");
+}
+
+TEST_F(Observer, SeesALongPrintWhole) {
+  const std::string text(20000, 'x');
+  {
+    const host::CaptureOutput capture;
+    std::printf("<%s>", text.c_str());
+  }
+  std::string all;
+  for (const std::string& piece : record_.lines) all += piece;
+  EXPECT_EQ(all, '<' + text + '>');
+}
+
+TEST_F(Observer, MayCauseEventsAndPrintItself) {
+  struct Nesting : Record {
+    void crc(u16 slot, u16 id, int origin) override {
+      std::printf("%s", "");
+      Record::crc(slot, id, origin);
+      if (slot < 3) trigger_obj_crc(static_cast<u16>(slot + 1), 0, 0, id, origin);
+    }
+  } nesting;
+  host::observe(&nesting);
+  {
+    const host::CaptureOutput capture;
+    trigger_obj_crc(1, 0, 0, 7, 0);
+  }
+  host::observe(nullptr);
+  trigger_obj_crc(9, 0, 0, 7, 0);
+  EXPECT_THAT(nesting.lines, ElementsAre("crc 1 7 0", "crc 2 7 0", "crc 3 7 0"));
+}
+
+TEST_F(Observer, IsToldOneThingAtATimeAndCanBeTakenAway) {
+  const auto door = [] {
+    for (int i = 0; i < 1000; ++i) trigger_obj_crc(1, 0, 0, 1, 0);
+  };
+  std::thread other(door);
+  door();
+  {
+    Record passing;
+    host::observe(&passing);
+    door();
+    host::observe(nullptr);
+  }
+  other.join();
+  EXPECT_GE(record_.lines.size(), 1000u);
+}
+
+TEST_F(Observer, SeesLogLinesOfEverySeverityAsTheyWereWritten) {
+  const std::string text(5000, 'y');
+  ulogPrintf(1, 13, "\r\nfailed, ret = %d.\r\n", -1);
+  ulogPrintf(1, 10, "%s", text.c_str());
+  ulogTypePkt(1, 14, "abc", 3);
+  EXPECT_THAT(record_.lines, ElementsAre("13 \r\nfailed, ret = -1.\r\n", "10 " + text));
+}
+
+class LogFile : public Observer {
+ protected:
+  LogFile() { host::openLog(host::LogTo::file, path_); }
+  ~LogFile() override {
+    host::openLog(host::LogTo::nowhere);
+    host::resetSeverities();
+    std::filesystem::remove(path_);
+  }
+  // The lines, without date and time.
+  std::string content() const {
+    std::ifstream file(path_);
+    std::string text, line;
+    while (std::getline(file, line)) text += (line.starts_with("20") ? line.substr(24) : line) + '\n';
+    return text;
+  }
+  const std::string path_ = testing::TempDir() + "observer_test_" + std::to_string(getpid()) + ".log";
+};
+
+TEST_F(LogFile, HasTheLinesOfWhatIsSwitchedOn) {
+  ulogPrintf(1, 10, "off\r\n");
+  ulogPrintf(1, 12, "msan combo init ok! \n\r");
+  ulogSetModIgnore(1, 10, 1);
+  ulogSetModOutput(1, 10, 1);
+  ulogPrintf(1, 10, "\r\non\r\n");
+  ulogSetModIgnore(1, 10, 0);
+  ulogSetModOutput(1, 10, 0);
+  ulogPrintf(1, 10, "off again\r\n");
+  ulogPrintf(1, 13, "two\r\nlines\x1b[31m");
+  ulogPrintf(1, 14, "\r\n");
+  EXPECT_EQ(content(), "info msan combo init ok! \ndebug on\nerror two\\r\\nlines\\x1b[31m\ncritical \n");
+}
+
+TEST_F(LogFile, DumpsAPacketOnlyWhenSwitchedOn) {
+  const u8 packet[] = {0x00, 0x1F, 0xFF};
+  ulogTypePkt(1, 10, packet, 3);
+  EXPECT_EQ(content(), "");
+  ulogSetModIgnore(1, 10, 1);
+  ulogSetModOutput(1, 10, 1);
+  ulogTypePkt(1, 10, packet, 3);
+  EXPECT_THAT(content(), testing::HasSubstr("00 1f ff"));
+  EXPECT_TRUE(record_.lines.empty());
+}
+
+TEST_F(LogFile, StaysOpenWhenAnotherCannotBeOpened) {
+  EXPECT_THROW(host::openLog(host::LogTo::file, "/dev/null/x.log"), std::exception);
+  ulogPrintf(1, 13, "still here");
+  host::platformError("a complaint %d", 1);
+  EXPECT_EQ(content(), "error still here\nerror a complaint 1\n");
+  EXPECT_THAT(record_.lines, ElementsAre("13 still here"));
+}
+
+TEST(Hex, WritesRunsShort) {
+  const auto text = [](std::initializer_list<std::pair<int, u8>> runs) {
+    std::vector<u8> bytes;
+    for (const auto& [count, byte] : runs) bytes.insert(bytes.end(), static_cast<std::size_t>(count), byte);
+    return host::hexText(bytes);
+  };
+  EXPECT_EQ(text({}), "-");
+  EXPECT_EQ(text({{1, 0x0A}, {1, 0xB0}}), "0ab0");
+  EXPECT_EQ(text({{15, 0}}), "000000000000000000000000000000");
+  EXPECT_EQ(text({{16, 0}}), "00*16");
+  EXPECT_EQ(text({{3, 0}, {1, 1}, {32, 0}, {1, 0}, {1, 2}}), "00000001 00*33 02");
+  EXPECT_EQ(text({{16, 0xFF}, {17, 0xEE}, {1, 1}, {100, 0}}), "ff*16 ee*17 01 00*100");
+}
+
+}  // namespace
