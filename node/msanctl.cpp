@@ -29,11 +29,16 @@ struct Options {
 void declare(CLI::App& app, Options& options) {
   app.set_version_flag("--version", "msanctl " MSAN_VERSION);
   app.add_option("--socket", options.socket, "msand's socket")->type_name("PATH")->capture_default_str();
-  app.add_option("-c", options.commands, "run a command and end; may be given again")->type_name("COMMAND")->allow_extra_args(false);
+  app.add_option("-c", options.commands, "run a command and end; may be given again")
+      ->type_name("COMMAND")
+      ->allow_extra_args(false);
   app.add_option("-f", options.file, "run the lines of a file and end; - is standard input")->type_name("FILE");
-  app.add_option("--wait", options.wait, "wait for msand for so long")->type_name("SECONDS")->check(CLI::Range(0, 3600));
-  app.footer("Without -c and -f: a terminal, or the lines of standard input if that is none.\n"
-             "Exit codes: 0 all lines did well, 1 a line failed, 2 bad options or an unreadable file, 3 no msand.");
+  app.add_option("--wait", options.wait, "wait for msand for so long")
+      ->type_name("SECONDS")
+      ->check(CLI::Range(0, 3600));
+  app.footer(
+      "Without -c and -f: a terminal, or the lines of standard input if that is none.\n"
+      "Exit codes: 0 all lines did well, 1 a line failed, 2 bad options or an unreadable file, 3 no msand.");
 }
 
 // Runs a file's lines; the exit code.

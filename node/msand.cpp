@@ -28,8 +28,9 @@ void declare(CLI::App& app, Options& options) {
       ->type_name("FILE");
   app.add_option("--module", options.module, "libmsan.so, in place of the configured one")->type_name("FILE");
   app.add_flag("--check", options.check, "check the configuration file and exit");
-  app.footer("It stays in the foreground and stops on SIGTERM. Exit codes: 0 stopped, 1 could not run, 2 bad options or\n"
-             "configuration.");
+  app.footer(
+      "It stays in the foreground and stops on SIGTERM. Exit codes: 0 stopped, 1 could not run, 2 bad options or\n"
+      "configuration.");
 }
 
 // ../lib/libmsan.so beside the program
@@ -60,8 +61,10 @@ int main(int argc, char** argv) {
   }
   try {
     const msand::Configuration configuration = configurationOf(options);
-    if (!options.check) msand::runDaemon(configuration);
-    else std::printf("%s: good\n", options.configuration.c_str());
+    if (!options.check)
+      msand::runDaemon(configuration);
+    else
+      std::printf("%s: good\n", options.configuration.c_str());
     return kDone;
   } catch (const msand::ConfigurationError& error) {
     std::fprintf(stderr, "msand: %s\n", error.what());

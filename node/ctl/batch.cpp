@@ -68,12 +68,16 @@ class Batch {
   // Takes frames up to the next result.
   void takeResult() {
     while (const auto frame = connection_.receive()) {
-      if (frame->kind == wire::Kind::text) print(*frame);
-      else if (frame->kind == wire::Kind::trace) print("trace: " + std::string(frame->payload) + "\n");
-      else if (frame->kind == wire::Kind::result) return finish(*frame);
+      if (frame->kind == wire::Kind::text)
+        print(*frame);
+      else if (frame->kind == wire::Kind::trace)
+        print("trace: " + std::string(frame->payload) + "\n");
+      else if (frame->kind == wire::Kind::result)
+        return finish(*frame);
     }
     // The end of the session: after "exit" without a word, else with its reason.
-    if (!connection_.farewell().empty()) throw ConnectionError("the node has ended the session: " + connection_.farewell());
+    if (!connection_.farewell().empty())
+      throw ConnectionError("the node has ended the session: " + connection_.farewell());
     outcome_.ended = true;
     underWay_.clear();
   }
@@ -102,8 +106,10 @@ class Batch {
     if (!result || underWay_.empty()) throw ConnectionError("what answers is no msand");
     if (lineOpen_) std::fputc('\n', stdout);
     lineOpen_ = false;
-    if (result->good()) underWay_.pop_front();
-    else failFront(reasonOf(*result));
+    if (result->good())
+      underWay_.pop_front();
+    else
+      failFront(reasonOf(*result));
     while (!underWay_.empty() && underWay_.front().tooLong) failFront("line too long");
   }
 

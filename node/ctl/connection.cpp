@@ -28,8 +28,7 @@ static Descriptor connectTo(const std::string& path, int seconds) {
   while (connect(made.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0) {
     const int code = errno;
     const bool mayCome = code == ENOENT || code == ECONNREFUSED || code == EAGAIN || code == EINTR;
-    if (!mayCome || time(nullptr) >= end)
-      throw ConnectionError(path + ": no connection to msand: " + textOf(code));
+    if (!mayCome || time(nullptr) >= end) throw ConnectionError(path + ": no connection to msand: " + textOf(code));
     pauseBriefly();
   }
   return made;

@@ -7,8 +7,8 @@
 #include <string>
 #include <string_view>
 
-#include "../daemon/descriptor.h"
-#include "../daemon/protocol.h"
+#include "descriptor.h"
+#include "protocol.h"
 
 namespace ctl {
 

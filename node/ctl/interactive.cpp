@@ -98,7 +98,8 @@ class Editor {
   std::string prompt_;
 };
 
-Editor::Editor(Connection& connection) : connection_(connection), edit_(el_init("msanctl", stdin, stdout, stderr)), history_(history_init()) {
+Editor::Editor(Connection& connection)
+    : connection_(connection), edit_(el_init("msanctl", stdin, stdout, stderr)), history_(history_init()) {
   history(history_, &event_, H_SETSIZE, kHistoryLines);
   history(history_, &event_, H_SETUNIQUE, 1);
   if (!historyFile_.empty()) history(history_, &event_, H_LOAD, historyFile_.c_str());

@@ -13,18 +13,24 @@ std::string forDisplay(std::string_view text, bool terminal) {
     if (letter == '\r') continue;
     if (terminal && (byte < ' ' || byte == 127) && letter != '\n' && letter != '\t')
       shown.append({'\\', 'x', kDigits[byte >> 4], kDigits[byte & 15]});
-    else shown += letter;
+    else
+      shown += letter;
   }
   return shown;
 }
 
 std::string reasonOf(wire::Result result) {
   switch (result.outcome) {
-    case 0: return "failed (" + std::to_string(result.returned) + ")";
-    case 1: return "unknown command";
-    case 2: return "incomplete command";
-    case 3: return "ambiguous command";
-    default: return "refused";
+    case 0:
+      return "failed (" + std::to_string(result.returned) + ")";
+    case 1:
+      return "unknown command";
+    case 2:
+      return "incomplete command";
+    case 3:
+      return "ambiguous command";
+    default:
+      return "refused";
   }
 }
 

@@ -5,7 +5,7 @@
 #include <string_view>
 #include <vector>
 
-#include "../daemon/protocol.h"
+#include "protocol.h"
 
 namespace ctl {
 
@@ -24,8 +24,8 @@ struct Suggestion {
 };
 std::vector<Suggestion> readSuggestions(std::string_view rows);
 
-// What Tab adds behind the cursor: what the keywords that begin with the word being typed have in common, and a blank if
-// there is one only. Empty: nothing to add.
+// What Tab adds behind the cursor: what the keywords that begin with the word being typed have in common, and a blank
+// if there is one only. Empty: nothing to add.
 std::string completion(std::string_view lineToCursor, const std::vector<Suggestion>& suggestions);
 
 // True if the cursor behind this line stands in a text in quotes.

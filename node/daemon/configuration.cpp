@@ -78,9 +78,12 @@ SlotConfiguration Reader::slot(const toml::key& key, const toml::node& value) co
   const toml::table* table = value.as_table();
   if (table == nullptr) fail(value.source(), "a slot must be a table such as { card = \"adsl32\", state = \"up\" }");
   for (const auto& [name, entry] : *table) {
-    if (name == "card") slot.card = card(name, entry);
-    else if (name == "state") slot.state = state(name, entry);
-    else fail(name.source(), fmt::format("unknown key \"{}\" of a slot: there are card and state", name.str()));
+    if (name == "card")
+      slot.card = card(name, entry);
+    else if (name == "state")
+      slot.state = state(name, entry);
+    else
+      fail(name.source(), fmt::format("unknown key \"{}\" of a slot: there are card and state", name.str()));
   }
   if (slot.card == nullptr) fail(key.source(), fmt::format("slot {} names no card", slot.slot));
   return slot;
@@ -101,8 +104,10 @@ std::vector<SlotConfiguration> Reader::slots(const toml::key& key, const toml::n
 
 void Reader::log(const toml::key& key, const toml::node& value, Configuration& into) const {
   const std::string where = text(key, value);
-  if (where == "stderr") into.logTo = host::LogTo::standardError;
-  else if (where == "nowhere") into.logTo = host::LogTo::nowhere;
+  if (where == "stderr")
+    into.logTo = host::LogTo::standardError;
+  else if (where == "nowhere")
+    into.logTo = host::LogTo::nowhere;
   else {
     into.logTo = host::LogTo::file;
     into.logFile = file(key, value);
@@ -112,13 +117,19 @@ void Reader::log(const toml::key& key, const toml::node& value, Configuration& i
 Configuration Reader::read(const toml::table& table) const {
   Configuration configuration;
   for (const auto& [key, value] : table) {
-    if (key == "socket") configuration.socket = file(key, value);
-    else if (key == "startup") configuration.startup = file(key, value);
-    else if (key == "module") configuration.module = file(key, value);
-    else if (key == "log") log(key, value, configuration);
-    else if (key == "slots") configuration.slots = slots(key, value);
+    if (key == "socket")
+      configuration.socket = file(key, value);
+    else if (key == "startup")
+      configuration.startup = file(key, value);
+    else if (key == "module")
+      configuration.module = file(key, value);
+    else if (key == "log")
+      log(key, value, configuration);
+    else if (key == "slots")
+      configuration.slots = slots(key, value);
     else
-      fail(key.source(), fmt::format("unknown key \"{}\": there are socket, startup, module, log and slots", key.str()));
+      fail(key.source(),
+           fmt::format("unknown key \"{}\": there are socket, startup, module, log and slots", key.str()));
   }
   return configuration;
 }

@@ -14,7 +14,8 @@
 namespace msand {
 
 FileError::FileError(const std::string& path, const std::string& what, int errorCode)
-    : std::runtime_error(path + ": " + what + (errorCode == 0 ? "" : ": " + std::generic_category().message(errorCode))),
+    : std::runtime_error(path + ": " + what +
+                         (errorCode == 0 ? "" : ": " + std::generic_category().message(errorCode))),
       code(errorCode) {}
 
 std::string readFile(const std::string& path, std::size_t limit) {

@@ -21,7 +21,8 @@ static sockaddr_un address(const std::string& path) {
   sockaddr_un address{};
   address.sun_family = AF_UNIX;
   if (path.size() >= sizeof address.sun_path)
-    throw FileError(path, "is too long for a socket: " + std::to_string(sizeof address.sun_path - 1) + " bytes at most");
+    throw FileError(path,
+                    "is too long for a socket: " + std::to_string(sizeof address.sun_path - 1) + " bytes at most");
   std::memcpy(address.sun_path, path.c_str(), path.size() + 1);
   return address;
 }
@@ -49,7 +50,8 @@ void Listener::lock() {
     if (flock(lock_.get(), LOCK_EX | LOCK_NB) != 0)
       throw errno == EWOULDBLOCK ? FileError(path_, "is served by another msand") : FileError(path, "no lock", errno);
     // Its last owner may have removed it between our two steps.
-    struct stat held {}, there {};
+    struct stat held {
+    }, there{};
     if (fstat(lock_.get(), &held) == 0 && stat(path.c_str(), &there) == 0 && same(held, there)) return;
   }
 }

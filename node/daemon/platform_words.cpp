@@ -48,9 +48,11 @@ int showChassis(const PlatformCall& call) {
   for (u16 slot = 1; slot <= host::kSlots; ++slot) {
     if (!host::holdsServiceCard(slot)) continue;
     const host::CardType* type = host::authorisedType(slot);
-    if (type == nullptr) call.text += fmt::format("{:<5} -\r\n", slot);
+    if (type == nullptr)
+      call.text += fmt::format("{:<5} -\r\n", slot);
     else
-      call.text += fmt::format("{:<5} {:<12} {:<8} {:>5}\r\n", slot, type->name, word(host::cardState(slot)), type->ports);
+      call.text +=
+          fmt::format("{:<5} {:<12} {:<8} {:>5}\r\n", slot, type->name, word(host::cardState(slot)), type->ports);
   }
   return 0;
 }
@@ -83,7 +85,8 @@ int listCommands(const PlatformCall& call, bool all) {
   const Level level = call.terminal.level;
   if (!all)
     call.text +=
-        "? shows what may stand next, Tab completes. A keyword may be shortened as long as it is clear which one it is;\r\n"
+        "? shows what may stand next, Tab completes. A keyword may be shortened as long as it is clear which one it "
+        "is;\r\n"
         "the words below are written out. \"help all\" lists every command of this level.\r\n";
   for (const host::InstalledCommand& command : host::installedCommands())
     if (command.node == platformNode(level) || (all && command.node == moduleNode(level)))

@@ -12,7 +12,7 @@
 namespace msand {
 
 constexpr std::size_t kMaxStartup = 16 << 20;
-constexpr u32 kMaxTold = 100;          // failed lines
+constexpr u32 kMaxTold = 100;           // failed lines
 constexpr std::size_t kMaxShown = 200;  // bytes of a failed line, and of what it printed
 
 // CR LF to LF; a last line without its end gets one.
@@ -36,18 +36,24 @@ static std::optional<std::string> readStartup(const std::string& path) {
   try {
     return readFile(path, kMaxStartup);
   } catch (const FileError& error) {
-    if (error.code == ENOENT) note(fmt::format("there is no startup configuration {}", path));
-    else complain(fmt::format("startup configuration not executed: {}", error.what()));
+    if (error.code == ENOENT)
+      note(fmt::format("there is no startup configuration {}", path));
+    else
+      complain(fmt::format("startup configuration not executed: {}", error.what()));
     return std::nullopt;
   }
 }
 
 static std::string why(const node::FailedLine& line) {
   switch (line.outcome.result) {
-    case host::LineResult::unknown: return "unknown command";
-    case host::LineResult::incomplete: return "incomplete command";
-    case host::LineResult::ambiguous: return "ambiguous command";
-    case host::LineResult::ran: break;
+    case host::LineResult::unknown:
+      return "unknown command";
+    case host::LineResult::incomplete:
+      return "incomplete command";
+    case host::LineResult::ambiguous:
+      return "ambiguous command";
+    case host::LineResult::ran:
+      break;
   }
   const std::string printed = printable(std::string_view(line.printed).substr(0, kMaxShown));
   return fmt::format("gave {}{}{}", line.outcome.returned, printed.empty() ? "" : ": ", printed);

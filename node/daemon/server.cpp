@@ -86,8 +86,10 @@ void Server::run(int stop) {
     if (count < 0 && errno != EINTR) throw std::system_error(errno, std::generic_category(), "msand: epoll_wait");
     for (int i = 0; i < count; ++i) {
       const epoll_event& event = events[static_cast<std::size_t>(i)];
-      if (event.data.fd == stop) stopped = true;
-      else handle(event.data.fd, event.events);
+      if (event.data.fd == stop)
+        stopped = true;
+      else
+        handle(event.data.fd, event.events);
     }
     settleChanged();
     disconnectStalled();
@@ -205,7 +207,8 @@ void Server::takeRequests(const SessionPtr& session) {
     }
     if (frame->kind == wire::Kind::line || frame->kind == wire::Kind::ask)
       session->requests.push_back({frame->kind, std::string(frame->payload)});
-    else refuse(*session, "a frame of a kind that is not known");
+    else
+      refuse(*session, "a frame of a kind that is not known");
   }
   schedule(session);
 }
@@ -221,7 +224,8 @@ void Server::refuse(Session& session, std::string_view why) {
 void Server::send(Session& session) {
   const std::lock_guard lock(mutex_);
   while (session.unsent() != 0) {
-    const ssize_t taken = ::send(session.socket.get(), session.output.data() + session.sent, session.unsent(), MSG_NOSIGNAL);
+    const ssize_t taken =
+        ::send(session.socket.get(), session.output.data() + session.sent, session.unsent(), MSG_NOSIGNAL);
     if (taken < 0 && errno == EINTR) continue;
     if (taken < 0 && (errno == EAGAIN || errno == EWOULDBLOCK)) break;
     if (taken < 0) {
@@ -231,9 +235,12 @@ void Server::send(Session& session) {
     session.sent += static_cast<std::size_t>(taken);
     session.progress = Clock::now();
   }
-  if (session.unsent() == 0) session.output.clear();
-  else if (session.sent >= limits_.slow) session.output.erase(0, session.sent);
-  else return;
+  if (session.unsent() == 0)
+    session.output.clear();
+  else if (session.sent >= limits_.slow)
+    session.output.erase(0, session.sent);
+  else
+    return;
   session.sent = 0;
 }
 
@@ -249,8 +256,10 @@ void Server::settle(const SessionPtr& session) {
     const bool idle = !session->posted && session->requests.empty();
     over = session->dropped || (session->unsent() == 0 && (session->ended || (session->inputEnded && idle)));
   }
-  if (over) disconnect(session);
-  else watch(*session);
+  if (over)
+    disconnect(session);
+  else
+    watch(*session);
 }
 
 void Server::watch(Session& session) {
@@ -316,8 +325,10 @@ void Server::serveOne(const SessionPtr& session) {
     std::string prompt = service_.prompt(terminal);
     if (prompt != session->prompt) wire::appendFrame(frames, wire::Kind::prompt, prompt);
     session->prompt = std::move(prompt);
-    if (terminal.ended) wire::appendFrame(frames, wire::Kind::bye, "");
-    else wire::appendResult(frames, result);
+    if (terminal.ended)
+      wire::appendFrame(frames, wire::Kind::bye, "");
+    else
+      wire::appendResult(frames, result);
   }
 
   const std::lock_guard lock(mutex_);
@@ -340,8 +351,10 @@ bool Server::trace(std::string_view line) {
   wire::appendFrame(frame, wire::Kind::trace, line.substr(0, wire::kMaxFrame - 1));
   const std::lock_guard lock(mutex_);
   for (const SessionPtr& session : tracing_) {
-    if (session->unsent() >= limits_.most) session->dropped = true;
-    else session->output += frame;
+    if (session->unsent() >= limits_.most)
+      session->dropped = true;
+    else
+      session->output += frame;
     changed(session);
   }
   const bool shown = !tracing_.empty();

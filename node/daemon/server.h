@@ -1,8 +1,8 @@
 #pragma once
 // Serves the operator's socket: any number of terminals, one command at a time over all of them.
 //
-// One thread (the one that calls run) moves bytes, the door's thread runs the requests. A terminal's requests are run in
-// their order; the terminals take turns. A terminal that leaves loses the requests that have not begun. One that
+// One thread (the one that calls run) moves bytes, the door's thread runs the requests. A terminal's requests are run
+// in their order; the terminals take turns. A terminal that leaves loses the requests that have not begun. One that
 // does not read what it is sent is disconnected, the others and the node do not wait for it.
 
 #include <chrono>
@@ -19,8 +19,8 @@
 namespace msand {
 
 struct Limits {
-  std::size_t slow = 256 * 1024;      // unsent bytes from which on a terminal's next request waits
-  std::size_t most = 4 * 1024 * 1024;  // unsent bytes from which on a further trace line disconnects it
+  std::size_t slow = 256 * 1024;              // unsent bytes from which on a terminal's next request waits
+  std::size_t most = 4 * 1024 * 1024;         // unsent bytes from which on a further trace line disconnects it
   std::chrono::milliseconds patience{30000};  // without a byte taken, while some wait
 };
 

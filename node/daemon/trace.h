@@ -1,11 +1,11 @@
 #pragma once
 // The live trace: a line for everything that leaves the module.
 //
-//   gpon 3 2841 "Set POTS general parameter" 00000001 ...   a message to the card in slot 3: id, name, bytes; gepon, epon
-//   gpon? 3 2839 "..." ...                                  a message that is answered; gepon?
-//   ngn 3087 "Set CIDMode configuration" ...                a message to the NGN side; ngn? one that is answered
-//   crc 9 3087 3, rtp-ip 3, job ..., voice-mode 0 1 0       the platform is told of a change, or asked for something
-//   out ..., log 13 ...                                     what the module prints, and its errors
+//   gpon 3 2841 "Set POTS general parameter" 00000001 ...   a message to the card in slot 3: id, name, bytes; gepon,
+//   epon gpon? 3 2839 "..." ...                                  a message that is answered; gepon? ngn 3087 "Set
+//   CIDMode configuration" ...                a message to the NGN side; ngn? one that is answered crc 9 3087 3, rtp-ip
+//   3, job ..., voice-mode 0 1 0       the platform is told of a change, or asked for something out ..., log 13 ...
+//   what the module prints, and its errors
 
 #include <functional>
 #include <string>

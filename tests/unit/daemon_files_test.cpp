@@ -66,7 +66,8 @@ TEST_F(Files, OnlyRegularFilesWithinTheLimitAreRead) {
   EXPECT_EQ(complaint([&] { readFile(at("a"), 99); }), at("a") + ": is longer than 99 bytes");
   EXPECT_EQ(complaint([&] { readFile(folder_, 100); }), folder_ + ": is not a regular file");
   ASSERT_EQ(mkfifo(at("pipe").c_str(), 0600), 0);
-  EXPECT_EQ(complaint([&] { readFile(at("pipe"), 100); }), at("pipe") + ": is not a regular file") << "and nobody waits";
+  EXPECT_EQ(complaint([&] { readFile(at("pipe"), 100); }), at("pipe") + ": is not a regular file")
+      << "and nobody waits";
   EXPECT_EQ(complaint([] { readFile("/proc/self/maps", 10); }), "/proc/self/maps: is longer than 10 bytes")
       << "a file that claims to be empty is measured by what it gives";
 }

@@ -1,7 +1,5 @@
 // The operator's socket: many terminals, well-behaved and otherwise, against commands that are made for the test.
 
-#include "server.h"
-
 #include <gtest/gtest.h>
 #include <sys/eventfd.h>
 #include <sys/socket.h>
@@ -15,6 +13,7 @@
 #include <thread>
 
 #include "listener.h"
+#include "server.h"
 
 using namespace std::string_literals;
 using namespace std::chrono_literals;
@@ -96,10 +95,9 @@ class TestTerminal {
     while (true) {
       if (const auto frame = reader_.next()) {
         const auto result = wire::readResult(frame->payload);
-        const std::string payload =
-            frame->kind == Kind::result && result
-                ? std::to_string(result->outcome) + " " + std::to_string(result->returned)
-                : std::string(frame->payload);
+        const std::string payload = frame->kind == Kind::result && result
+                                        ? std::to_string(result->outcome) + " " + std::to_string(result->returned)
+                                        : std::string(frame->payload);
         return static_cast<char>(frame->kind) + ("(" + payload + ")");
       }
       char bytes[4096];
@@ -120,7 +118,7 @@ class TestTerminal {
   wire::FrameReader reader_{wire::kMaxFrame};
 };
 
-class ServerTest : public testing::Test {
+class ServerThreads : public testing::Test {
  protected:
   void SetUp() override { ASSERT_NE(mkdtemp(folder_.data()), nullptr); }
 
@@ -154,7 +152,7 @@ class ServerTest : public testing::Test {
   std::thread thread_;
 };
 
-TEST_F(ServerTest, LinesAreAnsweredInTheirOrder) {
+TEST_F(ServerThreads, LinesAreAnsweredInTheirOrder) {
   start();
   TestTerminal terminal(path_);
   EXPECT_EQ(terminal.next(2), "H(\x01)P(> )");
@@ -168,7 +166,7 @@ TEST_F(ServerTest, LinesAreAnsweredInTheirOrder) {
   EXPECT_EQ(commands_.ran, 5) << "what stands behind exit is not run";
 }
 
-TEST_F(ServerTest, LinesMayBeSentFarAhead) {
+TEST_F(ServerThreads, LinesMayBeSentFarAhead) {
   start();
   TestTerminal terminal(path_);
   terminal.next(2);
@@ -180,7 +178,7 @@ TEST_F(ServerTest, LinesMayBeSentFarAhead) {
   EXPECT_EQ(terminal.next(), "end") << "input that has ended ends the session when all is answered";
 }
 
-TEST_F(ServerTest, WhatIsNoFrameEndsThatSessionOnly) {
+TEST_F(ServerThreads, WhatIsNoFrameEndsThatSessionOnly) {
   start();
   TestTerminal good(path_);
   good.next(2);
@@ -199,7 +197,7 @@ TEST_F(ServerTest, WhatIsNoFrameEndsThatSessionOnly) {
   EXPECT_EQ(commands_.ran, 1);
 }
 
-TEST_F(ServerTest, ATerminalThatLeavesLosesWhatHasNotBegun) {
+TEST_F(ServerThreads, ATerminalThatLeavesLosesWhatHasNotBegun) {
   start();
   TestTerminal other(path_);
   other.next(2);
@@ -216,7 +214,7 @@ TEST_F(ServerTest, ATerminalThatLeavesLosesWhatHasNotBegun) {
   EXPECT_EQ(commands_.ran, 2);
 }
 
-TEST_F(ServerTest, ATerminalThatDoesNotReadItsTraceIsDisconnected) {
+TEST_F(ServerThreads, ATerminalThatDoesNotReadItsTraceIsDisconnected) {
   start({.most = 65536});
   TestTerminal deaf(path_), other(path_);
   deaf.next(2);
@@ -234,7 +232,7 @@ TEST_F(ServerTest, ATerminalThatDoesNotReadItsTraceIsDisconnected) {
   EXPECT_EQ(deaf.next(), "end");
 }
 
-TEST_F(ServerTest, ATerminalThatDoesNotReadItsAnswersWaitsAndIsDisconnected) {
+TEST_F(ServerThreads, ATerminalThatDoesNotReadItsAnswersWaitsAndIsDisconnected) {
   start({.patience = 300ms});
   TestTerminal deaf(path_), other(path_);
   deaf.next(2);
@@ -248,7 +246,7 @@ TEST_F(ServerTest, ATerminalThatDoesNotReadItsAnswersWaitsAndIsDisconnected) {
   while (deaf.next() != "end") ASSERT_LT(++pieces, 100u) << "it was not disconnected";
 }
 
-TEST_F(ServerTest, ManyTerminalsTakeTurns) {
+TEST_F(ServerThreads, ManyTerminalsTakeTurns) {
   start();
   std::vector<std::thread> threads;
   for (int number = 0; number < 40; ++number)
@@ -265,7 +263,7 @@ TEST_F(ServerTest, ManyTerminalsTakeTurns) {
   EXPECT_EQ(commands_.ran, 40 * 40);
 }
 
-TEST_F(ServerTest, TraceLinesReachThoseWhoAskedForThem) {
+TEST_F(ServerThreads, TraceLinesReachThoseWhoAskedForThem) {
   start();
   TestTerminal tracing(path_), other(path_);
   tracing.next(2);
@@ -283,7 +281,7 @@ TEST_F(ServerTest, TraceLinesReachThoseWhoAskedForThem) {
   EXPECT_FALSE(server_->trace("unseen"));
 }
 
-TEST_F(ServerTest, StopLetsTheCommandUnderWayEndAndSaysGoodbye) {
+TEST_F(ServerThreads, StopLetsTheCommandUnderWayEndAndSaysGoodbye) {
   start();
   TestTerminal busy(path_), idle(path_);
   idle.next(2);
@@ -310,7 +308,7 @@ static std::string complaint(const std::string& path) {
   return "none";
 }
 
-TEST_F(ServerTest, ASocketThatIsServedIsRefusedAndAStaleOneReplaced) {
+TEST_F(ServerThreads, ASocketThatIsServedIsRefusedAndAStaleOneReplaced) {
   const std::string path = folder_ + "/node";
   {
     Listener first(path);
@@ -331,7 +329,7 @@ TEST_F(ServerTest, ASocketThatIsServedIsRefusedAndAStaleOneReplaced) {
   EXPECT_EQ(complaint(path), "none") << "nobody listens there any more";
 }
 
-TEST_F(ServerTest, WhatIsNoSocketIsLeftAlone) {
+TEST_F(ServerThreads, WhatIsNoSocketIsLeftAlone) {
   const std::string path = folder_ + "/node";
   std::filesystem::create_directory(path);
   EXPECT_EQ(complaint(path), path + ": is there and is no socket");
