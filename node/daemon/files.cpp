@@ -60,10 +60,16 @@ static void writeTemporary(const Descriptor& file, const std::string& path, mode
   if (fsync(file.get()) != 0) throw FileError(path, "can't be written to the disk", errno);
 }
 
-void replaceFile(const std::string& path, std::string_view bytes) {
+// Where a path leads to in the end; the last link may lead to a file that is not there yet.
+static std::filesystem::path behindLinks(std::filesystem::path path) {
   std::error_code failed;
-  const std::filesystem::path real = std::filesystem::weakly_canonical(path, failed);
-  const std::string target = failed ? path : real.string();
+  for (int links = 0; links < 40 && std::filesystem::is_symlink(path, failed); ++links)
+    path = path.parent_path() / std::filesystem::read_symlink(path, failed);
+  return path;
+}
+
+void replaceFile(const std::string& path, std::string_view bytes) {
+  const std::string target = behindLinks(path).string();
   struct stat old {};
   const mode_t mode = stat(target.c_str(), &old) == 0 ? old.st_mode & 07777 : 0640;
 
