@@ -99,6 +99,11 @@ std::string Node::runningConfiguration(int* result) {
 }
 
 void Node::executeStartup(std::string_view text, const std::function<void(const FailedLine&)>& failed) {
+  const std::shared_lock request(host::requestGate());
+  runStartup(text, failed);
+}
+
+void Node::runStartup(std::string_view text, const std::function<void(const FailedLine&)>& failed) {
   {
     const FastMode fast;
     Vty vty;
@@ -123,7 +128,7 @@ void Node::restart(std::string_view startup, const std::function<void(const Fail
   load();
   for (u16 slot = 1; slot <= host::kSlots; ++slot)
     if (host::authorisedType(slot) != nullptr) module_->card_auth_init_db(slot);
-  executeStartup(startup, failed);
+  runStartup(startup, failed);
 }
 
 }  // namespace node

@@ -1,5 +1,8 @@
 #pragma once
 // A node: the stand-in platform of this process with the module in it. There is one per process at a time.
+//
+// The functions take host::requestGate() themselves, as their work asks; a caller must not hold it. A door that calls
+// the platform directly (agentSet, runLine, runJobs) holds it shared.
 
 #include <functional>
 #include <optional>
@@ -41,15 +44,17 @@ class Node {
   std::string runningConfiguration(int* result = nullptr);
 
   // Executes the lines of a startup configuration in fast mode, then the module's load callback, then
-  // msan_init_after_cfgexecute. A line that fails is told and does not stop the rest.
+  // msan_init_after_cfgexecute. Lines end with LF or CR LF; empty ones and those that begin with '!' are passed over. A
+  // line that fails is told and does not stop the rest; one with a NUL or of more than 64 KiB fails without being run.
   void executeStartup(std::string_view text, const std::function<void(const FailedLine&)>& failed);
 
   // Unloads the library, loads it again with an empty database, authorises the slots' types again, and executes the
-  // startup configuration. Cards stay as they are. Throws as the constructor does.
+  // startup configuration. Cards stay as they are. Throws as the constructor does; then the node can only be destroyed.
   void restart(std::string_view startup, const std::function<void(const FailedLine&)>& failed);
 
  private:
   void load();
+  void runStartup(std::string_view text, const std::function<void(const FailedLine&)>& failed);
   std::string modulePath_;
   std::optional<Module> module_;
 };

@@ -48,28 +48,19 @@ void Node::index(std::string_view firstWord, u32 command) {
 
 void Node::candidates(std::span<const TypedWord> words, std::vector<u32>& list) const {
   list = anyFirstWord_;
-  std::size_t sources = list.empty() ? 0 : 1;
   const u64 second = words.size() > 1 ? words[1].head : 0;
   const u64 mask = words.size() > 1 ? headMask(words[1].text.size()) : 0;
   const auto addCommands = [&](const FirstWord& word) {
-    ++sources;
     for (const Entry& entry : word.commands) {
       if (entry.second == 0 || ((entry.second ^ second) & mask) == 0) list.push_back(entry.command);
     }
   };
   const auto isWhole = [&](const FirstWord& word) { return equal(word.text, words[0].text); };
   const auto whole = std::ranges::find_if(firstWords_, isWhole);
-  if (whole != firstWords_.end()) {
-    addCommands(*whole);
-  } else {
-    for (const FirstWord& word : firstWords_) {
-      if (begins(words[0].text, word.text)) addCommands(word);
-    }
+  if (whole != firstWords_.end()) return addCommands(*whole);
+  for (const FirstWord& word : firstWords_) {
+    if (begins(words[0].text, word.text)) addCommands(word);
   }
-  if (sources < 2) return;
-  std::ranges::sort(list);
-  const auto repeats = std::ranges::unique(list);
-  list.erase(repeats.begin(), repeats.end());
 }
 
 }  // namespace command_line

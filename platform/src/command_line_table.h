@@ -28,7 +28,7 @@ class Node {
   std::size_t size() const { return commands_.size(); }
   std::size_t longestLine() const { return longestLine_; }  // in words
 
-  // The commands, in order, that a line with these first words may be; some more may be among them.
+  // The commands that a line with these first words may be; others and repeats may be among them.
   void candidates(std::span<const TypedWord> words, std::vector<u32>& list) const;
 
  private:

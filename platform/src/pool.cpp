@@ -8,6 +8,7 @@
 #include "host/faults.h"
 #include "host/log.h"
 #include "host/pool.h"
+#include "sanitizers.h"
 
 #if defined(__SANITIZE_ADDRESS__)
 #include <sanitizer/asan_interface.h>

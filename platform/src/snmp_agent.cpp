@@ -7,26 +7,17 @@
 
 #include "host/agent.h"
 #include "host/log.h"
+#include "sanitizers.h"
 
 namespace {
 
 constexpr u32 kNotSet = 0xFFFFFFFF;
 
-struct Hooks {
-  SnmpWrite* write = nullptr;
-  SnmpRead* read = nullptr;
-};
-
 std::mutex mutex;
-Hooks hooks;
+host::Hooks hooks;
 std::vector<host::Announced>& announced() {
   static std::vector<host::Announced> all;
   return all;
-}
-
-Hooks currentHooks() {
-  const std::lock_guard lock(mutex);
-  return hooks;
 }
 
 // The thread's reply buffer, zeroed.
@@ -90,9 +81,14 @@ std::string messageName(u16 id) {
   return found != announced().end() ? found->text : std::string();
 }
 
+Hooks agentHooks() {
+  const std::lock_guard lock(mutex);
+  return hooks;
+}
+
 Answer agentSet(u16 id, bool last, std::vector<u8>* bytes) {
   Answer answer;
-  const Hooks current = currentHooks();
+  const Hooks current = agentHooks();
   if (current.write == nullptr) return answer;
   const Frame frame(bytes);
   u8* const reply = freshReply();
@@ -104,7 +100,7 @@ Answer agentSet(u16 id, bool last, std::vector<u8>* bytes) {
 
 Answer agentGet(u16 id, std::vector<u8>* bytes) {
   Answer answer;
-  const Hooks current = currentHooks();
+  const Hooks current = agentHooks();
   if (current.read == nullptr) return answer;
   const Frame frame(bytes);
   u8* const reply = freshReply();

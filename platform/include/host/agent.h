@@ -19,6 +19,13 @@ struct Announced {
 std::vector<Announced> announcedMessages();
 std::string messageName(u16 id);  // empty for an id that was not announced
 
+// The module's hooks, for a caller with a reply buffer of its own. Null before they are registered.
+struct Hooks {
+  SnmpWrite* write = nullptr;
+  SnmpRead* read = nullptr;
+};
+Hooks agentHooks();
+
 // What a hook gave.
 struct Answer {
   int result = 0;                        // of the hook

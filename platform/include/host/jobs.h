@@ -1,5 +1,6 @@
 #pragma once
-// The job task: jobs wait until they are run.
+// The job task: jobs wait until they are run. The observer is told of a job when it is queued, as its function's name
+// and all eight arguments; the platform knows the name of set_voice_module_mode alone, others are "unnamed".
 
 #include "platform/voice_mode.h"
 

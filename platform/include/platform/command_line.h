@@ -8,14 +8,15 @@
 //   <7-32>        a number in a range
 //   {...}*N       a group that may be left out, or come up to N times ({...} alone: once)
 // A handler gets one argument for each choice and for each parameter that was typed, in typed order; a choice
-// word comes whole and in lower case, keywords outside [ ] are not passed.
+// word comes whole and as the syntax spells it, keywords outside [ ] are not passed. More in docs/command-syntax.md.
 
 #include "platform/types.h"
 
 struct Vty;  // the terminal of a command
 struct CommandElement;
 
-// `argv` and its texts belong to the platform and live until the handler returns. Returns 0 or -1.
+// `argv` ends with a null. It and its texts belong to the platform and live until the handler returns, which may
+// change the texts. Returns 0 or -1.
 using CommandHandler = int(const CommandElement* element, Vty* vty, int argc, char** argv);
 
 // A command. It must live as long as the module.
@@ -27,14 +28,14 @@ struct CommandElement {
 
 enum CommandNode { DEBUG_NODE = 10, CONFIG_NODE = 50 };
 
-// Installs a command at a node. 0, or -1 for a syntax that can't be read or is there already.
+// Installs a command at a node. 0, or -1 for a syntax that can't be read or whose lines another command takes.
 int install_element(int node, const CommandElement* element);
 
 // Prints to the terminal of a command.
 void vty_out(Vty* vty, const char* format, ...) __attribute__((format(printf, 2, 3)));
 
 // Records the function that installs a module's commands, which is called at once, and the one that prints its
-// running configuration.
+// running configuration. Returns what `install` gave.
 int cl_install_module_by_mod_id(i32 module, int (*install)(), int (*showrun)(Vty*));
 
 // 1 while the startup configuration is executed, else 0.

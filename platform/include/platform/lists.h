@@ -14,9 +14,9 @@ struct LIST {
 };
 
 void lstInit(LIST* list);
-void lstAdd(LIST* list, NODE* node);                    // appends
+void lstAdd(LIST* list, NODE* node);                     // appends
 void lstInsert(LIST* list, NODE* previous, NODE* node);  // behind `previous`; null: at the head
-void lstDelete(LIST* list, NODE* node);                  // unlinks, frees nothing
+void lstDelete(LIST* list, NODE* node);                  // unlinks, clears the node's links, frees nothing
 NODE* lstFirst(const LIST* list);                        // the four: a node, or null
 NODE* lstLast(const LIST* list);
 NODE* lstNext(const NODE* node);

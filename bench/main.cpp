@@ -1,0 +1,78 @@
+// Runs the benchmarks in turns, several rounds each, and holds the medians against each other: what counts is not a
+// figure of this machine but what a request costs beyond the work that it cannot do without.
+
+#include <benchmark/benchmark.h>
+
+#include <cstdio>
+#include <filesystem>
+#include <map>
+#include <string>
+
+#include "bench_node.h"
+#include "host/log.h"
+
+node::Node& benchNode() {
+  static node::Node node = [] {
+    host::openLog(host::LogTo::nowhere);
+    const std::filesystem::path program = std::filesystem::read_symlink("/proc/self/exe");
+    return node::Node(program.parent_path().parent_path() / "lib" / "libmsan.so");
+  }();
+  return node;
+}
+
+namespace {
+
+// The most that a SET may cost, in write transactions of its own kind.
+constexpr double kMostForSet = 1.5;
+
+class Medians : public benchmark::ConsoleReporter {
+ public:
+  Medians() : ConsoleReporter(OO_None) {}
+
+  void ReportRuns(const std::vector<Run>& runs) override {
+    ConsoleReporter::ReportRuns(runs);
+    for (const Run& run : runs) {
+      if (run.error_occurred) failed_ = true;
+      if (run.aggregate_name == "median") nanoseconds_[run.run_name.function_name] = run.GetAdjustedRealTime();
+    }
+  }
+
+  // Prints how often `part` goes into `whole`; the ratio.
+  double ratio(const std::string& whole, const std::string& part) const {
+    const auto numerator = nanoseconds_.find(whole);
+    const auto denominator = nanoseconds_.find(part);
+    if (numerator == nanoseconds_.end() || denominator == nanoseconds_.end()) return 0;
+    const double result = numerator->second / denominator->second;
+    std::printf("%-20s / %-20s %10.2f\n", whole.c_str(), part.c_str(), result);
+    return result;
+  }
+
+  bool failed() const { return failed_; }
+
+ private:
+  std::map<std::string, double> nanoseconds_;
+  bool failed_ = false;
+};
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  std::vector<char*> arguments(argv, argv + argc);
+  std::string defaults[] = {"--benchmark_min_time=0.1", "--benchmark_repetitions=9",
+                            "--benchmark_enable_random_interleaving=true", "--benchmark_report_aggregates_only=true"};
+  for (std::string& option : defaults) arguments.insert(arguments.begin() + 1, option.data());
+  int count = static_cast<int>(arguments.size());
+  benchmark::Initialize(&count, arguments.data());
+  if (benchmark::ReportUnrecognizedArguments(count, arguments.data())) return 2;
+
+  Medians medians;
+  benchmark::RunSpecifiedBenchmarks(&medians);
+  std::printf("\n");
+  const double set = medians.ratio("SET", "write transaction");
+  medians.ratio("command", "write transaction");
+  medians.ratio("GET", "read transaction");
+  medians.ratio("write transaction", "bare put");
+  medians.ratio("SET", "copy");
+  if (set > kMostForSet) std::printf("a SET costs more than %.1f of its transactions\n", kMostForSet);
+  return medians.failed() || set > kMostForSet ? 1 : 0;
+}

@@ -1,0 +1,83 @@
+// msan-scenario: plays scenario files against a fresh node in its own process.
+
+#include <CLI/CLI.hpp>
+#include <cstdio>
+#include <cstdlib>
+#include <exception>
+#include <filesystem>
+
+#include "host/log.h"
+#include "scenario/modes.h"
+
+namespace {
+
+struct Options {
+  std::vector<std::string> files;
+  std::string module;
+  bool record = false;
+  bool rewrite = false;
+  bool all = false;
+  bool sweep = false;
+  bool replay = false;
+};
+
+std::string installedModule() {
+  const std::filesystem::path program = std::filesystem::read_symlink("/proc/self/exe");
+  return program.parent_path().parent_path() / "lib" / "libmsan.so";
+}
+
+void describe(CLI::App& app, Options& options) {
+  app.set_version_flag("--version", MSAN_VERSION);
+  app.add_option("FILE", options.files, "Scenario files; - is standard input")->required();
+  app.add_option("--module", options.module,
+                 "The module (else $MSAN_MODULE, else ../lib/libmsan.so beside the program)")
+      ->envname("MSAN_MODULE");
+  auto* record = app.add_flag("--record", options.record, "Print the whole record; expectations are ignored");
+  auto* rewrite = app.add_flag("--rewrite", options.rewrite, "Write the record into the file as its expectations");
+  app.add_flag("--all", options.all, "With --rewrite: of all directives, not only of those that have expectations")
+      ->needs(rewrite);
+  auto* sweep = app.add_flag("--sweep", options.sweep, "Play again and again, each time with one more point failing");
+  auto* replay =
+      app.add_flag("--replay", options.replay, "Compare the running configuration ahead of and behind a restart");
+  record->excludes(rewrite)->excludes(sweep)->excludes(replay);
+  rewrite->excludes(sweep)->excludes(replay);
+  sweep->excludes(replay);
+  app.footer(
+      "Without an option the files are played and compared with the expectations in them.\n"
+      "Exit codes: 0 good, 1 something differs, 2 a bad file or option, 3 the node can't be started.");
+}
+
+int run(const Options& options) {
+  bool bad = options.record && options.files.size() != 1;
+  if (bad) std::fputs("--record takes one file\n", stderr);
+  const auto scenarios = scenario::loadScenarios(options.files, bad);
+  if (bad) return scenario::kBadFile;
+  const std::string module = options.module.empty() ? installedModule() : options.module;
+  host::openLog(host::LogTo::nowhere);
+  if (options.record) return scenario::recordFile(module, scenarios.front());
+  if (options.rewrite) return scenario::rewriteFiles(module, scenarios, options.all);
+  if (options.sweep) return scenario::sweepFiles(module, scenarios);
+  if (options.replay) return scenario::replayFiles(module, scenarios);
+  return scenario::playFiles(module, scenarios);
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  CLI::App app("Plays scenario files against a fresh node and compares what it does with what they expect.",
+               "msan-scenario");
+  Options options;
+  describe(app, options);
+  try {
+    app.parse(argc, argv);
+  } catch (const CLI::ParseError& error) {
+    return app.exit(error) == 0 ? 0 : scenario::kBadFile;
+  }
+  try {
+    return run(options);
+  } catch (const std::exception& error) {
+    std::fflush(stdout);
+    std::fprintf(stderr, "msan-scenario: %s\n", error.what());
+    return scenario::kNoNode;
+  }
+}

@@ -1,0 +1,163 @@
+#include "modes.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <iostream>
+#include <iterator>
+#include <stdexcept>
+
+#include "compare.h"
+#include "host/faults.h"
+#include "host/links.h"
+#include "host/registry.h"
+#include "host/terminal.h"
+#include "text.h"
+
+namespace scenario {
+
+namespace {
+
+bool readFile(const std::string& file, std::string& text) {
+  if (file == "-") {
+    text.assign(std::istreambuf_iterator<char>(std::cin), {});
+    return !std::cin.bad();
+  }
+  std::ifstream stream(file, std::ios::binary);
+  if (!stream || std::filesystem::is_directory(file)) return false;
+  text.assign(std::istreambuf_iterator<char>(stream), {});
+  return !stream.bad();
+}
+
+std::string counted(std::size_t count, std::string_view one) {
+  return fmt::format("{} {}{}", count, one, count == 1 ? "" : "s");
+}
+
+struct Tally {
+  std::size_t passed = 0;
+  std::size_t failed = 0;
+  std::size_t notCompared = 0;  // directives
+};
+
+// Prints how a directive's record differs; false if it does.
+bool compareDirective(const std::string& file, const Directive& directive, const Played& played) {
+  const auto pairs = align(directive.expectations, played.record);
+  if (played.available && (directive.expectations.empty() || matches(pairs))) return true;
+  fmt::print("{}:{}: {}\n", file, directive.line, directive.text);
+  if (directive.expectations.empty() || matches(pairs))
+    for (const std::string& line : played.record) fmt::print(" {}\n", line);
+  else
+    for (const std::string& line : diff(pairs, directive.expectations, played.record)) fmt::print("{}\n", line);
+  return false;
+}
+
+void playFile(const std::string& module, const Scenario& scenario, Tally& tally) {
+  const std::vector<Played> played = playAll(module, scenario);
+  bool good = true;
+  for (std::size_t i = 0; i < played.size(); ++i) {
+    if (scenario.directives[i].expectations.empty()) ++tally.notCompared;
+    good = compareDirective(scenario.name, scenario.directives[i], played[i]) && good;
+  }
+  ++(good ? tally.passed : tally.failed);
+}
+
+// What a file leaves behind would show in the comparison: faults, the other ends' answers, roles.
+void putInOrder() {
+  host::clearFaults();
+  host::clearLinks();
+  host::setFastMode(false);
+  host::setMaster(true);
+}
+
+// The running configuration behind a file, and the one behind a restart with it.
+struct Replay {
+  std::string before, after;
+  std::vector<std::string> failures;  // lines of the startup configuration
+};
+
+Replay replay(const std::string& module, const Scenario& scenario) {
+  Replay seen;
+  Player player(module);
+  for (const Directive& directive : scenario.directives) player.play(directive.action);
+  putInOrder();
+  player.play([&](Stage& stage, Outcome&) {
+    seen.before = stage.node.runningConfiguration();
+    stage.node.restart(seen.before, [&](const node::FailedLine& failed) {
+      seen.failures.push_back(fmt::format("startup line {} failed: {}", failed.line, failed.command));
+    });
+    seen.after = stage.node.runningConfiguration();
+  });
+  return seen;
+}
+
+bool replayFile(const std::string& module, const Scenario& scenario) {
+  const Replay seen = replay(module, scenario);
+  const auto lines = diffLines(terminalLines(seen.before), terminalLines(seen.after));
+  if (lines.empty()) return true;
+  fmt::print("{}: the running configuration is another one behind a restart\n", scenario.name);
+  for (const std::string& line : seen.failures) fmt::print("{}\n", line);
+  for (const std::string& line : lines) fmt::print("{}\n", line);
+  return false;
+}
+
+}  // namespace
+
+std::vector<Scenario> loadScenarios(const std::vector<std::string>& files, bool& bad) {
+  std::vector<Scenario> scenarios;
+  for (const std::string& file : files) {
+    std::string text;
+    if (!readFile(file, text)) {
+      bad = true;
+      fmt::print(stderr, "{}: the file can't be read\n", file);
+      continue;
+    }
+    std::vector<Problem> problems;
+    scenarios.push_back(readScenario(file, text, problems));
+    for (const Problem& problem : problems) fmt::print(stderr, "{}:{}: {}\n", file, problem.line, problem.why);
+    bad = bad || !problems.empty();
+  }
+  return scenarios;
+}
+
+std::vector<Played> playAll(const std::string& module, const Scenario& scenario) {
+  Player player(module);
+  std::vector<Played> played;
+  for (const Directive& directive : scenario.directives) {
+    try {
+      played.push_back(player.play(directive.action));
+    } catch (const std::exception& error) {
+      throw std::runtime_error(fmt::format("{}:{}: {}", scenario.name, directive.line, error.what()));
+    }
+  }
+  return played;
+}
+
+void printCount(std::size_t passed, std::size_t failed) { fmt::print("{} passed, {} failed\n", passed, failed); }
+
+int playFiles(const std::string& module, const std::vector<Scenario>& scenarios) {
+  Tally tally;
+  for (const Scenario& scenario : scenarios) playFile(module, scenario, tally);
+  fmt::print("{} not compared\n", counted(tally.notCompared, "directive"));
+  printCount(tally.passed, tally.failed);
+  return tally.failed == 0 ? kGood : kDiffers;
+}
+
+int recordFile(const std::string& module, const Scenario& scenario) {
+  const std::vector<Played> played = playAll(module, scenario);
+  for (std::size_t i = 0; i < played.size(); ++i) {
+    fmt::print("> {}\n", scenario.directives[i].text);
+    for (const std::string& line : played[i].record) fmt::print("{}\n", line);
+  }
+  return kGood;
+}
+
+int replayFiles(const std::string& module, const std::vector<Scenario>& scenarios) {
+  const auto passed = static_cast<std::size_t>(
+      std::ranges::count_if(scenarios, [&](const Scenario& scenario) { return replayFile(module, scenario); }));
+  printCount(passed, scenarios.size() - passed);
+  return passed == scenarios.size() ? kGood : kDiffers;
+}
+
+}  // namespace scenario

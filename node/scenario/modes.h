@@ -1,0 +1,46 @@
+#pragma once
+// What the program does with its files. Results are exit codes: 0 good, 1 something differs or breaks a rule.
+
+#include <string>
+#include <vector>
+
+#include "reader.h"
+
+namespace scenario {
+
+inline constexpr int kGood = 0;
+inline constexpr int kDiffers = 1;
+inline constexpr int kBadFile = 2;
+inline constexpr int kNoNode = 3;  // the node can't be started
+
+// Reads files; "-" is standard input. What is bad is told on standard error, and `bad` is set.
+std::vector<Scenario> loadScenarios(const std::vector<std::string>& files, bool& bad);
+
+// Plays a file against a fresh node; standard output is captured meanwhile. Throws std::runtime_error, with the line,
+// when the node can't be started.
+std::vector<Played> playAll(const std::string& module, const Scenario& scenario);
+
+// Plays files against fresh nodes and compares.
+int playFiles(const std::string& module, const std::vector<Scenario>& scenarios);
+
+// Plays a file and prints its record.
+int recordFile(const std::string& module, const Scenario& scenario);
+
+// Plays files and writes the records into them, where there are expectations that are not met; `all`: behind the
+// directives without expectations, too. Prints what it changed. Standard input goes to standard output.
+int rewriteFiles(const std::string& module, const std::vector<Scenario>& scenarios, bool all);
+
+// Plays files with each failure point failing in turn.
+int sweepFiles(const std::string& module, const std::vector<Scenario>& scenarios);
+
+// Plays files and holds the running configuration against the one that it gives behind a restart.
+int replayFiles(const std::string& module, const std::vector<Scenario>& scenarios);
+
+// The lines of a file with the records of its directives as expectations; comments stay. Expectations that are met stay
+// as they are; directives without any get theirs when `all` is set.
+std::vector<std::string> rewriteLines(const Scenario& scenario, const std::vector<Played>& played, bool all);
+
+// The closing line.
+void printCount(std::size_t passed, std::size_t failed);
+
+}  // namespace scenario

@@ -1,0 +1,29 @@
+// The multicast area: a frame, and nothing more.
+
+#include "common/areas.h"
+#include "common/debug_control.h"
+#include "common/msan_init.h"
+#include "platform/command_line.h"
+#include "platform/log.h"
+
+int msan_mcast_init() {
+  ulogPrintf(gModuleId_Msan, 10, "msan multicast init ok! \n\r");
+  return 0;
+}
+
+int msan_mcast_snmp_register() {
+  ulogPrintf(gModuleId_Msan, 10, "msan multicast snmp register ok! \n\r");
+  return 0;
+}
+
+int msan_mcast_cmd_install() { return 0; }
+
+int msan_mcast_showrun(Vty* vty) {
+  vty_out(vty, "!msan multicast config ---------------- %s", "\r\n");
+  return 0;
+}
+
+int msan_mcast_hotplug(u16) {
+  if (debugOn(Area::multicast)) ulogPrintf(gModuleId_Msan, 10, "%s: finished. \n\r", __func__);
+  return 0;
+}

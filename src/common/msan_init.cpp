@@ -1,0 +1,114 @@
+#include "common/msan_init.h"
+
+#include <cstdio>
+
+#include "common/areas.h"
+#include "common/debug_control.h"
+#include "common/msan_snmp.h"
+#include "platform/command_line.h"
+#include "platform/database.h"
+#include "platform/log.h"
+#include "platform/module_registry.h"
+#include "platform/ngn.h"
+#include "platform/pool.h"
+#include "platform/tables.h"
+
+i32 gModuleId_Msan = 0;
+i32 g_MsanMemPoolId = 0;
+const u32 gModuleVer_Msan = 1;
+
+// The areas at each of the platform's calls.
+static constexpr Step init[] = {msan_combo_init, msan_ppda_init, msan_data_init, msan_mcast_init, msanVoice_Init};
+static constexpr Step snmpRegister[] = {initAgentIfEnv,          msan_combo_snmp_register, msan_ppda_snmp_register,
+                                        msan_data_snmp_register, msan_mcast_snmp_register, msanVoice_Init_Snmp};
+static constexpr Step install[] = {msan_Common_Install_Cmd, msan_combo_cli_install, msan_ppda_cmd_install,
+                                   msan_data_cli_install,   msan_mcast_cmd_install, msanVoice_Init_Cmd};
+static constexpr PrintStep showrun[] = {msan_combo_showrun, msan_ppda_showrun, msan_data_showrun, msan_mcast_showrun,
+                                        msanVoice_Showrun};
+static constexpr SlotStep hotplug[] = {msan_combo_hotplug, msan_ppda_hotplug,  msan_data_hotplug,
+                                       msan_mcast_hotplug, msan_voice_hotplug, send_ngn_voice_rtp_ip_by_slot};
+
+int inRecoverConfProcess() { return is_cliFastMode(); }
+
+int msan_Module_Init() {
+  // The protocol type gives its load callback and its update handler when it exists.
+  gModuleId_Msan = modInitRegister("msan", 0, nullptr, nullptr, 0, 0, 0);
+  if (gModuleId_Msan < 0) {
+    ulogPrintf(gModuleId_Msan, 14, "%s: Failed to get module id, ret = %d.\r\n", __func__, gModuleId_Msan);
+    return gModuleId_Msan;
+  }
+  g_MsanMemPoolId = mpuCreate("MsanPool", kMsanPoolSize, 1, 1);
+  if (g_MsanMemPoolId < 0) {
+    ulogPrintf(gModuleId_Msan, 13, "msan create mem pool failed!\r\n");
+    return -1;
+  }
+  char version[21];
+  std::snprintf(version, sizeof version, "%s %s", __DATE__, __TIME__);
+  const i32 result = setModVersion(gModuleId_Msan, gModuleVer_Msan, version);
+  if (result < 0) {
+    ulogPrintf(gModuleId_Msan, 14, "%s: Failed to set module version, ret = %d.\r\n", __func__, result);
+    return result;
+  }
+  msan_Init_Config();
+  msan_Init_Snmp();
+  cl_install_module_by_mod_id(gModuleId_Msan, msan_Init_Cmd, msan_Init_Showrun);
+  return 0;
+}
+
+int msan_Init_Config() {
+  callAll(init);
+  return 0;
+}
+
+int msan_Init_Snmp() {
+  callAll(snmpRegister);
+  return 0;
+}
+
+int msan_Init_Cmd() { return callAll(install); }
+
+int msan_Init_Showrun(Vty* vty) {
+  vty_out(vty, "%s!msan module showrun begin----------------%s", "\r\n", "\r\n");
+  callAll(showrun, vty);
+  vty_out(vty, "%s!msan module showrun end----------------%s", "\r\n", "\r\n");
+  return 0;
+}
+
+int msan_slot_hotplug(u16 slot) { return callAll(hotplug, slot); }
+
+int msan_card_auth_init(u16) { return 0; }
+int msan_card_unauth_init(u16) { return 0; }
+
+// No item keeps rows for a slot so far.
+int msan_card_auth_init_db(u16) { return 0; }
+int msan_card_unauth_init_db(u16) { return 0; }
+
+int msan_init_after_cfgexecute() {
+  msan_voice_init_after_cfgexecute();
+  return 0;
+}
+
+// Runs `change` in a transaction of its own on the platform's connection.
+template <class Change>
+static int changeEvents(DbConnection database, const char* function, Change change) {
+  if (database == nullptr) {
+    ulogPrintf(gModuleId_Msan, 13, "\r\nomRegister_events err! db = 0x%x", 0U);
+    return -1;
+  }
+  mco_trans_h transaction = nullptr;
+  if (const int code = mco_trans_start_(database, DB_READ_WRITE, 0, &transaction, __FILE__, __LINE__, function)) {
+    return code;
+  }
+  change(transaction);
+  return mco_trans_commit(transaction);
+}
+
+int msan_register_events(DbConnectionData* database) {
+  return changeEvents(database, __func__, [](mco_trans_h t) { mco_register_typeUpdate_handler(t, nullptr, 0, 1); });
+}
+
+int msan_unregister_events(DbConnectionData* database) {
+  return changeEvents(database, __func__, [](mco_trans_h t) { mco_unregister_typeUpdate_handler(t, nullptr); });
+}
+
+int msan_slave_flush() { return 0; }

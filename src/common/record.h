@@ -1,0 +1,94 @@
+#pragma once
+// Records of configuration: what is known of a field is declared once, as a row, and parse, encode, defaults, range
+// check, store and load walk the rows.
+
+#include <span>
+#include <type_traits>
+
+#include "common/trace.h"
+#include "common/wire.h"
+#include "platform/types.h"
+
+struct Range {
+  u32 low = 1, high = 0;  // holds nothing until filled
+};
+
+// What an item says of one field.
+struct FieldRow {
+  u32 offset;             // in the unit on the wire
+  u32 initial = 0;        // default
+  Range allowed[2] = {};  // the second one where there is a gap
+  u16 code = 0;           // of a failed check; 0 takes any value
+  const char* complaint = "";
+};
+
+// A field: its row, its width, and how record and table row hold it.
+struct Field : FieldRow {
+  u32 width;
+  bool text;  // bytes, padded with zeros; without a terminator when full
+  void* (*in)(void* record);
+  int (*get)(void* row, void* value);
+  int (*put)(void* row, const void* value);
+
+  void* at(void* record) const { return in(record); }
+  const void* at(const void* record) const { return in(const_cast<void*>(record)); }
+};
+
+template <auto Member>
+struct MemberOf;
+template <class R, class T, T R::*Member>
+struct MemberOf<Member> {
+  using Value = T;
+  static void* in(void* record) { return &(static_cast<R*>(record)->*Member); }
+};
+
+// The functions of a table behind one signature; none for a pair that differs from the member in type.
+template <class Value, auto Get, auto Put>
+struct Column;
+template <class T, class H, int (*Get)(H*, T*), int (*Put)(H*, T)>
+struct Column<T, Get, Put> {
+  static int get(void* row, void* value) { return Get(static_cast<H*>(row), static_cast<T*>(value)); }
+  static int put(void* row, const void* v) { return Put(static_cast<H*>(row), *static_cast<const T*>(v)); }
+};
+template <std::size_t N, class H, class B, int (*Get)(H*, B*, u32), int (*Put)(H*, const B*, u32)>
+struct Column<char[N], Get, Put> {
+  static int get(void* row, void* value) { return Get(static_cast<H*>(row), static_cast<B*>(value), N); }
+  static int put(void* row, const void* v) { return Put(static_cast<H*>(row), static_cast<const B*>(v), N); }
+};
+
+// Declares a field by its member and the functions of the table that holds it.
+template <auto Member, auto Get, auto Put>
+constexpr Field field(FieldRow row) {
+  using Value = typename MemberOf<Member>::Value;
+  using C = Column<Value, Get, Put>;
+  return {row, sizeof(Value), std::is_array_v<Value>, MemberOf<Member>::in, C::get, C::put};
+}
+
+using Fields = std::span<const Field>;
+
+// The fields of a unit on the wire. Rows that overlap, leave the unit, break the downward order of the codes or
+// print wrongly do not compile.
+struct Record {
+  u32 unit;  // bytes on the wire; what no field covers is reserved
+  Fields fields;
+  consteval Record(u32 length, Fields list) : unit(length), fields(list) {
+    u32 end = 0;
+    u32 code = 65536;
+    for (const Field& f : list) {
+      if (f.offset < end || f.offset + f.width > length) throw "a field overlaps or leaves the unit";
+      if (f.code >= code) throw "the codes go down from field to field";
+      if (f.code != 0 && !conversionsFit<u32>(f.complaint)) throw "a complaint prints the value";
+      end = f.offset + f.width;
+      if (f.code != 0) code = f.code;
+    }
+  }
+};
+
+// Wire to record. The wire holds a whole unit.
+void parseRecord(Fields fields, const u8* wire, void* record);
+// Record to wire; reserved bytes are left as they are.
+void encodeRecord(Fields fields, const void* record, u8* wire);
+// The defaults of all fields; texts become empty.
+void resetRecord(Fields fields, void* record);
+// The first field outside its ranges, null if there is none; `value` gets what it holds.
+const Field* firstBadField(Fields fields, const void* record, u32& value);

@@ -1,0 +1,53 @@
+#pragma once
+// Numbers on the wire: big-endian, in spans that can't be left.
+
+#include <cstring>
+#include <span>
+
+#include "platform/types.h"
+
+using WireIn = std::span<const u8>;
+using WireOut = std::span<u8>;
+
+// The number of `width` bytes (1 to 4) at `at`. The caller has checked the length.
+constexpr u32 getNumber(const u8* at, u32 width) {
+  u32 value = 0;
+  for (u32 i = 0; i < width; ++i) value = value << 8 | at[i];
+  return value;
+}
+
+constexpr void putNumber(u8* at, u32 width, u32 value) {
+  for (u32 i = width; i-- > 0; value >>= 8) at[i] = static_cast<u8>(value);
+}
+
+// Writes from the front of a buffer. What does not fit is not written, and the writer has failed from then on.
+class Writer {
+ public:
+  explicit Writer(WireOut buffer) : buffer_(buffer) {}
+
+  void number(u32 width, u32 value) {
+    if (u8* at = take(width)) putNumber(at, width, value);
+  }
+  void bytes(WireIn from) {
+    if (u8* at = take(from.size()); at != nullptr && !from.empty()) std::memcpy(at, from.data(), from.size());
+  }
+  // Leaves bytes as they are.
+  void skip(std::size_t length) { take(length); }
+
+  bool failed() const { return failed_; }
+  u32 length() const { return static_cast<u32>(length_); }
+
+ private:
+  u8* take(std::size_t length) {
+    if (failed_ || length > buffer_.size() - length_) {
+      failed_ = true;
+      return nullptr;
+    }
+    u8* at = buffer_.data() + length_;
+    length_ += length;
+    return at;
+  }
+  WireOut buffer_;
+  std::size_t length_ = 0;
+  bool failed_ = false;
+};

@@ -1,0 +1,29 @@
+// The feed area's lists.
+
+#include "common/areas.h"
+#include "common/debug_control.h"
+#include "common/msan_init.h"
+#include "platform/command_line.h"
+#include "platform/log.h"
+
+int msan_ppda_init() {
+  ulogPrintf(gModuleId_Msan, 10, "msan ppda init ok! \n\r");
+  return 0;
+}
+
+int msan_ppda_snmp_register() {
+  ulogPrintf(gModuleId_Msan, 10, "msan ppda snmp register ok! \n\r");
+  return 0;
+}
+
+int msan_ppda_cmd_install() { return 0; }
+
+int msan_ppda_showrun(Vty* vty) {
+  vty_out(vty, "!msan ppda config ---------------- %s", "\r\n");
+  return 0;
+}
+
+int msan_ppda_hotplug(u16) {
+  if (debugOn(Area::ppda)) ulogPrintf(gModuleId_Msan, 10, "%s: finished. \n\r", __func__);
+  return 0;
+}

@@ -1,0 +1,65 @@
+// The voice area's lists.
+
+#include "voice/voice_area.h"
+
+#include "common/areas.h"
+#include "common/commands.h"
+#include "common/debug_control.h"
+#include "common/msan_init.h"
+#include "platform/log.h"
+#include "voice/cidMode.h"
+#include "voice/rfc2833.h"
+#include "voice/voiceMD5.h"
+
+// The node's global items: what they do at load, at registration, in the running configuration and at the end of
+// recovery.
+static constexpr Step ngnDataInit[] = {nInitCIDMode, nInitRFC2833, nInitVoiceMD5};
+static constexpr Step ngnSnmpRegister[] = {SnmpMsgRegisterCIDMode, SnmpMsgRegisterRFC2833, SnmpMsgRegisterVoiceMD5};
+static constexpr PrintStep ngnShowrun[] = {nShowRunCIDMode, nShowRunRFC2833, nShowRunVoiceMD5};
+static constexpr Step afterConfiguration[] = {nDistribCIDMode, nDistribRFC2833, nDistribVoiceMD5};
+
+static int installShowrun();
+static constexpr Step ngnCommands[] = {installCidModeCommands, installRfc2833Commands, installVoiceMD5Commands,
+                                       installShowrun};
+
+static int msanNGNDataInit() { return callAll(ngnDataInit); }
+static int msanNGNSnmpMsgRegister() { return callAll(ngnSnmpRegister); }
+static int msan_cmd_init() { return callAll(ngnCommands); }
+int msan_ngn_showrun(Vty* vty) { return callAll(ngnShowrun, vty); }
+
+static int cli_msan_ngn_showrun(const CommandElement*, Vty* vty, int, char**) { return msan_ngn_showrun(vty); }
+static constexpr Command commands[] = {
+    command(CONFIG_NODE, "showrun msan ngn", cli_msan_ngn_showrun, "running configuration of the voice side"),
+};
+static int installShowrun() { return installCommands(commands); }
+
+static constexpr Step init[] = {msanNGNDataInit};
+static constexpr Step snmpRegister[] = {msanNGNSnmpMsgRegister};
+static constexpr Step install[] = {msan_cmd_init};
+static constexpr PrintStep showrun[] = {msan_ngn_showrun};
+
+int msanVoice_Init() {
+  callAll(init);
+  ulogPrintf(gModuleId_Msan, 10, "msan voice init ok! \n\r");
+  return 0;
+}
+
+int msanVoice_Init_Snmp() {
+  callAll(snmpRegister);
+  ulogPrintf(gModuleId_Msan, 10, "msan voice snmp register ok! \n\r");
+  return 0;
+}
+
+int msanVoice_Init_Cmd() { return callAll(install); }
+
+int msanVoice_Showrun(Vty* vty) {
+  vty_out(vty, "!msan voice config ---------------- %s", "\r\n");
+  return callAll(showrun, vty);
+}
+
+int msan_voice_hotplug(u16) {
+  if (debugOn(Area::voice)) ulogPrintf(gModuleId_Msan, 10, "%s: finished. \n\r", __func__);
+  return 0;
+}
+
+int msan_voice_init_after_cfgexecute() { return callAll(afterConfiguration); }

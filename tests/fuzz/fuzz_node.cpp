@@ -1,0 +1,69 @@
+#include "fuzz_node.h"
+
+#include <unistd.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+
+#include "host/database.h"
+#include "host/jobs.h"
+#include "host/log.h"
+#include "host/observer.h"
+#include "host/pool.h"
+
+namespace fuzz {
+
+namespace {
+
+constexpr struct {
+  u16 slot;
+  const char* type;
+} cards[] = {{1, "adsl64"}, {2, "vdsl32-pots"}, {3, "pots32"}, {11, "eth8"}, {18, "adsl16"}};
+
+struct Fixture {
+  host::Observer quiet;
+  host::CaptureOutput captured;
+  node::Node node;
+  u64 poolInUse;
+
+  explicit Fixture(const std::string& module) : node((host::observe(&quiet), module)) {
+    for (const auto& card : cards) {
+      node.authorise(card.slot, *host::findCardType(card.type));
+      node.cardUp(card.slot);
+    }
+    host::runJobs();
+    poolInUse = host::poolInUse();
+  }
+};
+
+// It lives as long as the process.
+Fixture& fixture() {
+  static Fixture* const one = [] {
+    host::openLog(host::LogTo::nowhere);
+    const std::filesystem::path program = std::filesystem::read_symlink("/proc/self/exe");
+    return new Fixture(program.parent_path().parent_path() / "lib" / "libmsan.so");
+  }();
+  return *one;
+}
+
+}  // namespace
+
+node::Node& theNode() { return fixture().node; }
+
+void checkAtRest() {
+  host::runJobs();
+  const u64 left = host::poolInUse() - fixture().poolInUse;
+  const u32 transactions = host::openTransactions();
+  const u32 connections = host::openConnections();
+  if (left == 0 && transactions == 0 && connections == 0) return;
+
+  // Not through stderr, which is captured.
+  dprintf(STDERR_FILENO, "left: %u transactions, %u connections, %lld bytes of the pool; all blocks:\n", transactions,
+          connections, static_cast<long long>(left));
+  for (const auto& block : host::liveBlocks())
+    dprintf(STDERR_FILENO, "  %s:%d %u bytes\n", block.file.c_str(), block.line, block.size);
+  std::abort();
+}
+
+}  // namespace fuzz

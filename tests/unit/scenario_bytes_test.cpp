@@ -1,0 +1,84 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "arguments.h"
+
+namespace {
+
+using scenario::Arguments;
+using scenario::BadLine;
+using scenario::parseBytes;
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+template <class Call>
+std::string complaint(Call call) {
+  try {
+    call();
+  } catch (const BadLine& bad) {
+    return bad.what();
+  }
+  return "none";
+}
+
+std::string bytesComplaint(std::string_view text) {
+  return complaint([&] { parseBytes(text); });
+}
+
+TEST(ScenarioBytes, EachKindOfWord) {
+  EXPECT_THAT(parseBytes("00aB7f"), ElementsAre(0x00, 0xab, 0x7f));
+  EXPECT_THAT(parseBytes("ff*3 01"), ElementsAre(0xff, 0xff, 0xff, 0x01));
+  EXPECT_THAT(parseBytes("u8:255 u16:258 u32:0x01020304"), ElementsAre(255, 1, 2, 1, 2, 3, 4));
+  EXPECT_THAT(parseBytes("le16:258 le32:0x01020304"), ElementsAre(2, 1, 4, 3, 2, 1));
+  EXPECT_THAT(parseBytes("i32:-2 i32:1"), ElementsAre(0xff, 0xff, 0xff, 0xfe, 0, 0, 0, 1));
+  EXPECT_THAT(parseBytes("mac:02-00-00-00-0a-Ff"), ElementsAre(2, 0, 0, 0, 10, 255));
+  EXPECT_THAT(parseBytes("ip:10.0.255.1"), ElementsAre(10, 0, 255, 1));
+}
+
+TEST(ScenarioBytes, TextsKeepTheirBlanksAndArePadded) {
+  EXPECT_THAT(parseBytes("\"a b\""), ElementsAre('a', ' ', 'b'));
+  EXPECT_THAT(parseBytes("\"ab\":4 01"), ElementsAre('a', 'b', 0, 0, 1));
+  EXPECT_THAT(parseBytes("\"\":2"), ElementsAre(0, 0));
+  EXPECT_THAT(bytesComplaint("\"abc\":2"), HasSubstr("longer than 2"));
+  EXPECT_THAT(bytesComplaint("\"abc"), HasSubstr("closing quote"));
+  EXPECT_THAT(bytesComplaint("\"abc\"x"), HasSubstr("behind a text"));
+}
+
+TEST(ScenarioBytes, NothingIsADashOnly) {
+  EXPECT_TRUE(parseBytes("-").empty());
+  EXPECT_THAT(bytesComplaint(""), HasSubstr("missing"));
+  EXPECT_THAT(bytesComplaint("- 00"), HasSubstr("beside -"));
+  EXPECT_NE(bytesComplaint("00 -"), "none");
+}
+
+TEST(ScenarioBytes, WhatDoesNotFitIsRefused) {
+  for (const char* text :
+       {"0", "00*", "0*4", "000*4", "00*-1", "u8:256", "u16:65536", "u32:4294967296", "u8:-1", "u8:", "i32:-2147483649",
+        "mac:1-2-3-4-5-6", "mac:00-00-00-00-00", "ip:1.2.3", "ip:1.2.3.256", "ip:1.2.3.4.5", "0g", "00*999999999999"})
+    EXPECT_NE(bytesComplaint(text), "none") << text;
+  EXPECT_THAT(bytesComplaint("u61:4"), HasSubstr("\"u16:\""));
+}
+
+TEST(ScenarioArguments, AreTakenInOrderAndChecked) {
+  Arguments arguments("  set 0x0c0f 801 a  b ");
+  EXPECT_EQ(arguments.choice({"get", "set"}), 1u);
+  EXPECT_EQ(arguments.id(), 3087);
+  EXPECT_EQ(arguments.slot(), 801);
+  EXPECT_EQ(arguments.rest(), "a  b ");
+  arguments.end();
+}
+
+TEST(ScenarioArguments, ComplaintsNameTheNearestWord) {
+  EXPECT_THAT(complaint([] { Arguments("gte").choice({"set-more", "set", "get"}); }), HasSubstr("\"get\""));
+  EXPECT_THAT(complaint([] { Arguments("").choice({"yes", "no"}); }), HasSubstr("missing"));
+  EXPECT_THAT(complaint([] { Arguments("21").slot(); }), HasSubstr("not there"));
+  EXPECT_THAT(complaint([] { Arguments("65536").id(); }), HasSubstr("0 to 65535"));
+  EXPECT_THAT(complaint([] { Arguments("12x").id(); }), HasSubstr("no number"));
+  EXPECT_THAT(complaint([] { Arguments(" x y").end(); }), HasSubstr("\"x y\" is too much"));
+}
+
+}  // namespace

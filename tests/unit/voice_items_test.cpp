@@ -1,0 +1,151 @@
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <functional>
+
+#include "host/agent.h"
+#include "module_fixture.h"
+#include "voice/cidMode.h"
+#include "voice/rfc2833.h"
+#include "voice/voiceMD5.h"
+
+namespace {
+
+// The code that a check gives a record, 0 when it passes.
+template <class R>
+u16 codeFor(int (*check)(const R*, SnmpErrInfo*), const R& cfg) {
+  SnmpErrInfo err;
+  return check(&cfg, &err) == 0 ? 0 : err.errCode;
+}
+
+TEST(CidMode, TwoModes) {
+  for (u16 mode : {0, 1, 2, 3}) {
+    EXPECT_EQ(codeFor(nCheckCIDMode, CIDMode{mode}), mode == 1 || mode == 2 ? 0 : 65416) << mode;
+  }
+}
+
+TEST(Rfc2833, PayloadTypesLeaveOutOneTo95) {
+  for (const auto& [value, good] :
+       {std::pair<u16, bool>{0, true}, {1, false}, {95, false}, {96, true}, {127, true}, {128, false}}) {
+    EXPECT_EQ(codeFor(nCheckRFC2833, RFC2833{0, 1, value, 96}), good ? 0 : 65414) << value;
+    EXPECT_EQ(codeFor(nCheckRFC2833, RFC2833{0, 1, 96, value}), good ? 0 : 65413) << value;
+  }
+  EXPECT_EQ(codeFor(nCheckRFC2833, RFC2833{2, 2, 1, 1}), 65416) << "the first bad field alone";
+  EXPECT_EQ(codeFor(nCheckRFC2833, RFC2833{1, 2, 1, 1}), 65415);
+}
+
+class VoiceMD5Test : public ModuleTest {};
+
+TEST_F(VoiceMD5Test, KeysCountWhileTheSwitchIsOn) {
+  VoiceMD5 cfg;
+  std::memset(cfg.exchangedBase, 'x', sizeof cfg.exchangedBase);
+  cfg.authSwitch = 2;
+  EXPECT_EQ(codeFor(nCheckVoiceMD5, cfg), 65416);
+  cfg.authSwitch = 0;
+  EXPECT_EQ(codeFor(nCheckVoiceMD5, cfg), 0);
+  cfg.authSwitch = 1;
+  SnmpErrInfo err;
+  EXPECT_EQ(nCheckVoiceMD5(&cfg, &err), -1);
+  EXPECT_EQ(err.errCode, 65412);
+  EXPECT_EQ(host::hexText({err.errData, err.errDataLen}), "78*16");
+  std::memset(cfg.exchangedBase, 'f', sizeof cfg.exchangedBase);
+  EXPECT_EQ(codeFor(nCheckVoiceMD5, cfg), 0) << "a text that fills its field";
+  cfg.exchangedPrime[0] = 'g';
+  EXPECT_EQ(codeFor(nCheckVoiceMD5, cfg), 65410);
+  host::failNth(host::Fault::alloc, 1);
+  EXPECT_EQ(codeFor(nCheckVoiceMD5, cfg), 65426) << "no memory to check with";
+}
+
+TEST_F(VoiceMD5Test, UnitOnTheWire) {
+  VoiceMD5 cfg;
+  cfg.authSwitch = 1;
+  std::memcpy(cfg.MGID, "gw", 2);
+  std::memset(cfg.sharedKey, 'k', sizeof cfg.sharedKey);
+  cfg.exchangedBase[0] = 'b';
+  cfg.exchangedPrime[255] = 'p';
+  std::vector<u8> wire(849, 0xEE);
+  u32 length = 0;
+  ASSERT_EQ(nEncodeVoiceMD5(&cfg, wire, &length), 0);
+  EXPECT_EQ(length, 849U);
+  // Switch, 32 bytes of id, 32 of key, 16 of base, 256 of prime, 512 that are left alone.
+  EXPECT_EQ(host::hexText(wire), "016777 00*30 6b*32 62 00*270 70 ee*512");
+  VoiceMD5 again;
+  ASSERT_EQ(nParseVoiceMD5(wire, &again, &length), 0);
+  EXPECT_EQ(std::memcmp(&cfg, &again, sizeof cfg), 0);
+  EXPECT_EQ(nParseVoiceMD5(WireIn(wire).first(848), &again, &length), -1);
+  EXPECT_EQ(nEncodeVoiceMD5(&cfg, WireOut(wire).first(848), &length), -1);
+}
+
+// What the command line's grammar lets nobody type.
+TEST_F(VoiceMD5Test, HandlersRefuseWhatTheGrammarWouldNotPass) {
+  const auto call = [](CommandHandler* handler, std::vector<std::string> words) {
+    std::vector<char*> argv;
+    for (std::string& word : words) argv.push_back(word.data());
+    Vty vty;
+    const int result = handler(nullptr, &vty, static_cast<int>(argv.size()), argv.data());
+    return vty.text + std::to_string(result);
+  };
+  const std::string quantity = "\r\n invalid parameter quantity. \r\n-1";
+  EXPECT_EQ(call(cli_set_cid_mode_config_func, {}), quantity);
+  EXPECT_EQ(call(cli_set_cid_mode_config_func, {"pulse"}), "\r\n invalid CID mode. \r\n-1");
+  EXPECT_EQ(call(cli_distribute_erase_cid_mode_config_func, {"erase", "now"}), quantity);
+  EXPECT_EQ(call(cli_distribute_erase_cid_mode_config_func, {"drop"}), "\r\n invalid configuration operation. \r\n-1");
+  EXPECT_EQ(call(cli_set_rfc2833_config_func, {"auto", "97", "auto"}), quantity);
+  EXPECT_EQ(call(cli_set_rfc2833_config_func, {"auto", "97", "often", "97"}),
+            "\r\n invalid RFC2198 negotiation. \r\n-1");
+  EXPECT_EQ(call(cli_set_voice_md5_config_func, {"open", "1", "2", "3", "4", "5"}), quantity);
+  EXPECT_EQ(call(cli_set_voice_md5_config_func, {"ajar"}), "\r\n invalid MD5 authentication switch. \r\n-1");
+}
+
+TEST_F(VoiceMD5Test, NullArgumentsAreRefused) {
+  SnmpErrInfo err;
+  u32 length = 0;
+  u8 wire[34] = {};
+  CIDMode cfg{1};
+  EXPECT_EQ(nParseCIDMode(wire, nullptr, &length), -1);
+  EXPECT_EQ(nParseCIDMode({}, &cfg, &length), -1);
+  EXPECT_EQ(nCheckCIDMode(nullptr, &err), -1);
+  EXPECT_EQ(nCheckCIDMode(&cfg, nullptr), -1);
+  EXPECT_EQ(nSetCIDMode(nullptr), -1);
+  EXPECT_EQ(nGetCIDMode(nullptr), -1);
+  EXPECT_EQ(nEncodeCIDMode(&cfg, wire, nullptr), -1);
+  EXPECT_EQ(nCheckCIDModeHandle(nullptr, &err), -1);
+  EXPECT_EQ(nDistribCIDModeX(&cfg, nullptr), -1);
+  EXPECT_EQ(nSnmpSetCIDMode(3087, 1, wire, 34, nullptr, &length, nullptr, nullptr), -1);
+  EXPECT_EQ(nSnmpGetCIDMode(3088, wire, wire, 34, wire, &length, nullptr, nullptr), -1);
+}
+
+// All that is registered so far, by hand: what a manager and an operator find.
+TEST_F(VoiceMD5Test, Catalogue) {
+  std::string messages;
+  for (const host::Announced& message : host::announcedMessages()) {
+    messages += std::to_string(message.id) + " " + message.text + "\n";
+  }
+  EXPECT_EQ(messages,
+            "3087 Set CIDMode configuration\n"
+            "3082 Set RFC2833\n"
+            "3081 Set voice md5 authentication\n");
+  std::string commands;
+  for (const host::InstalledCommand& command : host::installedCommands()) {
+    commands += std::to_string(command.node) + " " + command.syntax + "\n";
+  }
+  EXPECT_EQ(
+      commands,
+      "10 show snmp msg info <msgtype>\n"
+      "10 set msan debug [on|off] {[module|level|cmdid] <input>}*3\n"
+      "10 show msan debug print\n"
+      "50 set cid mode [fsk|dtmf]\n"
+      "50 show cid mode\n"
+      "50 [distribute|erase] cid mode\n"
+      "50 set rfc2833 negotiation [auto|manul] default pt <default2833PT> rfc2198 negotiation [auto|manul] default pt "
+      "<default2198PT>\n"
+      "50 show rfc2833 configuration\n"
+      "50 [distribute|erase] rfc2833 configuration\n"
+      "50 set voice md5 authentication [open|close] {mg id <mgID>}*1 {shared key <sharedKey>}*1 {exchanged base "
+      "<xBase>}*1 {prime <xPrime>}*1\n"
+      "50 show voice md5 authentication\n"
+      "50 [distribute|erase] voice md5 authentication\n"
+      "50 showrun msan ngn\n");
+}
+
+}  // namespace
