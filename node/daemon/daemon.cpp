@@ -22,11 +22,15 @@
 
 namespace msand {
 
-// The signals that end the node, as a descriptor that becomes readable.
+// The signals that end the node, as a descriptor that becomes readable. One that our caller has us ignore, as nohup and
+// shells in the background do, is ignored.
 static Descriptor stopSignals() {
   sigset_t signals;
   sigemptyset(&signals);
-  for (const int signal : {SIGTERM, SIGINT, SIGHUP}) sigaddset(&signals, signal);
+  for (const int signal : {SIGTERM, SIGINT, SIGHUP}) {
+    struct sigaction action {};
+    if (sigaction(signal, nullptr, &action) == 0 && action.sa_handler != SIG_IGN) sigaddset(&signals, signal);
+  }
   sigprocmask(SIG_BLOCK, &signals, nullptr);
   Descriptor descriptor(signalfd(-1, &signals, SFD_CLOEXEC | SFD_NONBLOCK));
   if (!descriptor) throw std::system_error(errno, std::generic_category(), "no descriptor for signals");
