@@ -100,6 +100,11 @@ int commitWrites(DbTransactionData& t) {
 
 }  // namespace
 
+int store::check(mco_trans_h t) {
+  if (t == nullptr || !t->isOpen || t->thread != &thisThread) return DB_BAD_HANDLE;
+  return t->failure;
+}
+
 int store::begin(bool writes, mco_trans_h* transaction, const char* file, int line, const char* function) {
   if (store::environment() == nullptr) return DB_BROKEN;
   DbTransactionData* t = store::take();

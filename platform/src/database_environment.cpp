@@ -115,6 +115,7 @@ void resetDatabase() {
 
 void limitDatabase(u32 bytes) {
   store::requireNoTransaction();
+  if (store::env == nullptr) throw std::runtime_error("database: not opened");
   store::require(mdb_env_set_mapsize(store::env, bytes == 0 ? store::kMapBytes : bytes), "limit");
 }
 

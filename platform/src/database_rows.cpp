@@ -161,11 +161,6 @@ void EntryKey::addFields(const DbIndex& index, const u8* row) {
   add(key);
 }
 
-int check(mco_trans_h t) {
-  if (t == nullptr || !t->isOpen) return DB_BAD_HANDLE;
-  return t->failure;
-}
-
 int checkWrites(mco_trans_h t) {
   if (const int code = check(t)) return code;
   return t->writes ? DB_OK : DB_READS_ONLY;

@@ -1,0 +1,260 @@
+// Transactions of the database: what fails, what is told to update handlers, and threads.
+
+#include <atomic>
+#include <thread>
+
+#include "database_fixture.h"
+#include "platform/tables.h"
+
+namespace {
+
+TEST_F(Database, WhatIsRolledBackOrFailsLeavesNothing) {
+  commitThreeSubscribers();
+  Subscriber stale;
+  mco_cursor_t cursor;
+  {
+    Writing w;
+    stale = addSubscriber(w.t, 7, 7, "rolled");
+    ASSERT_EQ(Subscriber_lineLevel_index_cursor(w.t, &cursor), 0);
+    EXPECT_EQ(mco_trans_rollback(std::exchange(w.t, nullptr)), 0);
+  }
+  {
+    Writing w;
+    addSubscriber(w.t, 8, 8, "failed");
+    host::failNth(host::Fault::commit, 1);
+    EXPECT_EQ(w.commit(), 66);
+  }
+  Writing w;
+  EXPECT_EQ(walkLines(w.t), "a c b 12");
+  EXPECT_EQ(Subscriber_line_put(&stale, 1), int{DB_BAD_HANDLE});
+  EXPECT_EQ(mco_cursor_next(w.t, &cursor), int{DB_BAD_HANDLE});
+}
+
+TEST_F(Database, FaultsFallOnTheOperationThatWasOrdered) {
+  host::failNth(host::Fault::connect, 1);
+  EXPECT_EQ(dbCommon_getConnectRes(), nullptr);
+  host::failNth(host::Fault::start, 2);
+  Reading r;
+  EXPECT_EQ(r.code, 0);
+  EXPECT_EQ(Reading().code, 66);
+  host::failNth(host::Fault::find, 2);
+  Subscriber row;
+  EXPECT_EQ(Subscriber_lineLevel_find(r.t, 1, 1, &row), 10);
+  EXPECT_EQ(Subscriber_lineLevel_find(r.t, 1, 1, &row), 66);
+  EXPECT_EQ(Subscriber_lineLevel_find(r.t, 1, 1, &row), 10);
+  Writing w;
+  host::failNth(host::Fault::create, 1);
+  EXPECT_EQ(Subscriber_new(w.t, &row), 66);
+  EXPECT_EQ(Subscriber_new(w.t, &row), 0);
+  // A look from outside uses up no order.
+  host::failNth(host::Fault::start, 1);
+  std::vector<std::string> rows;
+  EXPECT_TRUE(host::listRows("Subscriber", rows));
+  EXPECT_TRUE(host::faultPending(host::Fault::start));
+  host::clearFaults();
+}
+
+TEST_F(Database, ConnectionsRunOut) {
+  std::vector<DbConnection> taken;
+  while (DbConnection connection = dbCommon_getConnectRes()) taken.push_back(connection);
+  EXPECT_EQ(taken.size(), 64U);
+  EXPECT_EQ(host::openConnections(), 64U);
+  for (DbConnection connection : taken) dbCommon_freeConnectRes(connection);
+  mco_trans_h t = nullptr;
+  EXPECT_EQ(mco_trans_start_(taken[0], DB_READ_ONLY, 0, &t, "", 0, ""), int{DB_BAD_ARGUMENT});
+  EXPECT_EQ(mco_trans_start_(nullptr, DB_READ_ONLY, 0, &t, "", 0, ""), int{DB_BAD_ARGUMENT});
+}
+
+TEST_F(Database, RefusesWhatWouldHangOrCorrupt) {
+  Writing w;
+  EXPECT_EQ(Writing().code, int{DB_BUSY});
+  Subscriber row;
+  {
+    Reading r;
+    EXPECT_EQ(Subscriber_new(r.t, &row), int{DB_READS_ONLY});
+  }
+  int commit = 0, create = 0;
+  std::thread([&] {
+    commit = mco_trans_commit(w.t);
+    create = Subscriber_new(w.t, &row);
+  }).join();
+  EXPECT_EQ(commit, int{DB_BUSY});
+  EXPECT_EQ(create, int{DB_BAD_HANDLE});
+  EXPECT_THROW(host::resetDatabase(), std::runtime_error);
+  EXPECT_EQ(w.commit(), 0);
+  EXPECT_EQ(mco_trans_commit(nullptr), int{DB_BAD_HANDLE});
+}
+
+TEST_F(Database, AFullDatabaseFailsCleanly) {
+  commitThreeSubscribers();
+  host::limitDatabase(1 << 16);
+  {
+    Writing w;
+    int code = 0;
+    for (u32 line = 1000; line < 100000 && code == 0; ++line) {
+      Subscriber row;
+      code = Subscriber_new(w.t, &row);
+      if (code != 0) break;
+      Subscriber_line_put(&row, line);
+      Subscriber_name_put(&row, reinterpret_cast<const char*>(&line), sizeof line);
+      code = Subscriber_lineLevel_find(w.t, line, 0, &row);
+    }
+    EXPECT_EQ(code, int{DB_FULL});
+    EXPECT_EQ(w.commit(), int{DB_FULL});
+  }
+  host::limitDatabase(0);
+  Writing w;
+  addSubscriber(w.t, 2, 2, "d");
+  EXPECT_EQ(walkLines(w.t), "a c d b 12");
+  EXPECT_EQ(w.commit(), 0);
+}
+
+// What the handlers of a test saw.
+std::string told;
+
+int levelHandler(mco_trans_h t, Journal* row) {
+  u16 level = 0;
+  Journal_level_get(row, &level);
+  told += "level " + std::to_string(level) + ", ";
+  EXPECT_EQ(Journal_level_put(row, static_cast<u16>(level + 1)), 0) << "a put by the handler tells nobody";
+  EXPECT_EQ(Writing().code, int{DB_BUSY});
+  EXPECT_EQ(mco_trans_commit(t), int{DB_BUSY});
+  EXPECT_EQ(mco_trans_rollback(t), int{DB_BUSY});
+  return -1;
+}
+
+int textHandler(mco_trans_h, Journal*) {
+  told += "text, ";
+  return 0;
+}
+
+std::string journal() {
+  std::vector<std::string> rows;
+  host::listRows("Journal", rows);
+  std::string all = told;
+  for (const std::string& row : rows) all += row + "; ";
+  return all;
+}
+
+void putLevels(int result) {
+  told.clear();
+  Writing w;
+  mco_cursor_t cursor;
+  Journal row;
+  ASSERT_EQ(Journal_list_cursor(w.t, &cursor), 0);
+  do {
+    ASSERT_EQ(Journal_from_cursor(w.t, &cursor, &row), 0);
+    Journal_level_put(&row, 10);
+    Journal_level_put(&row, 20);
+  } while (mco_cursor_next(w.t, &cursor) == 0);
+  EXPECT_EQ(told, "");
+  EXPECT_EQ(w.commit(), result);
+}
+
+TEST_F(Database, UpdateHandlersRunOncePerRowInsideTheCommit) {
+  {
+    Writing w;
+    Journal row;
+    for (int i = 0; i < 2; ++i) ASSERT_EQ(Journal_new(w.t, &row), 0);
+    EXPECT_EQ(mco_register_journalLevel_handler(w.t, levelHandler, 0, 1), 0);
+    EXPECT_EQ(mco_register_journalText_handler(w.t, textHandler, 0, 1), 0);
+    EXPECT_EQ(mco_register_typeUpdate_handler(w.t, nullptr, 0, 1), 0);
+    ASSERT_EQ(w.commit(), 0);
+  }
+  putLevels(0);
+  EXPECT_EQ(journal(), "level 20, level 20, level=21 text=\"\"; level=21 text=\"\"; ");
+  host::failNth(host::Fault::commit, 1);
+  putLevels(66);
+  EXPECT_EQ(journal(), "level=21 text=\"\"; level=21 text=\"\"; ");
+  {
+    Writing w;  // takes effect with its commit only
+    EXPECT_EQ(mco_unregister_journalLevel_handler(w.t, levelHandler), 0);
+  }
+  for (int i = 0; i < 2; ++i) putLevels(0);
+  EXPECT_EQ(told, "level 20, level 20, ");
+  {
+    Writing w;
+    mco_unregister_journalLevel_handler(w.t, levelHandler);
+    ASSERT_EQ(w.commit(), 0);
+  }
+  putLevels(0);
+  EXPECT_EQ(told, "");
+}
+
+TEST_F(Database, HandlersAreToldOfWholeRowsButNotOfDeletedOnesNorBehindAReset) {
+  told.clear();
+  Journal row, gone;
+  NgnProtocolType type;
+  const Journal_fixed fixed = {1, {'x'}};
+  {
+    Writing w;
+    mco_register_journalText_handler(w.t, textHandler, 0, 1);
+    mco_register_typeUpdate_handler(w.t, nullptr, 0, 1);
+    ASSERT_EQ(w.commit(), 0);
+  }
+  {
+    Writing w;
+    ASSERT_EQ(NgnProtocolType_new(w.t, &type), 0);
+    NgnProtocolType_type_put(&type, 1);
+    ASSERT_EQ(Journal_new(w.t, &row), 0);
+    Journal_fixed_put(&row, &fixed);
+    ASSERT_EQ(Journal_new(w.t, &gone), 0);
+    Journal_fixed_put(&gone, &fixed);
+    ASSERT_EQ(Journal_delete(&gone), 0);
+    ASSERT_EQ(w.commit(), 0);
+  }
+  EXPECT_EQ(journal(), "text, level=1 text=\"x\"; ");
+  host::resetDatabase();
+  Writing w;
+  ASSERT_EQ(Journal_new(w.t, &row), 0);
+  Journal_fixed_put(&row, &fixed);
+  ASSERT_EQ(w.commit(), 0);
+  EXPECT_EQ(told, "text, ");
+}
+
+TEST_F(Database, ThreadsWriteInTurnAndReadWholeTransactions) {
+  {
+    Writing w;
+    addSubscriber(w.t, 1, 1, "a");
+    addSubscriber(w.t, 2, 1, "b");
+    ASSERT_EQ(w.commit(), 0);
+  }
+  const auto addOne = [](mco_trans_h t, u32 line) {
+    Subscriber row;
+    u8 group = 0;
+    ASSERT_EQ(Subscriber_lineLevel_find(t, line, 1, &row), 0);
+    Subscriber_group_get(&row, &group);
+    Subscriber_group_put(&row, static_cast<u8>(group + 1));
+  };
+  const auto write = [&] {
+    for (int i = 0; i < 100; ++i) {
+      Writing w;
+      addOne(w.t, 1);
+      addOne(w.t, 2);
+      ASSERT_EQ(w.commit(), 0);
+    }
+  };
+  std::atomic<bool> done{false};
+  const auto read = [&] {
+    while (!done) {
+      Reading r;
+      Subscriber a, b;
+      u8 of[2] = {0, 1};
+      ASSERT_EQ(Subscriber_lineLevel_find(r.t, 1, 1, &a), 0);
+      ASSERT_EQ(Subscriber_lineLevel_find(r.t, 2, 1, &b), 0);
+      Subscriber_group_get(&a, &of[0]);
+      Subscriber_group_get(&b, &of[1]);
+      ASSERT_EQ(of[0], of[1]);
+    }
+  };
+  std::thread reader(read), writer(write), otherWriter(write);
+  writer.join();
+  otherWriter.join();
+  done = true;
+  reader.join();
+  std::vector<std::string> rows;
+  host::listRows("Subscriber", rows);
+  EXPECT_TRUE(rows[0].ends_with("group=200")) << rows[0];
+}
+
+}  // namespace
