@@ -1,0 +1,51 @@
+#pragma once
+// A terminal's connection to msand.
+
+#include <deque>
+#include <optional>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+
+#include "descriptor.h"
+#include "protocol.h"
+
+namespace ctl {
+
+// There is no connection, or it is lost.
+struct ConnectionError : std::runtime_error {
+  using std::runtime_error::runtime_error;
+};
+
+class Connection {
+ public:
+  // Tries until `seconds` have passed while nobody serves the path. Throws ConnectionError.
+  Connection(const std::string& path, int seconds);
+
+  // At most wire::kAhead lines may be on their way. A line must fit into a request.
+  void send(wire::Kind kind, std::string_view line);
+
+  // The next frame, waited for; none once the node has ended the session. Its payload is good until the next call.
+  // Throws ConnectionError.
+  std::optional<wire::Frame> receive();
+
+  // The next frame if there is one already.
+  std::optional<wire::Frame> receiveReady();
+
+  const std::string& prompt() const { return prompt_; }
+  bool ended() const { return ended_; }
+  const std::string& farewell() const { return farewell_; }  // why the node ended the session, if it told
+  int descriptor() const { return socket_.get(); }
+
+ private:
+  std::optional<wire::Frame> next();
+  bool fill(bool wait);
+
+  Descriptor socket_;
+  wire::FrameReader reader_{wire::kMaxFrame};
+  std::string prompt_;
+  std::string farewell_;
+  bool ended_ = false;
+};
+
+}  // namespace ctl

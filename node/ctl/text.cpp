@@ -1,0 +1,82 @@
+#include "text.h"
+
+#include <algorithm>
+
+namespace ctl {
+
+std::string forDisplay(std::string_view text, bool terminal) {
+  static constexpr char kDigits[] = "0123456789abcdef";
+  std::string shown;
+  shown.reserve(text.size());
+  for (const char letter : text) {
+    const auto byte = static_cast<unsigned char>(letter);
+    if (letter == '\r') continue;
+    if (terminal && (byte < ' ' || byte == 127) && letter != '\n' && letter != '\t')
+      shown.append({'\\', 'x', kDigits[byte >> 4], kDigits[byte & 15]});
+    else
+      shown += letter;
+  }
+  return shown;
+}
+
+std::string reasonOf(wire::Result result) {
+  switch (result.outcome) {
+    case 0:
+      return "failed (" + std::to_string(result.returned) + ")";
+    case 1:
+      return "unknown command";
+    case 2:
+      return "incomplete command";
+    case 3:
+      return "ambiguous command";
+    default:
+      return "refused";
+  }
+}
+
+std::vector<Suggestion> readSuggestions(std::string_view rows) {
+  std::vector<Suggestion> suggestions;
+  while (!rows.empty()) {
+    const std::string_view row = rows.substr(0, rows.find('\n'));
+    rows.remove_prefix(std::min(row.size() + 1, rows.size()));
+    const std::size_t tab = row.find('\t');
+    suggestions.push_back({row.substr(0, tab), tab == row.npos ? std::string_view() : row.substr(tab + 1)});
+  }
+  return suggestions;
+}
+
+static char lower(char letter) { return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter + 32) : letter; }
+
+static std::size_t commonLength(std::string_view a, std::string_view b) {
+  const auto same = [](char x, char y) { return lower(x) == lower(y); };
+  return static_cast<std::size_t>(std::ranges::mismatch(a, b, same).in1 - a.begin());
+}
+
+std::string completion(std::string_view lineToCursor, const std::vector<Suggestion>& suggestions) {
+  const std::string_view typed = lineToCursor.substr(lineToCursor.find_last_of(" \t") + 1);
+  std::string_view common;
+  int fitting = 0;
+  for (const Suggestion& one : suggestions) {
+    if (!one.isKeyword() || commonLength(one.word, typed) < typed.size()) continue;
+    common = fitting == 0 ? one.word : common.substr(0, commonLength(common, one.word));
+    ++fitting;
+  }
+  if (fitting == 0) return {};
+  return std::string(common.substr(typed.size())) + (fitting == 1 ? " " : "");
+}
+
+bool insideQuotes(std::string_view lineToCursor) { return std::ranges::count(lineToCursor, '"') % 2 != 0; }
+
+std::string helpTable(const std::vector<Suggestion>& suggestions) {
+  std::size_t width = 8;
+  for (const Suggestion& one : suggestions) width = std::max(width, one.word.size());
+  std::string table;
+  for (const Suggestion& one : suggestions) {
+    table += "  " + std::string(one.word);
+    if (!one.help.empty()) table += std::string(width - one.word.size() + 2, ' ') + std::string(one.help);
+    table += "\r\n";
+  }
+  return table;
+}
+
+}  // namespace ctl

@@ -1,0 +1,157 @@
+#include "configuration.h"
+
+#include <fmt/format.h>
+#include <toml++/toml.h>
+
+#include <algorithm>
+#include <charconv>
+#include <filesystem>
+
+#include "files.h"
+
+namespace msand {
+
+namespace {
+
+constexpr std::size_t kMaxFile = 1 << 20;
+
+// Reads the tables of one file and names it in its complaints.
+class Reader {
+ public:
+  explicit Reader(const std::string& path) : path_(path), folder_(std::filesystem::path(path).parent_path()) {}
+
+  Configuration read(const toml::table& file) const;
+
+ private:
+  [[noreturn]] void fail(const toml::source_region& at, const std::string& what) const {
+    throw ConfigurationError(fmt::format("{}:{}: {}", path_, at.begin.line, what));
+  }
+  std::string text(const toml::key& key, const toml::node& value) const;
+  std::string file(const toml::key& key, const toml::node& value) const {
+    return (folder_ / text(key, value)).string();
+  }
+  u16 slotNumber(const toml::key& key) const;
+  SlotConfiguration slot(const toml::key& key, const toml::node& value) const;
+  const host::CardType* card(const toml::key& key, const toml::node& value) const;
+  host::CardState state(const toml::key& key, const toml::node& value) const;
+  void log(const toml::key& key, const toml::node& value, Configuration& into) const;
+  std::vector<SlotConfiguration> slots(const toml::key& key, const toml::node& value) const;
+
+  const std::string& path_;
+  std::filesystem::path folder_;
+};
+
+std::string Reader::text(const toml::key& key, const toml::node& value) const {
+  const auto* string = value.as_string();
+  if (string == nullptr) fail(value.source(), fmt::format("{} must be a text in quotes", key.str()));
+  if (string->get().empty()) fail(value.source(), fmt::format("{} must not be empty", key.str()));
+  return string->get();
+}
+
+u16 Reader::slotNumber(const toml::key& key) const {
+  const std::string_view digits = key.str();
+  u16 number = 0;
+  const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), number);
+  if (error != std::errc{} || end != digits.data() + digits.size() || !host::holdsServiceCard(number))
+    fail(key.source(), fmt::format("\"{}\" is no slot for a service card: these are 1 to 8 and 11 to 18", digits));
+  return number;
+}
+
+const host::CardType* Reader::card(const toml::key& key, const toml::node& value) const {
+  const auto* number = value.as_integer();
+  const std::string name = number != nullptr ? std::to_string(number->get()) : text(key, value);
+  const host::CardType* type = host::findCardType(name);
+  if (type == nullptr) fail(value.source(), fmt::format("there is no card type \"{}\"", name));
+  return type;
+}
+
+host::CardState Reader::state(const toml::key& key, const toml::node& value) const {
+  const std::string word = text(key, value);
+  if (word == "up") return host::CardState::up;
+  if (word == "present") return host::CardState::present;
+  if (word == "down") return host::CardState::absent;
+  fail(value.source(), fmt::format("state must be \"up\", \"present\" or \"down\", not \"{}\"", word));
+}
+
+SlotConfiguration Reader::slot(const toml::key& key, const toml::node& value) const {
+  SlotConfiguration slot{.slot = slotNumber(key)};
+  const toml::table* table = value.as_table();
+  if (table == nullptr) fail(value.source(), "a slot must be a table such as { card = \"adsl32\", state = \"up\" }");
+  for (const auto& [name, entry] : *table) {
+    if (name == "card")
+      slot.card = card(name, entry);
+    else if (name == "state")
+      slot.state = state(name, entry);
+    else
+      fail(name.source(), fmt::format("unknown key \"{}\" of a slot: there are card and state", name.str()));
+  }
+  if (slot.card == nullptr) fail(key.source(), fmt::format("slot {} names no card", slot.slot));
+  return slot;
+}
+
+std::vector<SlotConfiguration> Reader::slots(const toml::key& key, const toml::node& value) const {
+  const toml::table* table = value.as_table();
+  if (table == nullptr) fail(key.source(), "slots must be a table");
+  std::vector<SlotConfiguration> slots;
+  for (const auto& [number, entry] : *table) {
+    slots.push_back(slot(number, entry));
+    for (std::size_t other = 0; other + 1 < slots.size(); ++other)  // 1 and 01
+      if (slots[other].slot == slots.back().slot) fail(number.source(), "the slot is there twice");
+  }
+  std::ranges::sort(slots, {}, &SlotConfiguration::slot);
+  return slots;
+}
+
+void Reader::log(const toml::key& key, const toml::node& value, Configuration& into) const {
+  const std::string where = text(key, value);
+  if (where == "stderr")
+    into.logTo = host::LogTo::standardError;
+  else if (where == "nowhere")
+    into.logTo = host::LogTo::nowhere;
+  else {
+    into.logTo = host::LogTo::file;
+    into.logFile = file(key, value);
+  }
+}
+
+Configuration Reader::read(const toml::table& table) const {
+  Configuration configuration;
+  for (const auto& [key, value] : table) {
+    if (key == "socket")
+      configuration.socket = file(key, value);
+    else if (key == "startup")
+      configuration.startup = file(key, value);
+    else if (key == "module")
+      configuration.module = file(key, value);
+    else if (key == "log")
+      log(key, value, configuration);
+    else if (key == "slots")
+      configuration.slots = slots(key, value);
+    else
+      fail(key.source(),
+           fmt::format("unknown key \"{}\": there are socket, startup, module, log and slots", key.str()));
+  }
+  return configuration;
+}
+
+}  // namespace
+
+Configuration parseConfiguration(std::string_view text, const std::string& path) {
+  try {
+    return Reader(path).read(toml::parse(text, std::string_view(path)));
+  } catch (const toml::parse_error& error) {
+    throw ConfigurationError(fmt::format("{}:{}: {}", path, error.source().begin.line, error.description()));
+  }
+}
+
+Configuration readConfiguration(const std::string& path) {
+  std::string text;
+  try {
+    text = readFile(path, kMaxFile);
+  } catch (const std::exception& error) {
+    throw ConfigurationError(error.what());
+  }
+  return parseConfiguration(text, path);
+}
+
+}  // namespace msand

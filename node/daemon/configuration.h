@@ -1,0 +1,40 @@
+#pragma once
+// The configuration file of msand: where its files are, and which cards the chassis holds.
+
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "host/chassis.h"
+#include "host/log.h"
+
+namespace msand {
+
+struct SlotConfiguration {
+  u16 slot = 0;
+  const host::CardType* card = nullptr;
+  host::CardState state = host::CardState::up;
+};
+
+struct Configuration {
+  std::string socket = "/run/msan/msand.socket";
+  std::string startup = "/var/lib/msan/startup.cfg";
+  std::string module;  // empty: ../lib/libmsan.so, seen from the program
+  host::LogTo logTo = host::LogTo::standardError;
+  std::string logFile;
+  std::vector<SlotConfiguration> slots;  // ascending
+};
+
+// A file that can't be used; the text begins with "FILE:LINE: ", or "FILE: " where no line is to blame.
+struct ConfigurationError : std::runtime_error {
+  using std::runtime_error::runtime_error;
+};
+
+// Paths in the file are seen from the file's own folder. Throws ConfigurationError.
+Configuration readConfiguration(const std::string& path);
+
+// The same from the text of a file that stands at `path`.
+Configuration parseConfiguration(std::string_view text, const std::string& path);
+
+}  // namespace msand

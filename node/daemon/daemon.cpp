@@ -1,0 +1,101 @@
+#include "daemon.h"
+
+#include <fmt/format.h>
+#include <sys/resource.h>
+#include <sys/signalfd.h>
+#include <systemd/sd-daemon.h>
+
+#include <cerrno>
+#include <csignal>
+#include <system_error>
+
+#include "descriptor.h"
+#include "door.h"
+#include "host/observer.h"
+#include "listener.h"
+#include "node.h"
+#include "note.h"
+#include "operator.h"
+#include "running_configuration.h"
+#include "server.h"
+#include "trace.h"
+
+namespace msand {
+
+// The signals that end the node, as a descriptor that becomes readable. One that our caller has us ignore, as nohup and
+// shells in the background do, is ignored.
+static Descriptor stopSignals() {
+  sigset_t signals;
+  sigemptyset(&signals);
+  for (const int signal : {SIGTERM, SIGINT, SIGHUP}) {
+    struct sigaction action {};
+    if (sigaction(signal, nullptr, &action) == 0 && action.sa_handler != SIG_IGN) sigaddset(&signals, signal);
+  }
+  sigprocmask(SIG_BLOCK, &signals, nullptr);
+  Descriptor descriptor(signalfd(-1, &signals, SFD_CLOEXEC | SFD_NONBLOCK));
+  if (!descriptor) throw std::system_error(errno, std::generic_category(), "no descriptor for signals");
+  return descriptor;
+}
+
+// Each terminal takes a descriptor.
+static void allowManyTerminals() {
+  rlimit limit{};
+  if (getrlimit(RLIMIT_NOFILE, &limit) != 0) return;
+  limit.rlim_cur = limit.rlim_max;
+  setrlimit(RLIMIT_NOFILE, &limit);
+}
+
+// The observer of the process, as long as it lives.
+struct Observing {
+  explicit Observing(host::Observer& observer) { host::observe(&observer); }
+  ~Observing() { host::observe(nullptr); }
+};
+
+// The trace goes to the server's terminals, as long as it lives.
+struct Tracing {
+  Tracing(Trace& of, Server& server) : trace(of) {
+    trace.setSink([&server](std::string_view line) { return server.trace(line); });
+  }
+  ~Tracing() { trace.setSink(nullptr); }
+  Trace& trace;
+};
+
+static void announceCards(node::Node& node, const Configuration& configuration) {
+  for (const SlotConfiguration& slot : configuration.slots) {
+    host::setCardState(slot.slot, slot.state);
+    if (slot.state != host::CardState::up) continue;
+    if (const int result = node.cardUp(slot.slot); result < 0)
+      complain(fmt::format("slot {}: the card came up, its configuration gave {}", slot.slot, result));
+  }
+}
+
+void runDaemon(const Configuration& configuration) {
+  const Descriptor stop = stopSignals();
+  allowManyTerminals();
+  host::openLog(configuration.logTo, configuration.logFile);
+  Listener listener(configuration.socket);
+
+  Trace trace;
+  const Observing observing(trace);
+  const host::CaptureOutput capture;
+  node::Node node(configuration.module);
+  for (const SlotConfiguration& slot : configuration.slots)
+    if (const int result = node.authorise(slot.slot, *slot.card); result != 0)
+      complain(fmt::format("slot {}: card type {} gave {}", slot.slot, slot.card->name, result));
+  executeStartup(node, configuration.startup);
+  announceCards(node, configuration);
+
+  Operator commands(node, configuration.startup);
+  Door door;
+  listener.open();
+  Server server(listener.descriptor(), door, commands);
+  const Tracing tracing(trace, server);
+  note(fmt::format("ready, serves {}", configuration.socket));
+  sd_notify(0, "READY=1");
+
+  server.run(stop.get());
+  sd_notify(0, "STOPPING=1");
+  note("stops");
+}
+
+}  // namespace msand

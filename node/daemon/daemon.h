@@ -1,0 +1,12 @@
+#pragma once
+// A node that serves until it is told to stop.
+
+#include "configuration.h"
+
+namespace msand {
+
+// Runs the node until SIGTERM, SIGINT or SIGHUP. Throws std::runtime_error if it can't be started. Call it ahead of any
+// thread: it blocks these signals.
+void runDaemon(const Configuration& configuration);
+
+}  // namespace msand

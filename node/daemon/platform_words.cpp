@@ -1,0 +1,197 @@
+#include "platform_words.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+
+#include "files.h"
+#include "host/chassis.h"
+#include "operator.h"
+#include "running_configuration.h"
+
+namespace msand {
+
+namespace {
+
+// --- what the words do
+
+int failed(const PlatformCall& call, const std::string& why) {
+  call.text += why + "\r\n";
+  return -1;
+}
+
+int showRunning(const PlatformCall& call) {
+  int result = 0;
+  call.text += call.node.node().runningConfiguration(&result);
+  return result;
+}
+
+int write(const PlatformCall& call) {
+  try {
+    writeStartup(call.node.node(), call.node.startup());
+  } catch (const std::exception& error) {
+    return failed(call, fmt::format("not written: {}", error.what()));
+  }
+  call.text += fmt::format("written to {}\r\n", call.node.startup());
+  return 0;
+}
+
+const char* word(host::CardState state) {
+  if (state == host::CardState::up) return "up";
+  return state == host::CardState::present ? "present" : "down";
+}
+
+int showChassis(const PlatformCall& call) {
+  call.text += fmt::format("{:<5} {:<12} {:<8} {:>5}\r\n", "slot", "card", "state", "ports");
+  for (u16 slot = 1; slot <= host::kSlots; ++slot) {
+    if (!host::holdsServiceCard(slot)) continue;
+    const host::CardType* type = host::authorisedType(slot);
+    if (type == nullptr)
+      call.text += fmt::format("{:<5} -\r\n", slot);
+    else
+      call.text +=
+          fmt::format("{:<5} {:<12} {:<8} {:>5}\r\n", slot, type->name, word(host::cardState(slot)), type->ports);
+  }
+  return 0;
+}
+
+int takeCard(const PlatformCall& call, u16 slot) {
+  host::setCardState(slot, host::CardState::absent);
+  return host::authorisedType(slot) == nullptr ? 0 : call.node.node().unauthorise(slot);
+}
+
+int setCard(const PlatformCall& call, u16 slot, const std::string& name) {
+  if (!host::holdsServiceCard(slot)) return failed(call, fmt::format("slot {} holds no service card", slot));
+  if (name == "none") return takeCard(call, slot);
+  const host::CardType* type = host::findCardType(name);
+  if (type == nullptr) return failed(call, fmt::format("there is no card type {}", name));
+  if (type == host::authorisedType(slot)) return 0;
+  const int taken = takeCard(call, slot);
+  return taken != 0 ? taken : call.node.node().authorise(slot, *type);
+}
+
+int setState(const PlatformCall& call, u16 slot, const std::string& state) {
+  if (!host::holdsServiceCard(slot)) return failed(call, fmt::format("slot {} holds no service card", slot));
+  if (state != "down" && host::authorisedType(slot) == nullptr)
+    return failed(call, fmt::format("slot {} has no card type", slot));
+  if (state == "up") return std::min(call.node.node().cardUp(slot), 0);
+  host::setCardState(slot, state == "present" ? host::CardState::present : host::CardState::absent);
+  return 0;
+}
+
+int listCommands(const PlatformCall& call, bool all) {
+  const Level level = call.terminal.level;
+  if (!all)
+    call.text +=
+        "? shows what may stand next, Tab completes. A keyword may be shortened as long as it is clear which one it "
+        "is;\r\n"
+        "the words below are written out. \"help all\" lists every command of this level.\r\n";
+  for (const host::InstalledCommand& command : host::installedCommands())
+    if (command.node == platformNode(level) || (all && command.node == moduleNode(level)))
+      call.text += fmt::format("  {:<40} {}\r\n", command.syntax, command.help);
+  return 0;
+}
+
+// --- their handlers: read the arguments, leave the action
+
+int leave(Vty* vty, PlatformAction action) {
+  static_cast<PlatformVty*>(vty)->action = std::move(action);
+  return 0;
+}
+
+u16 slotOf(const char* digits) {
+  const std::string_view text = digits;
+  u16 slot = 0;
+  std::from_chars(text.data(), text.data() + text.size(), slot);
+  return slot;
+}
+
+int helpCommand(const CommandElement*, Vty* vty, int argc, char**) {
+  return leave(vty, [all = argc > 0](const PlatformCall& call) { return listCommands(call, all); });
+}
+
+int debugCommand(const CommandElement*, Vty* vty, int, char**) {
+  return leave(vty, [](const PlatformCall& call) { return call.terminal.level = Level::debug, 0; });
+}
+
+int exitCommand(const CommandElement*, Vty* vty, int, char**) {
+  return leave(vty, [](const PlatformCall& call) {
+    call.terminal.ended = call.terminal.level == Level::configuration;
+    call.terminal.level = Level::configuration;
+    return 0;
+  });
+}
+
+int showRunningCommand(const CommandElement*, Vty* vty, int, char**) { return leave(vty, showRunning); }
+int writeCommand(const CommandElement*, Vty* vty, int, char**) { return leave(vty, write); }
+int showChassisCommand(const CommandElement*, Vty* vty, int, char**) { return leave(vty, showChassis); }
+
+int traceCommand(const CommandElement*, Vty* vty, int, char** argv) {
+  return leave(vty, [on = std::string_view(argv[0]) == "on"](const PlatformCall& call) {
+    call.terminal.trace = on;
+    return 0;
+  });
+}
+
+int slotCardCommand(const CommandElement*, Vty* vty, int, char** argv) {
+  return leave(vty, [slot = slotOf(argv[0]), name = std::string(argv[1])](const PlatformCall& call) {
+    return setCard(call, slot, name);
+  });
+}
+
+int slotStateCommand(const CommandElement*, Vty* vty, int, char** argv) {
+  return leave(vty, [slot = slotOf(argv[0]), state = std::string(argv[1])](const PlatformCall& call) {
+    return setState(call, slot, state);
+  });
+}
+
+// clang-format off
+const CommandElement kEverywhere[] = {
+    {"help {[all]}*1", helpCommand, "the platform's words, or all commands of this level"},
+    {"exit", exitCommand, "back to the level above; from the first level: end the session"},
+    {"show running-config", showRunningCommand, "the running configuration, as commands"},
+    {"write", writeCommand, "make the running configuration the startup configuration"},
+    {"trace [on|off]", traceCommand, "show every message that leaves the node at this terminal"},
+    {"chassis show", showChassisCommand, "slots and cards"},
+    {"chassis slot <1-20> card <type>", slotCardCommand, "give a slot a card type, or none"},
+    {"chassis slot <1-20> [up|present|down]", slotStateCommand, "a card comes up, stands without its software, or goes"},
+};
+const CommandElement kDebug = {"debug", debugCommand, "go to the debug level"};
+
+constexpr std::string_view kWords[] = {"help", "exit", "write", "trace", "chassis", "debug"};
+// clang-format on
+
+bool equal(std::string_view typed, std::string_view word) {
+  return std::ranges::equal(typed, word, [](char a, char b) { return (a >= 'A' && a <= 'Z' ? a + 32 : a) == b; });
+}
+
+std::string_view takeWord(std::string_view& line) {
+  line.remove_prefix(std::min(line.find_first_not_of(" \t"), line.size()));
+  const std::string_view taken = line.substr(0, line.find_first_of(" \t"));
+  line.remove_prefix(taken.size());
+  return taken;
+}
+
+}  // namespace
+
+void installPlatformWords() {
+  for (const Level level : {Level::configuration, Level::debug})
+    for (const CommandElement& element : kEverywhere) install_element(platformNode(level), &element);
+  install_element(platformNode(Level::configuration), &kDebug);
+}
+
+bool isPlatformWord(std::string_view word) {
+  return std::ranges::any_of(kWords, [&](std::string_view ours) { return equal(word, ours); });
+}
+
+bool isPlatformLine(std::string_view line) {
+  const std::string_view first = takeWord(line);
+  if (isPlatformWord(first)) return true;
+  const std::string_view second = takeWord(line);
+  constexpr std::string_view kRunning = "running-config";
+  return equal(first, "show") && second.size() >= 3 && equal(second, kRunning.substr(0, second.size()));
+}
+
+}  // namespace msand

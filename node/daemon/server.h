@@ -1,0 +1,84 @@
+#pragma once
+// Serves the operator's socket: any number of terminals, one command at a time over all of them.
+//
+// One thread (the one that calls run) moves bytes, the door's thread runs the requests. A terminal's requests are run
+// in their order; the terminals take turns. A terminal that leaves loses the requests that have not begun. One that
+// does not read what it is sent is disconnected, the others and the node do not wait for it.
+
+#include <chrono>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+#include "descriptor.h"
+#include "door.h"
+#include "service.h"
+
+namespace msand {
+
+struct Limits {
+  std::size_t slow = 256 * 1024;              // unsent bytes from which on a terminal's next request waits
+  std::size_t most = 4 * 1024 * 1024;         // unsent bytes from which on a further trace line disconnects it
+  std::chrono::milliseconds patience{30000};  // without a byte taken, while some wait
+};
+
+class Server {
+ public:
+  // `listener` is a listening socket that does not block. All three outlive the server.
+  Server(int listener, Door& door, Service& service, Limits limits = {});
+  ~Server();
+  Server(const Server&) = delete;
+  Server& operator=(const Server&) = delete;
+
+  // Serves until `stop` is readable; then the door is stopped, and the terminals are told and disconnected.
+  void run(int stop);
+
+  // Shows a line to all terminals that trace; false if there are none. From any thread.
+  bool trace(std::string_view line);
+
+ private:
+  struct Session;
+  using SessionPtr = std::shared_ptr<Session>;
+
+  // On the thread of run():
+  void handle(int descriptor, u32 events);
+  void acceptAll();
+  void pauseAccepting(bool pause);
+  void receive(Session& session);
+  void takeRequests(const SessionPtr& session);
+  void refuse(Session& session, std::string_view why);
+  void send(Session& session);
+  void settle(const SessionPtr& session);
+  void watch(Session& session);
+  void settleChanged();
+  void disconnectStalled();
+  void disconnect(const SessionPtr& session);
+  void sayGoodbye();
+  int timeout() const;
+
+  // On the door's thread:
+  void serveOne(const SessionPtr& session);
+
+  // On either, the lock held:
+  void schedule(const SessionPtr& session);
+  void changed(const SessionPtr& session);
+
+  const int listener_;
+  Door& door_;
+  Service& service_;
+  const Limits limits_;
+  Descriptor epoll_;
+  Descriptor wake_;
+  std::unordered_map<int, SessionPtr> sessions_;
+  bool acceptPaused_ = false;
+  std::chrono::steady_clock::time_point pausedAt_{};
+
+  std::mutex mutex_;  // what follows, and the sessions' shared part
+  std::vector<SessionPtr> changed_;
+  std::vector<SessionPtr> tracing_;
+  bool woken_ = false;
+};
+
+}  // namespace msand

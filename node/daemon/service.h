@@ -1,0 +1,31 @@
+#pragma once
+// What stands behind the operator's socket.
+
+#include <string>
+#include <string_view>
+
+#include "protocol.h"
+
+namespace msand {
+
+enum class Level : u8 { configuration, debug };
+
+// A terminal, as its commands see it.
+struct Terminal {
+  Level level = Level::configuration;
+  bool trace = false;  // it is shown the live trace
+  bool ended = false;  // the session ends behind this line
+};
+
+class Service {
+ public:
+  virtual ~Service() = default;
+  virtual std::string prompt(const Terminal& terminal) const = 0;  // from any thread
+  // The other calls come on the thread of the operator's door, one at a time.
+  // Runs a line; what it prints is appended to `text`.
+  virtual wire::Result run(Terminal& terminal, std::string_view line, std::string& text) = 0;
+  // The rows of S in the protocol.
+  virtual std::string suggest(const Terminal& terminal, std::string_view line) = 0;
+};
+
+}  // namespace msand

@@ -1,0 +1,45 @@
+#pragma once
+// The live trace: a line for everything that leaves the module.
+//
+//   gpon 3 2841 "Set POTS general parameter" 00000001 ...   a message to the card in slot 3: id, name, bytes; gepon,
+//   epon gpon? 3 2839 "..." ...                                  a message that is answered; gepon? ngn 3087 "Set
+//   CIDMode configuration" ...                a message to the NGN side; ngn? one that is answered crc 9 3087 3, rtp-ip
+//   3, job ..., voice-mode 0 1 0       the platform is told of a change, or asked for something out ..., log 13 ...
+//   what the module prints, and its errors
+
+#include <functional>
+#include <string>
+#include <string_view>
+
+#include "host/observer.h"
+
+namespace msand {
+
+class Trace : public host::Observer {
+ public:
+  // Gets each line; false if nobody was there to see it.
+  using Sink = std::function<bool(std::string_view)>;
+
+  // With no sink, nobody is there. What nobody sees of the module's prints goes to the log.
+  void setSink(Sink sink);
+
+  void send(host::Link link, u16 slot, u16 id, host::Bytes payload) override;
+  void ask(host::Link link, u16 slot, u16 id, host::Bytes request) override;
+  void crc(u16 slot, u16 id, int origin) override;
+  void rtpIp(u16 slot) override;
+  void job(std::string_view text) override;
+  void voiceMode(u32 old, u32 wanted, u32 flag) override;
+  void log(i32 severity, std::string_view text) override;
+  void out(std::string_view text) override;
+
+ private:
+  bool wanted() const { return sink_ != nullptr; }
+  void message(host::Link link, const char* mark, u16 slot, u16 id, host::Bytes bytes);
+  void show(std::string_view line);
+  void showPrinted();
+
+  Sink sink_;
+  std::string printed_;  // the line that is being printed
+};
+
+}  // namespace msand

@@ -1,0 +1,94 @@
+// The operator's terminal.
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <CLI/CLI.hpp>
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <string>
+#include <vector>
+
+#include "batch.h"
+#include "connection.h"
+#include "interactive.h"
+
+namespace {
+
+enum ExitCode { kDone = 0, kLineFailed = 1, kBadUse = 2, kNoNode = 3 };
+
+struct Options {
+  std::string socket = "/run/msan/msand.socket";
+  std::vector<std::string> commands;
+  std::string file;
+  int wait = 0;
+};
+
+void declare(CLI::App& app, Options& options) {
+  app.set_version_flag("--version", "msanctl " MSAN_VERSION);
+  app.add_option("--socket", options.socket, "msand's socket")->type_name("PATH")->capture_default_str();
+  app.add_option("-c", options.commands, "run a command and end; may be given again")
+      ->type_name("COMMAND")
+      ->allow_extra_args(false);
+  app.add_option("-f", options.file, "run the lines of a file and end; - is standard input")->type_name("FILE");
+  app.add_option("--wait", options.wait, "wait for msand for so long")
+      ->type_name("SECONDS")
+      ->check(CLI::Range(0, 3600));
+  app.footer(
+      "Without -c and -f: a terminal, or the lines of standard input if that is none.\n"
+      "Exit codes: 0 all lines did well, 1 a line failed, 2 bad options or an unreadable file, 3 no msand.");
+}
+
+// Runs a file's lines; the exit code.
+int runFile(ctl::Connection& connection, const std::string& path) {
+  const bool standardInput = path == "-";
+  const Descriptor file(standardInput ? dup(STDIN_FILENO) : open(path.c_str(), O_RDONLY | O_CLOEXEC));
+  struct stat status {};
+  if (!file || fstat(file.get(), &status) != 0) {
+    std::fprintf(stderr, "msanctl: %s: can't be opened: %s\n", path.c_str(), std::strerror(errno));
+    return kBadUse;
+  }
+  const u64 size = S_ISREG(status.st_mode) ? static_cast<u64>(status.st_size) : 0;
+  ctl::LineReader reader(file.get(), wire::kMaxRequest - 1);
+  const auto outcome = ctl::runLines(connection, reader, standardInput ? "stdin" : path, size);
+  return outcome.failed == 0 ? kDone : kLineFailed;
+}
+
+int run(const Options& options) {
+  ctl::Connection connection(options.socket, options.wait);
+  int code = kDone;
+  u64 number = 0;
+  for (const std::string& command : options.commands) {
+    const auto outcome = ctl::runCommand(connection, command, ++number);
+    if (outcome.failed != 0) code = kLineFailed;
+    if (outcome.ended) return code;
+  }
+  if (!options.file.empty()) return std::max(code, runFile(connection, options.file));
+  if (!options.commands.empty()) return code;
+  if (isatty(STDIN_FILENO) == 1) return ctl::runInteractive(connection) ? kDone : kNoNode;
+  return runFile(connection, "-");
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  Options options;
+  CLI::App app("The operator's terminal of a node.", "msanctl");
+  declare(app, options);
+  try {
+    app.parse(argc, argv);
+  } catch (const CLI::ParseError& error) {
+    return app.exit(error) == 0 ? kDone : kBadUse;
+  }
+  try {
+    return run(options);
+  } catch (const ctl::ConnectionError& error) {
+    std::fprintf(stderr, "msanctl: %s\n", error.what());
+    return kNoNode;
+  } catch (const std::exception& error) {
+    std::fprintf(stderr, "msanctl: %s\n", error.what());
+    return kBadUse;
+  }
+}

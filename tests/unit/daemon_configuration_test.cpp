@@ -1,0 +1,77 @@
+// The configuration file of msand: what is read, and how a bad one is told.
+
+#include <gtest/gtest.h>
+
+#include "configuration.h"
+
+using msand::Configuration, msand::ConfigurationError, msand::parseConfiguration;
+
+static std::string complaint(std::string_view text) {
+  try {
+    parseConfiguration(text, "/etc/msan/msand.toml");
+  } catch (const ConfigurationError& error) {
+    return error.what();
+  }
+  return "none";
+}
+
+TEST(Configuration, IsRead) {
+  const Configuration read = parseConfiguration(
+      "socket = 'run/node.socket'\n"
+      "startup = '/var/lib/msan/a.cfg'\n"
+      "module = '../../lib/libmsan.so'\n"
+      "log = 'node.log'\n"
+      "[slots]\n"
+      "12 = { card = 'pots64', state = 'present' }\n"
+      "1 = { card = 542 }\n"
+      "[slots.3]\n"
+      "card = 'vdsl32'\n"
+      "state = 'down'\n",
+      "/etc/msan/msand.toml");
+  EXPECT_EQ(read.socket, "/etc/msan/run/node.socket") << "paths are seen from the file's folder";
+  EXPECT_EQ(read.startup, "/var/lib/msan/a.cfg");
+  EXPECT_EQ(read.module, "/etc/msan/../../lib/libmsan.so");
+  EXPECT_EQ(read.logTo, host::LogTo::file);
+  EXPECT_EQ(read.logFile, "/etc/msan/node.log");
+  ASSERT_EQ(read.slots.size(), 3u);
+  const auto is = [&](std::size_t index, u16 slot, std::string_view card, host::CardState state) {
+    return read.slots[index].slot == slot && read.slots[index].card->name == card && read.slots[index].state == state;
+  };
+  EXPECT_TRUE(is(0, 1, "adsl32", host::CardState::up)) << "by number, up unless told";
+  EXPECT_TRUE(is(1, 3, "vdsl32", host::CardState::absent));
+  EXPECT_TRUE(is(2, 12, "pots64", host::CardState::present));
+}
+
+TEST(Configuration, AnEmptyFileIsAnEmptyChassis) {
+  const Configuration read = parseConfiguration("", "/etc/msan/msand.toml");
+  EXPECT_EQ(read.socket, "/run/msan/msand.socket");
+  EXPECT_EQ(read.startup, "/var/lib/msan/startup.cfg");
+  EXPECT_TRUE(read.slots.empty());
+}
+
+TEST(Configuration, ErrorsNameTheirLine) {
+  // clang-format off
+  const struct { const char* text; const char* complaint; } cases[] = {
+      {"\nsockets = 'a'\n",                      ":2: unknown key \"sockets\": there are socket, startup, module, log and slots"},
+      {"socket = 3",                              ":1: socket must be a text in quotes"},
+      {"startup = ''",                            ":1: startup must not be empty"},
+      {"slots = 5",                               ":1: slots must be a table"},
+      {"[slots]\n9 = { card = 'adsl32' }",        ":2: \"9\" is no slot for a service card: these are 1 to 8 and 11 to 18"},
+      {"[slots]\n65537 = { card = 'adsl32' }",    ":2: \"65537\" is no slot for a service card: these are 1 to 8 and 11 to 18"},
+      {"[slots]\n1x = { card = 'adsl32' }",       ":2: \"1x\" is no slot for a service card: these are 1 to 8 and 11 to 18"},
+      {"[slots]\n1 = 'adsl32'",                   ":2: a slot must be a table such as { card = \"adsl32\", state = \"up\" }"},
+      {"[slots]\n\n1 = { card = 'adsl31' }",      ":3: there is no card type \"adsl31\""},
+      {"[slots]\n1 = { card = 1.5 }",             ":2: card must be a text in quotes"},
+      {"[slots]\n1 = { state = 'up' }",           ":2: slot 1 names no card"},
+      {"[slots]\n1 = { card = 'eth8', state = 'off' }", ":2: state must be \"up\", \"present\" or \"down\", not \"off\""},
+      {"[slots]\n1 = { card = 'eth8', ports = 8 }", ":2: unknown key \"ports\" of a slot: there are card and state"},
+      {"[slots]\n1 = { card = 'eth8' }\n01 = { card = 'eth8' }", ":2: the slot is there twice"},
+  };
+  // clang-format on
+  for (const auto& [text, expected] : cases) EXPECT_EQ(complaint(text), "/etc/msan/msand.toml" + std::string(expected));
+}
+
+TEST(Configuration, WhatIsNoTomlIsToldWithItsLine) {
+  for (const char* text : {"socket = 'a'\nsocket = 'b'", "a = 1\n[slots\n", "a = 1\n\x01\xff = 2", "a = 1\nb ="})
+    EXPECT_EQ(complaint(text).substr(0, 23), "/etc/msan/msand.toml:2:") << complaint(text);
+}

@@ -1,0 +1,340 @@
+// The operator's socket: many terminals, well-behaved and otherwise, against commands that are made for the test.
+
+#include <gtest/gtest.h>
+#include <sys/eventfd.h>
+#include <sys/socket.h>
+#include <sys/stat.h>
+#include <sys/un.h>
+
+#include <atomic>
+#include <condition_variable>
+#include <cstring>
+#include <filesystem>
+#include <thread>
+
+#include "listener.h"
+#include "server.h"
+
+using namespace std::string_literals;
+using namespace std::chrono_literals;
+using msand::Listener, msand::Server, msand::Terminal;
+using wire::Kind;
+
+// "say X" prints X; "big N" prints N bytes; "wait" waits to be released; "debug", "trace" and "exit" do as they say;
+// "fail" gives -1.
+class TestCommands : public msand::Service {
+ public:
+  std::string prompt(const Terminal& terminal) const override {
+    return terminal.level == msand::Level::debug ? "debug> " : "> ";
+  }
+
+  wire::Result run(Terminal& terminal, std::string_view line, std::string& text) override {
+    EXPECT_EQ(running_++, 0) << "two commands at a time";
+    ++ran;
+    if (line.starts_with("say ")) text = line.substr(4);
+    if (line.starts_with("big ")) text.assign(std::stoul(std::string(line.substr(4))), 'x');
+    if (line == "wait") wait();
+    if (line == "debug") terminal.level = msand::Level::debug;
+    terminal.trace = terminal.trace || line == "trace";
+    terminal.ended = line == "exit";
+    --running_;
+    return {0, line == "fail" ? -1 : 0};
+  }
+
+  std::string suggest(const Terminal&, std::string_view line) override { return std::string(line) + "?\t\n"; }
+
+  void awaitWaiting() {
+    std::unique_lock lock(mutex_);
+    changed_.wait(lock, [this] { return waiting_; });
+  }
+  void release() {
+    const std::lock_guard lock(mutex_);
+    released_ = true;
+    changed_.notify_all();
+  }
+
+  std::atomic<int> ran = 0;
+
+ private:
+  void wait() {
+    std::unique_lock lock(mutex_);
+    waiting_ = true;
+    changed_.notify_all();
+    changed_.wait(lock, [this] { return released_; });
+  }
+
+  std::atomic<int> running_ = 0;
+  std::mutex mutex_;
+  std::condition_variable changed_;
+  bool waiting_ = false, released_ = false;
+};
+
+class TestTerminal {
+ public:
+  explicit TestTerminal(const std::string& path) : socket_(socket(AF_UNIX, SOCK_STREAM, 0)) {
+    sockaddr_un address{AF_UNIX, {}};
+    std::strcpy(address.sun_path, path.c_str());
+    EXPECT_EQ(connect(socket_.get(), reinterpret_cast<sockaddr*>(&address), sizeof address), 0);
+    const timeval patience{20, 0};
+    setsockopt(socket_.get(), SOL_SOCKET, SO_RCVTIMEO, &patience, sizeof patience);
+  }
+
+  void sendBytes(const std::string& bytes) {
+    EXPECT_EQ(::send(socket_.get(), bytes.data(), bytes.size(), MSG_NOSIGNAL), static_cast<ssize_t>(bytes.size()));
+  }
+  void sendLines(const std::vector<std::string>& lines) {
+    std::string bytes;
+    for (const std::string& line : lines) wire::appendFrame(bytes, Kind::line, line);
+    sendBytes(bytes);
+  }
+  void endInput() { shutdown(socket_.get(), SHUT_WR); }
+  void disconnect() { socket_.reset(); }
+
+  // The next frame as "K(payload)", a result as "R(outcome returned)", "end" at the end of the connection.
+  std::string next() {
+    while (true) {
+      if (const auto frame = reader_.next()) {
+        const auto result = wire::readResult(frame->payload);
+        const std::string payload = frame->kind == Kind::result && result
+                                        ? std::to_string(result->outcome) + " " + std::to_string(result->returned)
+                                        : std::string(frame->payload);
+        return static_cast<char>(frame->kind) + ("(" + payload + ")");
+      }
+      char bytes[4096];
+      const ssize_t got = recv(socket_.get(), bytes, sizeof bytes, 0);
+      if (got < 0 && (errno == EAGAIN || errno == EWOULDBLOCK)) return "nothing for a long time";
+      if (got <= 0) return "end";
+      reader_.feed({bytes, static_cast<std::size_t>(got)});
+    }
+  }
+  std::string next(int count) {
+    std::string frames;
+    while (count-- > 0) frames += next();
+    return frames;
+  }
+
+ private:
+  Descriptor socket_;
+  wire::FrameReader reader_{wire::kMaxFrame};
+};
+
+class ServerThreads : public testing::Test {
+ protected:
+  void SetUp() override { ASSERT_NE(mkdtemp(folder_.data()), nullptr); }
+
+  void start(msand::Limits limits = {}) {
+    path_ = folder_ + "/socket";
+    listener_.emplace(path_);
+    listener_->open();
+    door_.emplace();
+    server_.emplace(listener_->descriptor(), *door_, commands_, limits);
+    thread_ = std::thread([this] { server_->run(stop_.get()); });
+  }
+  void stop() {
+    eventfd_write(stop_.get(), 1);
+    if (thread_.joinable()) thread_.join();
+  }
+  void TearDown() override {
+    stop();
+    server_.reset();
+    listener_.reset();
+    EXPECT_TRUE(std::filesystem::is_empty(folder_)) << "the socket and the lock are removed";
+    std::filesystem::remove_all(folder_);
+  }
+
+  std::string folder_ = testing::TempDir() + "serverXXXXXX";
+  std::string path_;
+  Descriptor stop_{eventfd(0, EFD_NONBLOCK)};
+  std::optional<Listener> listener_;
+  std::optional<msand::Door> door_;
+  TestCommands commands_;
+  std::optional<Server> server_;
+  std::thread thread_;
+};
+
+TEST_F(ServerThreads, LinesAreAnsweredInTheirOrder) {
+  start();
+  TestTerminal terminal(path_);
+  EXPECT_EQ(terminal.next(2), "H(\x01)P(> )");
+  terminal.sendLines({"say one", "fail", "debug", "say two"});
+  EXPECT_EQ(terminal.next(6), "T(one)R(0 0)R(0 -1)P(debug> )R(0 0)T(two)");
+  EXPECT_EQ(terminal.next(), "R(0 0)");
+  terminal.sendBytes("\0\0\0\x04?set"s);
+  EXPECT_EQ(terminal.next(), "S(set?\t\n)");
+  terminal.sendLines({"exit", "say three"});
+  EXPECT_EQ(terminal.next(2), "B()end");
+  EXPECT_EQ(commands_.ran, 5) << "what stands behind exit is not run";
+}
+
+TEST_F(ServerThreads, LinesMayBeSentFarAhead) {
+  start();
+  TestTerminal terminal(path_);
+  terminal.next(2);
+  std::vector<std::string> lines;
+  for (int i = 0; i < 1000; ++i) lines.push_back("say " + std::to_string(i));
+  terminal.sendLines(lines);
+  terminal.endInput();
+  for (int i = 0; i < 1000; ++i) ASSERT_EQ(terminal.next(2), "T(" + std::to_string(i) + ")R(0 0)");
+  EXPECT_EQ(terminal.next(), "end") << "input that has ended ends the session when all is answered";
+}
+
+TEST_F(ServerThreads, WhatIsNoFrameEndsThatSessionOnly) {
+  start();
+  TestTerminal good(path_);
+  good.next(2);
+  for (const std::string& garbage : {"GET / HTTP/1.1\r\n\r\n"s, "\0\0\0\0"s, "\xff\xff\xff\xff"s, "\0\0\x40\x01L"s}) {
+    TestTerminal bad(path_);
+    bad.next(2);
+    bad.sendBytes(garbage);
+    EXPECT_EQ(bad.next(2), "B(a frame of a length that is not allowed)end");
+  }
+  TestTerminal bad(path_);
+  bad.next(2);
+  bad.sendBytes("\0\0\0\x02Rx\0\0\0\x06Lsay x"s);
+  EXPECT_EQ(bad.next(2), "B(a frame of a kind that is not known)end");
+  good.sendLines({"say on"});
+  EXPECT_EQ(good.next(2), "T(on)R(0 0)");
+  EXPECT_EQ(commands_.ran, 1);
+}
+
+TEST_F(ServerThreads, ATerminalThatLeavesLosesWhatHasNotBegun) {
+  start();
+  TestTerminal other(path_);
+  other.next(2);
+  TestTerminal leaving(path_);
+  leaving.next(2);
+  leaving.sendLines({"wait", "say never"});
+  commands_.awaitWaiting();
+  leaving.disconnect();
+  TestTerminal(path_).next(2);  // by the second of these the server has seen that it left
+  TestTerminal(path_).next(2);
+  commands_.release();
+  other.sendLines({"say on"});
+  EXPECT_EQ(other.next(2), "T(on)R(0 0)");
+  EXPECT_EQ(commands_.ran, 2);
+}
+
+TEST_F(ServerThreads, ATerminalThatDoesNotReadItsTraceIsDisconnected) {
+  start({.most = 65536});
+  TestTerminal deaf(path_), other(path_);
+  deaf.next(2);
+  other.next(2);
+  deaf.sendLines({"trace"});
+  EXPECT_EQ(deaf.next(), "R(0 0)");
+  const std::string line(1000, 'x');
+  int shown = 0;
+  while (server_->trace(line) && shown < 100000) ++shown;
+  EXPECT_GE(shown, 65) << "what fits is kept";
+  EXPECT_LT(shown, 2000) << "a socket's buffer and the limit, no more";
+  other.sendLines({"say on"});
+  EXPECT_EQ(other.next(2), "T(on)R(0 0)");
+  while (deaf.next() == "M(" + line + ")") --shown;
+  EXPECT_EQ(deaf.next(), "end");
+}
+
+TEST_F(ServerThreads, ATerminalThatDoesNotReadItsAnswersWaitsAndIsDisconnected) {
+  start({.patience = 300ms});
+  TestTerminal deaf(path_), other(path_);
+  deaf.next(2);
+  other.next(2);
+  deaf.sendLines(std::vector<std::string>(50, "big 1000000"));
+  other.sendLines({"say on"});
+  EXPECT_EQ(other.next(2), "T(on)R(0 0)");
+  std::this_thread::sleep_for(1500ms);
+  EXPECT_LE(commands_.ran, 5) << "its lines wait for it to read";
+  std::size_t pieces = 0;
+  while (deaf.next() != "end") ASSERT_LT(++pieces, 100u) << "it was not disconnected";
+}
+
+TEST_F(ServerThreads, ManyTerminalsTakeTurns) {
+  start();
+  std::vector<std::thread> threads;
+  for (int number = 0; number < 40; ++number)
+    threads.emplace_back([this, number] {
+      TestTerminal terminal(path_);
+      terminal.next(2);
+      const std::string word = std::to_string(number);
+      for (int i = 0; i < 20; ++i) {
+        terminal.sendLines({"say " + word, "say more"});
+        EXPECT_EQ(terminal.next(4), "T(" + word + ")R(0 0)T(more)R(0 0)");
+      }
+    });
+  for (std::thread& thread : threads) thread.join();
+  EXPECT_EQ(commands_.ran, 40 * 40);
+}
+
+TEST_F(ServerThreads, TraceLinesReachThoseWhoAskedForThem) {
+  start();
+  TestTerminal tracing(path_), other(path_);
+  tracing.next(2);
+  other.next(2);
+  EXPECT_FALSE(server_->trace("unseen"));
+  tracing.sendLines({"trace"});
+  EXPECT_EQ(tracing.next(), "R(0 0)");
+  EXPECT_TRUE(server_->trace("ngn 3087"));
+  EXPECT_EQ(tracing.next(), "M(ngn 3087)");
+  other.sendLines({"say x"});
+  EXPECT_EQ(other.next(2), "T(x)R(0 0)");
+  tracing.disconnect();
+  TestTerminal(path_).next(2);
+  TestTerminal(path_).next(2);
+  EXPECT_FALSE(server_->trace("unseen"));
+}
+
+TEST_F(ServerThreads, StopLetsTheCommandUnderWayEndAndSaysGoodbye) {
+  start();
+  TestTerminal busy(path_), idle(path_);
+  idle.next(2);
+  busy.next(2);
+  busy.sendLines({"wait", "say never"});
+  commands_.awaitWaiting();
+  eventfd_write(stop_.get(), 1);
+  std::this_thread::sleep_for(50ms);
+  commands_.release();
+  EXPECT_EQ(idle.next(2), "B(the node is shut down)end");
+  EXPECT_EQ(busy.next(3), "R(0 0)B(the node is shut down)end");
+  EXPECT_EQ(commands_.ran, 1);
+}
+
+// --- the socket itself
+
+static std::string complaint(const std::string& path) {
+  try {
+    Listener listener(path);
+    listener.open();
+  } catch (const std::exception& error) {
+    return error.what();
+  }
+  return "none";
+}
+
+TEST_F(ServerThreads, ASocketThatIsServedIsRefusedAndAStaleOneReplaced) {
+  const std::string path = folder_ + "/node";
+  {
+    Listener first(path);
+    EXPECT_EQ(complaint(path), path + ": is served by another msand") << "before it is open";
+    first.open();
+    EXPECT_EQ(complaint(path), path + ": is served by another msand");
+    struct stat status {};
+    ASSERT_EQ(stat(path.c_str(), &status), 0);
+    EXPECT_EQ(status.st_mode & 0777, 0600u);
+  }
+  const Descriptor foreign(socket(AF_UNIX, SOCK_STREAM, 0));
+  sockaddr_un address{AF_UNIX, {}};
+  std::strcpy(address.sun_path, path.c_str());
+  ASSERT_EQ(bind(foreign.get(), reinterpret_cast<sockaddr*>(&address), sizeof address), 0);
+  ASSERT_EQ(listen(foreign.get(), 1), 0);
+  EXPECT_EQ(complaint(path), path + ": is served by another process");
+  shutdown(foreign.get(), SHUT_RDWR);
+  EXPECT_EQ(complaint(path), "none") << "nobody listens there any more";
+}
+
+TEST_F(ServerThreads, WhatIsNoSocketIsLeftAlone) {
+  const std::string path = folder_ + "/node";
+  std::filesystem::create_directory(path);
+  EXPECT_EQ(complaint(path), path + ": is there and is no socket");
+  EXPECT_TRUE(std::filesystem::is_directory(path));
+  std::filesystem::remove(path);
+  const std::string longPath = folder_ + "/" + std::string(100, 'x');
+  EXPECT_EQ(complaint(longPath), longPath + ".new: is too long for a socket: 107 bytes at most");
+}
