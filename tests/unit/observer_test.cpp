@@ -141,7 +141,7 @@ TEST_F(LogFile, HasTheLinesOfWhatIsSwitchedOn) {
   ulogPrintf(1, 14, "\r\n");
   EXPECT_EQ(content(),
             "info msan combo init ok! \ndebug on\ndebug packet of 2 bytes:\n0000: 1f ff\nerror "
-            "two\\r\\nlines\\x1b[31m\ncritical \n");
+            "two {}\\r\\nlines\\x1b[31m\ncritical \n");
 }
 
 TEST_F(LogFile, StaysOpenWhenAnotherCannotBeOpened) {
