@@ -6,6 +6,7 @@
 struct Vty;
 struct DbConnectionData;
 
+#pragma GCC visibility push(default)  // the module hides everything else
 extern "C" {
 
 // Loads the module: registers it, creates its pool, writes the defaults, registers messages and commands. Called once.
@@ -34,3 +35,4 @@ int msan_unregister_events(DbConnectionData* database);
 int msan_slave_flush();  // the control card has become a slave; 0
 
 }  // extern "C"
+#pragma GCC visibility pop

@@ -33,16 +33,16 @@ std::string terminalLine(std::string_view line) {
   return shown.append(ending);
 }
 
-// Letters to insert, delete or exchange between two words.
+// Letters to insert, to delete, to exchange, or to swap with their neighbour between two words.
 std::size_t distance(std::string_view a, std::string_view b) {
-  std::vector<std::size_t> row(b.size() + 1);
+  std::vector<std::size_t> earlier, above, row(b.size() + 1);
   std::iota(row.begin(), row.end(), std::size_t{0});
   for (std::size_t i = 1; i <= a.size(); ++i) {
-    std::size_t diagonal = std::exchange(row[0], i);
+    earlier = std::exchange(above, row);
+    row[0] = i;
     for (std::size_t j = 1; j <= b.size(); ++j) {
-      const std::size_t exchanged = diagonal + (a[i - 1] == b[j - 1] ? 0 : 1);
-      diagonal = row[j];
-      row[j] = std::min({exchanged, row[j] + 1, row[j - 1] + 1});
+      row[j] = std::min({above[j - 1] + (a[i - 1] == b[j - 1] ? 0 : 1), above[j] + 1, row[j - 1] + 1});
+      if (i > 1 && j > 1 && a[i - 1] == b[j - 2] && a[i - 2] == b[j - 1]) row[j] = std::min(row[j], earlier[j - 2] + 1);
     }
   }
   return row.back();

@@ -69,26 +69,13 @@ TEST_F(Agent, HandsOverTheFrameAndTheFlags) {
   EXPECT_EQ(host::agentGet(kEcho, &frame_).last, 1);
 }
 
-TEST_F(Agent, TellsAnEmptyFrameFromNone) {
+TEST_F(Agent, TellsNothingFromNone) {
   std::vector<u8> empty;
   EXPECT_THAT(*host::agentSet(kEcho, true, &empty).reply, ElementsAre(0, 1, 0));
   EXPECT_THAT(*host::agentGet(kEcho, nullptr).reply, ElementsAre(0, 0, 0));
-}
-
-TEST_F(Agent, TellsAReplyOfNoBytesFromNone) {
   EXPECT_EQ(host::agentSet(kSilent, true, &frame_).reply, std::nullopt);
-  EXPECT_EQ(host::agentGet(kSilent, &frame_).reply, std::nullopt);
   EXPECT_THAT(*host::agentSet(kEmptyReply, true, &frame_).reply, ElementsAre());
-  const host::Answer strange = host::agentSet(kNothing, true, &frame_);
-  EXPECT_EQ(strange.result, 0);
-  EXPECT_EQ(strange.reply, std::nullopt);
-}
-
-TEST_F(Agent, ZeroesTheWholeBufferForEachCall) {
-  host::agentSet(kDirty, true, &frame_);
-  EXPECT_THAT(*host::agentSet(kEcho, true, &frame_).reply, ElementsAre(2, 1, 0));
-  host::agentGet(kDirty, &frame_);
-  EXPECT_THAT(*host::agentGet(kEcho, &frame_).reply, ElementsAre(2, 1, 0));
+  EXPECT_EQ(host::agentSet(kNothing, true, &frame_).result, 0);
 }
 
 TEST_F(Agent, CutsAReplyThatTheBufferCannotHold) {
@@ -104,18 +91,10 @@ TEST_F(Agent, KeepsAnnouncedNamesInOrder) {
   text[0] = 'X';  // the agent has a copy
   EXPECT_EQ(host::messageName(3087), "Set CIDMode configuration");
   EXPECT_EQ(host::messageName(3), "");
-  ASSERT_EQ(host::announcedMessages().size(), 2u);
-  EXPECT_EQ(host::announcedMessages()[1].id, 2);
+  EXPECT_EQ(host::announcedMessages().at(1).id, 2);
 }
 
-TEST_F(Agent, WithoutHooksHandlesNothing) {
-  EXPECT_NE(RegisterHookFunc(nullptr, read, 1), 1);
-  host::forgetAgent();
-  EXPECT_EQ(host::agentSet(kEcho, true, &frame_).result, 0);
-  EXPECT_EQ(host::agentGet(kEcho, &frame_).reply, std::nullopt);
-}
-
-TEST_F(Agent, GivesEachDoorABufferOfItsOwn) {
+TEST_F(Agent, GivesEachDoorABufferThatIsZeroedForEachCall) {
   const auto door = [] {
     std::vector<u8> frame(5);
     for (int i = 0; i < 200; ++i) {

@@ -79,7 +79,7 @@ TEST(ScenarioReader, TellsDirectivesCommentsAndExpectationsApart) {
   EXPECT_THAT(expected(read.directives[3]), ElementsAre("pool change -8"));
   EXPECT_EQ(read.directives[5].text, "cli show cid mode");
   EXPECT_THAT(expected(read.directives[5]), ElementsAre("log 13 text", "|", "out", "... no gpon? |", "= 0"));
-  EXPECT_EQ(read.directives[5].expectations[2].line, 13u);
+  EXPECT_EQ(read.directives[5].expectations[2].line, 14u);
 }
 
 TEST(ScenarioReader, ABackslashJoinsTheNextLine) {

@@ -8,9 +8,13 @@
 
 namespace host {
 
-// Empties all tables; the first call opens the environment. Update handlers are forgotten. Throws std::runtime_error when
-// the environment can't be had. No transaction may be open.
+// Empties all tables; the first call opens the environment. Update handlers are forgotten. Throws std::runtime_error
+// when the environment can't be had, or when a transaction is open.
 void resetDatabase();
+
+// Limits what the database may hold, in bytes on disk with all overhead; 0: the usual limit. For tests of a full
+// database. Throws as resetDatabase does.
+void limitDatabase(u32 bytes);
 
 // The rows of a table in the order of its first index, each as "FIELD=VALUE ..." with all fields in the order of the
 // schema: numbers decimal, texts quoted, bytes in the hex form of a scenario. False if there is no such table.
