@@ -7,7 +7,7 @@
 
 #include "modes.h"
 #include "reader.h"
-#include "text.h"
+#include "scenario/text.h"
 
 namespace {
 
