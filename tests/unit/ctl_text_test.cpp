@@ -6,7 +6,7 @@
 
 #include "descriptor.h"
 #include "line_reader.h"
-#include "text.h"
+#include "ctl/text.h"
 
 using namespace std::string_literals;
 using ctl::LineReader;
