@@ -54,6 +54,12 @@ TEST(ScenarioPlaying, RestartTellsTheLinesThatFailed) {
   EXPECT_THAT(played[4].record, ElementsAre("= unknown command"));
 }
 
+TEST(ScenarioPlaying, AFaultThatIsNotReachedOutlivesARestart) {
+  const auto played = scenario::playAll(FAULTY_MODULE, read("fault alloc 2\npool\nrestart\ncli do count\n"));
+  EXPECT_THAT(played[1].record, ElementsAre("pool 32"));
+  EXPECT_THAT(played[3].record, ElementsAre("= 1"));  // the restart took one block, the command was refused its first
+}
+
 TEST(ScenarioPlaying, WhatIsNotThereFailsWithoutExpectations) {
   const Seen seen = run(scenario::playFiles, "save\nprofiles 1\n");
   EXPECT_EQ(seen.result, kDiffers);
