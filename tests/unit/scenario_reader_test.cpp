@@ -5,8 +5,8 @@
 #include <string_view>
 #include <vector>
 
-#include "modes.h"
-#include "reader.h"
+#include "scenario/modes.h"
+#include "scenario/reader.h"
 #include "scenario/text.h"
 
 namespace {
