@@ -47,7 +47,6 @@ void finish(u16 id) {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const u8* data, std::size_t size) {
-  fuzz::theNode();
   std::vector<u16> used;
   for (Input input(data, size); !input.empty();) {
     const u8 kind = take(input, 1).front() % 3;
