@@ -1,6 +1,5 @@
 #include "connection.h"
 
-#include <poll.h>
 #include <sys/socket.h>
 #include <sys/un.h>
 
@@ -84,11 +83,16 @@ std::optional<wire::Frame> Connection::receive() {
   while (!ended_) {
     if (const auto frame = next()) return frame;
     if (ended_) break;
-    pollfd waiting{socket_.get(), POLLIN, 0};
-    poll(&waiting, 1, -1);
     fill(true);
   }
   return std::nullopt;
+}
+
+void Connection::awaitPrompt() {
+  while (prompt_.empty() && !ended_) {
+    if (next()) throw ConnectionError("what answers is no msand");
+    if (prompt_.empty() && !ended_) fill(true);
+  }
 }
 
 std::optional<wire::Frame> Connection::receiveReady() {

@@ -29,6 +29,9 @@ class Connection {
   // Throws ConnectionError.
   std::optional<wire::Frame> receive();
 
+  // Waits for the node's greeting, up to the first prompt. Throws ConnectionError.
+  void awaitPrompt();
+
   // The next frame if there is one already.
   std::optional<wire::Frame> receiveReady();
 

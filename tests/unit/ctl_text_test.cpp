@@ -4,9 +4,9 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include "ctl/text.h"
 #include "descriptor.h"
 #include "line_reader.h"
-#include "text.h"
 
 using namespace std::string_literals;
 using ctl::LineReader;

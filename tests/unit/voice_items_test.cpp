@@ -19,7 +19,7 @@ u16 codeFor(int (*check)(const R*, SnmpErrInfo*), const R& cfg) {
 }
 
 TEST(CidMode, TwoModes) {
-  for (u16 mode : {0, 1, 2, 3}) {
+  for (const u16 mode : std::initializer_list<u16>{0, 1, 2, 3}) {
     EXPECT_EQ(codeFor(nCheckCIDMode, CIDMode{mode}), mode == 1 || mode == 2 ? 0 : 65416) << mode;
   }
 }
