@@ -122,6 +122,7 @@ TEST_F(VoiceMD5Test, Catalogue) {
     messages += std::to_string(message.id) + " " + message.text + "\n";
   }
   EXPECT_EQ(messages,
+            "2839 Set POTS port feed voltage & current parameters\n"
             "3087 Set CIDMode configuration\n"
             "3082 Set RFC2833\n"
             "3086 Set off-hook warning timeout procession\n"
@@ -137,6 +138,9 @@ TEST_F(VoiceMD5Test, Catalogue) {
       "10 show snmp msg info <msgtype>\n"
       "10 set msan debug [on|off] {[module|level|cmdid] <input>}*3\n"
       "10 show msan debug print\n"
+      "50 set pots port feed voltage <feedVoltage> current <feedCurrent> interface <ifStr>\n"
+      "50 show slot <slotNo> pots port feed voltage and current configuration\n"
+      "50 erase slot <slotNo> pots port feed voltage and current configuration\n"
       "50 set cid mode [fsk|dtmf]\n"
       "50 show cid mode\n"
       "50 [distribute|erase] cid mode\n"
