@@ -7,7 +7,7 @@
 #include <sstream>
 #include <string>
 
-#include "modes.h"
+#include "scenario/modes.h"
 
 namespace {
 
