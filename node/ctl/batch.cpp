@@ -6,7 +6,7 @@
 #include <cstdio>
 #include <deque>
 
-#include "text.h"
+#include "display.h"
 
 namespace ctl {
 

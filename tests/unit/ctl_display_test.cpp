@@ -6,6 +6,7 @@
 
 #include "ctl/text.h"
 #include "descriptor.h"
+#include "display.h"
 #include "line_reader.h"
 
 using namespace std::string_literals;
