@@ -35,17 +35,18 @@ static Descriptor connectTo(const std::string& path, int seconds) {
 
 Connection::Connection(const std::string& path, int seconds) : socket_(connectTo(path, seconds)) {}
 
-void Connection::send(wire::Kind kind, std::string_view line) {
-  std::string frame;
-  wire::appendFrame(frame, kind, line);
-  std::string_view rest = frame;
+void Connection::post(wire::Kind kind, std::string_view line) { wire::appendFrame(posted_, kind, line); }
+
+void Connection::send() {
+  std::string_view rest = posted_;
   while (!rest.empty()) {
     const ssize_t sent = ::send(socket_.get(), rest.data(), rest.size(), MSG_NOSIGNAL);
     if (sent < 0 && errno == EINTR) continue;
     // What the node said before it went is still to be read; receive() finds the end.
-    if (sent < 0) return;
+    if (sent < 0) break;
     rest.remove_prefix(static_cast<std::size_t>(sent));
   }
+  posted_.clear();
 }
 
 bool Connection::fill(bool wait) {

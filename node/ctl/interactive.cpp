@@ -13,8 +13,8 @@
 #include <cwchar>
 #include <memory>
 
+#include "display.h"
 #include "history_file.h"
-#include "text.h"
 
 namespace ctl {
 

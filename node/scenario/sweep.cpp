@@ -133,6 +133,7 @@ std::string playOnce(const std::string& module, const Scenario& scenario, Progre
 // run.
 void runOnce(const std::string& module, const Scenario& scenario, Progress& at) {
   alarm(kMostSeconds);
+  const int leaksBefore = node::Module::leaksFound();
   std::string broken;
   try {
     broken = playOnce(module, scenario, at);
@@ -141,7 +142,7 @@ void runOnce(const std::string& module, const Scenario& scenario, Progress& at) 
   }
   alarm(0);
   ++at.runs;
-  if (broken.empty() && node::Module::leaksFound() != 0) broken = "memory has leaked";
+  if (broken.empty() && node::Module::leaksFound() != leaksBefore) broken = "memory has leaked";
   if (at.kind >= 0 && at.reached) at.points[at.kind] = at.n;
   if (broken.empty()) return;
   reportFailure(scenario, at, broken);

@@ -4,9 +4,10 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
-#include "descriptor.h"
-#include "line_reader.h"
 #include "ctl/text.h"
+#include "descriptor.h"
+#include "display.h"
+#include "line_reader.h"
 
 using namespace std::string_literals;
 using ctl::LineReader;
