@@ -4,7 +4,6 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
-#include "ctl/text.h"
 #include "descriptor.h"
 #include "display.h"
 #include "line_reader.h"
