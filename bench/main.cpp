@@ -33,7 +33,7 @@ class Medians : public benchmark::ConsoleReporter {
     ConsoleReporter::ReportRuns(runs);
     for (const Run& run : runs) {
       if (run.error_occurred) failed_ = true;
-      if (run.aggregate_name == "median") nanoseconds_[run.run_name.function_name] = run.GetAdjustedRealTime();
+      if (run.aggregate_name == "median") nanoseconds_[run.run_name.function_name] = run.GetAdjustedCPUTime();
     }
   }
 

@@ -6,7 +6,7 @@
 #include <cstdio>
 #include <deque>
 
-#include "text.h"
+#include "display.h"
 
 namespace ctl {
 
@@ -57,16 +57,18 @@ class Batch {
   void add(u64 number, const std::string& line, bool tooLong) {
     if (line.find_first_not_of(" \t") == line.npos || line.front() == '!') return;
     ++outcome_.lines;
-    if (!tooLong) connection_.send(wire::Kind::line, line);
+    if (!tooLong) connection_.post(wire::Kind::line, line);
     underWay_.push_back({number, line, tooLong});
     while (!underWay_.empty() && underWay_.front().tooLong) failFront("line too long");
   }
   bool full() const { return underWay_.size() >= wire::kAhead; }
+  bool wantsLines() const { return underWay_.size() <= wire::kAhead / 2; }  // many are sent at once
   bool idle() const { return underWay_.empty(); }
   bool ended() const { return outcome_.ended; }
 
   // Takes frames up to the next result.
   void takeResult() {
+    connection_.send();
     while (const auto frame = connection_.receive()) {
       if (frame->kind == wire::Kind::text)
         print(*frame);
@@ -141,7 +143,7 @@ BatchOutcome runLines(Connection& connection, LineReader& reader, const std::str
   bool more = true;
   for (u64 number = 1; more || !batch.idle();) {
     // A partner that writes the next line when it has seen the answer to the last one must not be waited for.
-    while (more && !batch.full()) {
+    for (bool wanted = batch.wantsLines(); wanted && more && !batch.full();) {
       if (batch.idle()) batch.flush();
       const LineReader::Got got = reader.next(batch.idle());
       if (got == LineReader::Got::nothing) break;

@@ -1,6 +1,5 @@
 #include "connection.h"
 
-#include <poll.h>
 #include <sys/socket.h>
 #include <sys/un.h>
 
@@ -36,17 +35,18 @@ static Descriptor connectTo(const std::string& path, int seconds) {
 
 Connection::Connection(const std::string& path, int seconds) : socket_(connectTo(path, seconds)) {}
 
-void Connection::send(wire::Kind kind, std::string_view line) {
-  std::string frame;
-  wire::appendFrame(frame, kind, line);
-  std::string_view rest = frame;
+void Connection::post(wire::Kind kind, std::string_view line) { wire::appendFrame(posted_, kind, line); }
+
+void Connection::send() {
+  std::string_view rest = posted_;
   while (!rest.empty()) {
     const ssize_t sent = ::send(socket_.get(), rest.data(), rest.size(), MSG_NOSIGNAL);
     if (sent < 0 && errno == EINTR) continue;
     // What the node said before it went is still to be read; receive() finds the end.
-    if (sent < 0) return;
+    if (sent < 0) break;
     rest.remove_prefix(static_cast<std::size_t>(sent));
   }
+  posted_.clear();
 }
 
 bool Connection::fill(bool wait) {
@@ -84,11 +84,16 @@ std::optional<wire::Frame> Connection::receive() {
   while (!ended_) {
     if (const auto frame = next()) return frame;
     if (ended_) break;
-    pollfd waiting{socket_.get(), POLLIN, 0};
-    poll(&waiting, 1, -1);
     fill(true);
   }
   return std::nullopt;
+}
+
+void Connection::awaitPrompt() {
+  while (prompt_.empty() && !ended_) {
+    if (next()) throw ConnectionError("what answers is no msand");
+    if (prompt_.empty() && !ended_) fill(true);
+  }
 }
 
 std::optional<wire::Frame> Connection::receiveReady() {

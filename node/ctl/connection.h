@@ -22,12 +22,20 @@ class Connection {
   // Tries until `seconds` have passed while nobody serves the path. Throws ConnectionError.
   Connection(const std::string& path, int seconds);
 
-  // At most wire::kAhead lines may be on their way. A line must fit into a request.
-  void send(wire::Kind kind, std::string_view line);
+  // Queues a request for send(). At most wire::kAhead may be on their way. A line must fit into a request.
+  void post(wire::Kind kind, std::string_view line);
+  void send();
+  void send(wire::Kind kind, std::string_view line) {
+    post(kind, line);
+    send();
+  }
 
   // The next frame, waited for; none once the node has ended the session. Its payload is good until the next call.
   // Throws ConnectionError.
   std::optional<wire::Frame> receive();
+
+  // Waits for the node's greeting, up to the first prompt. Throws ConnectionError.
+  void awaitPrompt();
 
   // The next frame if there is one already.
   std::optional<wire::Frame> receiveReady();
@@ -43,6 +51,7 @@ class Connection {
 
   Descriptor socket_;
   wire::FrameReader reader_{wire::kMaxFrame};
+  std::string posted_;
   std::string prompt_;
   std::string farewell_;
   bool ended_ = false;

@@ -13,8 +13,8 @@
 #include <cwchar>
 #include <memory>
 
+#include "display.h"
 #include "history_file.h"
-#include "text.h"
 
 namespace ctl {
 
@@ -287,7 +287,7 @@ bool runInteractive(Connection& connection) {
   std::setlocale(LC_CTYPE, "");
   umask(077);  // for the history and its folders
   std::puts("? shows what may stand next, Tab completes, \"help\" lists the node's own words, \"exit\" leaves.");
-  if (const auto early = connection.receiveReady()) throw ConnectionError("what answers is no msand");
+  connection.awaitPrompt();
   Editor editor(connection);
   std::string line;
   while (!connection.ended() && editor.readLine(line))

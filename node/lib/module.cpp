@@ -53,6 +53,7 @@ void Module::findEntries() {
   find(handle_, "msan_register_events", register_events);
   find(handle_, "msan_unregister_events", unregister_events);
   find(handle_, "msan_slave_flush", slave_flush);
+  find(handle_, "msan_get_attribute", get_attribute);
 }
 
 // The leak check comes while the library is mapped, so that its frames have names. The pools go last: destructors of

@@ -32,6 +32,7 @@ class Module {
   decltype(&::msan_register_events) register_events;
   decltype(&::msan_unregister_events) unregister_events;
   decltype(&::msan_slave_flush) slave_flush;
+  decltype(&::msan_get_attribute) get_attribute;
 
  private:
   void findEntries();

@@ -294,10 +294,20 @@ Action readRows(Arguments& arguments) {
   };
 }
 
+constexpr i64 kMostAttributeBytes = 65536;
+
 Action readAttribute(Arguments& arguments) {
-  arguments.slot();
-  for (const std::string_view what : {"port", "number", "length"}) arguments.number(what, 0, kMostNumber);
-  return notAvailable("the node has no attribute store");
+  const u16 slot = arguments.slot();
+  const auto port = static_cast<u16>(arguments.number("port", 0, 65535));
+  const auto number = static_cast<u32>(arguments.number("number", 0, kMostNumber));
+  const auto length = static_cast<std::size_t>(arguments.number("length", 0, kMostAttributeBytes));
+  return [=](Stage& stage, Outcome& outcome) {
+    std::vector<u8> bytes(std::max<std::size_t>(length, 1));
+    const int result = stage.node.module().get_attribute(slot, port, number, bytes.data(), static_cast<u32>(length));
+    bytes.resize(length);
+    if (result == 0) outcome.lines.push_back(marked("attr", host::hexText(bytes)));
+    outcome.result(result);
+  };
 }
 
 Action readProfiles(Arguments& arguments) {

@@ -88,9 +88,9 @@ void finishPieces(Stage& stage) {
 // The rules that hold behind each run. Empty: all are kept.
 std::string brokenRule(Stage& stage, const Blocks& fresh) {
   host::clearFaults();
-  if (const u32 open = host::openTransactions(); open != 0) return fmt::format("{} transactions are open", open);
-  if (const u32 open = host::openConnections(); open != 0) return fmt::format("{} connections are open", open);
-  if (const u32 held = host::semaphoresHeld(); held != 0) return fmt::format("{} semaphores are held", held);
+  if (const u32 open = host::openTransactions(); open != 0) return fmt::format("transactions open: {}", open);
+  if (const u32 open = host::openConnections(); open != 0) return fmt::format("connections open: {}", open);
+  if (const u32 held = host::semaphoresHeld(); held != 0) return fmt::format("semaphores held: {}", held);
   finishPieces(stage);
   for (const auto& [owner, count] : countBlocks()) {
     const auto before = fresh.find(owner);
@@ -133,6 +133,7 @@ std::string playOnce(const std::string& module, const Scenario& scenario, Progre
 // run.
 void runOnce(const std::string& module, const Scenario& scenario, Progress& at) {
   alarm(kMostSeconds);
+  const int leaksBefore = node::Module::leaksFound();
   std::string broken;
   try {
     broken = playOnce(module, scenario, at);
@@ -141,11 +142,11 @@ void runOnce(const std::string& module, const Scenario& scenario, Progress& at) 
   }
   alarm(0);
   ++at.runs;
-  const bool leaked = node::Module::leaksFound() != 0;
-  if (leaked && broken.empty()) broken = "memory has leaked";
-  if (!broken.empty()) reportFailure(scenario, at, broken);
+  if (broken.empty() && node::Module::leaksFound() != leaksBefore) broken = "memory has leaked";
   if (at.kind >= 0 && at.reached) at.points[at.kind] = at.n;
-  if (leaked) std::_Exit(kGoOnFresh);
+  if (broken.empty()) return;
+  reportFailure(scenario, at, broken);
+  std::_Exit(kGoOnFresh);
 }
 
 // On to the next point: the next of the kind if this one was reached, else the first of the next kind.

@@ -5,6 +5,7 @@
 #include "common/areas.h"
 #include "common/debug_control.h"
 #include "common/msan_snmp.h"
+#include "common/obj_attributes.h"
 #include "platform/command_line.h"
 #include "platform/database.h"
 #include "platform/log.h"
@@ -12,6 +13,7 @@
 #include "platform/ngn.h"
 #include "platform/pool.h"
 #include "platform/tables.h"
+#include "ppda/volt_current.h"
 
 i32 gModuleId_Msan = 0;
 i32 g_MsanMemPoolId = 0;
@@ -27,6 +29,10 @@ static constexpr PrintStep showrun[] = {msan_combo_showrun, msan_ppda_showrun, m
                                         msanVoice_Showrun};
 static constexpr SlotStep hotplug[] = {msan_combo_hotplug, msan_ppda_hotplug,  msan_data_hotplug,
                                        msan_mcast_hotplug, msan_voice_hotplug, send_ngn_voice_rtp_ip_by_slot};
+
+// The database side of a slot that is given a card type, and of one that loses it.
+static constexpr SlotStep cardAuthorised[] = {volt_current_callback_after_cardauth_db};
+static constexpr SlotStep cardUnauthorised[] = {delObjAttrBySlot};
 
 int inRecoverConfProcess() { return is_cliFastMode(); }
 
@@ -79,9 +85,15 @@ int msan_slot_hotplug(u16 slot) { return callAll(hotplug, slot); }
 int msan_card_auth_init(u16) { return 0; }
 int msan_card_unauth_init(u16) { return 0; }
 
-// No item keeps rows for a slot so far.
-int msan_card_auth_init_db(u16) { return 0; }
-int msan_card_unauth_init_db(u16) { return 0; }
+int msan_card_auth_init_db(u16 slot) {
+  callAll(cardAuthorised, slot);
+  return 0;
+}
+
+int msan_card_unauth_init_db(u16 slot) {
+  callAll(cardUnauthorised, slot);
+  return 0;
+}
 
 int msan_init_after_cfgexecute() {
   msan_voice_init_after_cfgexecute();
@@ -112,3 +124,8 @@ int msan_unregister_events(DbConnectionData* database) {
 }
 
 int msan_slave_flush() { return 0; }
+
+int msan_get_attribute(u16 slot, u16 port, u32 attribute, void* data, u32 length) {
+  const ObjIndex object{0, port == 0 ? kSlotLevel : kPortLevel, {1, slot, port}};
+  return getObjAttrDataByCondition(&object, attribute, data, 0, static_cast<i32>(length), 0);
+}

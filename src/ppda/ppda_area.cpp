@@ -5,6 +5,7 @@
 #include "common/msan_init.h"
 #include "platform/command_line.h"
 #include "platform/log.h"
+#include "ppda/volt_current.h"
 
 int msan_ppda_init() {
   ulogPrintf(gModuleId_Msan, 10, "msan ppda init ok! \n\r");
@@ -12,18 +13,21 @@ int msan_ppda_init() {
 }
 
 int msan_ppda_snmp_register() {
+  reg_snmp_pots_voltcurrent_init();
   ulogPrintf(gModuleId_Msan, 10, "msan ppda snmp register ok! \n\r");
   return 0;
 }
 
-int msan_ppda_cmd_install() { return 0; }
+int msan_ppda_cmd_install() { return volt_current_install(); }
 
 int msan_ppda_showrun(Vty* vty) {
   vty_out(vty, "!msan ppda config ---------------- %s", "\r\n");
+  vshow_run_pots_voltcurrent(vty);
   return 0;
 }
 
-int msan_ppda_hotplug(u16) {
+int msan_ppda_hotplug(u16 slot) {
+  vdistrib_pots_voltcurrent(slot);
   if (debugOn(Area::ppda)) ulogPrintf(gModuleId_Msan, 10, "%s: finished. \n\r", __func__);
   return 0;
 }

@@ -76,7 +76,7 @@ int nSnmpGetVoiceMD5(u16 id, u8* last, u8* data, i32 length, u8* reply, u32* rep
 static int validKey(const char* text, int width) {
   const auto length = static_cast<u16>(strnlen(text, static_cast<std::size_t>(width)));
   if (length == 0) return 1;
-  return nIsValidString(text, length, gCriteriaMD5.data(), static_cast<u16>(gCriteriaMD5.size()));
+  return nIsValidString(text, length, gCriteriaMD5);
 }
 
 // The keys count only while the switch is on.

@@ -9,17 +9,30 @@
 #include "platform/log.h"
 #include "voice/cidMode.h"
 #include "voice/rfc2833.h"
+#include "voice/rohTimeout.h"
+#include "voice/signalToneTimer.h"
 #include "voice/voiceMD5.h"
+#include "voice/voiceTimer.h"
 
 // The node's global items: what they do at load, at registration, in the running configuration and at the end of
 // recovery.
-static constexpr Step ngnDataInit[] = {nInitCIDMode, nInitRFC2833, nInitVoiceMD5};
-static constexpr Step ngnSnmpRegister[] = {SnmpMsgRegisterCIDMode, SnmpMsgRegisterRFC2833, SnmpMsgRegisterVoiceMD5};
-static constexpr PrintStep ngnShowrun[] = {nShowRunCIDMode, nShowRunRFC2833, nShowRunVoiceMD5};
-static constexpr Step afterConfiguration[] = {nDistribCIDMode, nDistribRFC2833, nDistribVoiceMD5};
+static constexpr Step ngnDataInit[] = {nInitCIDMode,      nInitRFC2833,  nInitROHTimeout,
+                                       nInitSGNToneTimer, nInitVoiceMD5, nInitVoiceTimer};
+static constexpr Step ngnSnmpRegister[] = {SnmpMsgRegisterCIDMode,    SnmpMsgRegisterRFC2833,
+                                           SnmpMsgRegisterROHTimeout, SnmpMsgRegisterSGNToneTimer,
+                                           SnmpMsgRegisterVoiceMD5,   SnmpMsgRegisterVoiceTimer};
+static constexpr PrintStep ngnShowrun[] = {nShowRunCIDMode,      nShowRunRFC2833,  nShowRunROHTimeout,
+                                           nShowRunSGNToneTimer, nShowRunVoiceMD5, nShowRunVoiceTimer};
+static constexpr Step afterConfiguration[] = {nDistribCIDMode,      nDistribRFC2833,  nDistribROHTimeout,
+                                              nDistribSGNToneTimer, nDistribVoiceMD5, nDistribVoiceTimer};
 
 static int installShowrun();
-static constexpr Step ngnCommands[] = {installCidModeCommands, installRfc2833Commands, installVoiceMD5Commands,
+static constexpr Step ngnCommands[] = {installCidModeCommands,
+                                       installRfc2833Commands,
+                                       installRohTimeoutCommands,
+                                       installSignalToneTimerCommands,
+                                       installVoiceMD5Commands,
+                                       installVoiceTimerCommands,
                                        installShowrun};
 
 static int msanNGNDataInit() { return callAll(ngnDataInit); }

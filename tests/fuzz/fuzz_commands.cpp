@@ -7,7 +7,6 @@
 #include "host/terminal.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const u8* data, std::size_t size) {
-  fuzz::theNode();
   std::string_view text(reinterpret_cast<const char*>(data), size);
   while (!text.empty()) {
     const std::size_t end = text.find('\n');

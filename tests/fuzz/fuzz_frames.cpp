@@ -6,7 +6,10 @@
 // Numbers are big-endian.
 
 #include <algorithm>
+#include <cstdlib>
+#include <memory>
 #include <span>
+#include <vector>
 
 #include "fuzz_node.h"
 #include "host/agent.h"
@@ -33,32 +36,41 @@ u16 announcedId(u16 wanted) {
   return known ? wanted : all[wanted % all.size()].id;
 }
 
+enum Kind { SET, SET_MORE, GET };
+
+// Calls the hook with a frame that ends where its memory ends; true when the message has told all it has to tell.
+bool request(Kind kind, u16 id, Input bytes) {
+  static const host::Hooks hooks = host::agentHooks();
+  static const std::unique_ptr<u8[]> reply(new u8[host::kReplyCapacity]);
+  const std::unique_ptr<u8[]> frame(new u8[bytes.size()]);
+  std::ranges::copy(bytes, frame.get());
+  const i32 length = static_cast<i32>(bytes.size());
+  u32 replyLength = 0;
+  u8 last = 0;
+  if (kind == GET)
+    hooks.read(id, &last, frame.get(), length, reply.get(), &replyLength, nullptr, nullptr);
+  else
+    hooks.write(id, kind == SET ? 1 : 0, frame.get(), length, reply.get(), &replyLength, nullptr, nullptr);
+  if (replyLength > host::kReplyCapacity) std::abort();
+  return last == 1 || replyLength == 0;
+}
+
 // Whatever pieces of requests or replies a message still holds are asked for, so that nothing of it has to be left.
 void finish(u16 id) {
-  std::vector<u8> empty;
-  host::agentSet(id, true, &empty);
-  for (int piece = 0; piece < 32; ++piece) {
-    empty.clear();
-    const host::Answer answer = host::agentGet(id, &empty);
-    if (!answer.reply || answer.last == 1) return;
-  }
+  request(SET, id, {});
+  for (int piece = 0; piece < 32; ++piece)
+    if (request(GET, id, {})) return;
 }
 
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const u8* data, std::size_t size) {
-  fuzz::theNode();
   std::vector<u16> used;
   for (Input input(data, size); !input.empty();) {
-    const u8 kind = take(input, 1).front() % 3;
+    const Kind kind = static_cast<Kind>(take(input, 1).front() % 3);
     const u16 id = announcedId(takeNumber(input));
     const std::size_t length = takeNumber(input);
-    const Input bytes = take(input, length);
-    std::vector<u8> frame(bytes.begin(), bytes.end());
-    if (kind == 2)
-      host::agentGet(id, &frame);
-    else
-      host::agentSet(id, kind == 0, &frame);
+    request(kind, id, take(input, length));
     if (std::ranges::find(used, id) == used.end()) used.push_back(id);
   }
   std::ranges::for_each(used, finish);

@@ -67,5 +67,6 @@ int msan_init_after_cfgexecute() { return note("after startup, fast mode", is_cl
 int msan_register_events(DbConnectionData*) { return 0; }
 int msan_unregister_events(DbConnectionData*) { return 0; }
 int msan_slave_flush() { return 0; }
+int msan_get_attribute(u16, u16, u32, void*, u32) { return -54; }
 
 }  // extern "C"

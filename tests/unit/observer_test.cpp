@@ -137,11 +137,11 @@ TEST_F(LogFile, HasTheLinesOfWhatIsSwitchedOn) {
   ulogSetModIgnore(1, 10, 0);
   ulogSetModOutput(1, 10, 0);
   ulogPrintf(1, 10, "off again\r\n");
-  ulogPrintf(1, 13, "two\r\nlines\x1b[31m");
+  ulogPrintf(1, 13, "two {}\r\nlines\x1b[31m");
   ulogPrintf(1, 14, "\r\n");
   EXPECT_EQ(content(),
             "info msan combo init ok! \ndebug on\ndebug packet of 2 bytes:\n0000: 1f ff\nerror "
-            "two\\r\\nlines\\x1b[31m\ncritical \n");
+            "two {}\\r\\nlines\\x1b[31m\ncritical \n");
 }
 
 TEST_F(LogFile, StaysOpenWhenAnotherCannotBeOpened) {

@@ -5,7 +5,7 @@
 #include <string_view>
 #include <vector>
 
-#include "arguments.h"
+#include "scenario/arguments.h"
 
 namespace {
 

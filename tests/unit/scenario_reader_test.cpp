@@ -5,9 +5,9 @@
 #include <string_view>
 #include <vector>
 
-#include "modes.h"
-#include "reader.h"
-#include "text.h"
+#include "scenario/modes.h"
+#include "scenario/reader.h"
+#include "scenario/text.h"
 
 namespace {
 

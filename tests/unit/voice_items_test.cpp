@@ -19,7 +19,7 @@ u16 codeFor(int (*check)(const R*, SnmpErrInfo*), const R& cfg) {
 }
 
 TEST(CidMode, TwoModes) {
-  for (u16 mode : {0, 1, 2, 3}) {
+  for (const u16 mode : std::initializer_list<u16>{0, 1, 2, 3}) {
     EXPECT_EQ(codeFor(nCheckCIDMode, CIDMode{mode}), mode == 1 || mode == 2 ? 0 : 65416) << mode;
   }
 }
@@ -122,9 +122,13 @@ TEST_F(VoiceMD5Test, Catalogue) {
     messages += std::to_string(message.id) + " " + message.text + "\n";
   }
   EXPECT_EQ(messages,
+            "2839 Set POTS port feed voltage & current parameters\n"
             "3087 Set CIDMode configuration\n"
             "3082 Set RFC2833\n"
-            "3081 Set voice md5 authentication\n");
+            "3086 Set off-hook warning timeout procession\n"
+            "3085 Set signal tone timeout period\n"
+            "3081 Set voice md5 authentication\n"
+            "3080 Set voice timers\n");
   std::string commands;
   for (const host::InstalledCommand& command : host::installedCommands()) {
     commands += std::to_string(command.node) + " " + command.syntax + "\n";
@@ -134,6 +138,9 @@ TEST_F(VoiceMD5Test, Catalogue) {
       "10 show snmp msg info <msgtype>\n"
       "10 set msan debug [on|off] {[module|level|cmdid] <input>}*3\n"
       "10 show msan debug print\n"
+      "50 set pots port feed voltage <feedVoltage> current <feedCurrent> interface <ifStr>\n"
+      "50 show slot <slotNo> pots port feed voltage and current configuration\n"
+      "50 erase slot <slotNo> pots port feed voltage and current configuration\n"
       "50 set cid mode [fsk|dtmf]\n"
       "50 show cid mode\n"
       "50 [distribute|erase] cid mode\n"
@@ -141,10 +148,23 @@ TEST_F(VoiceMD5Test, Catalogue) {
       "<default2198PT>\n"
       "50 show rfc2833 configuration\n"
       "50 [distribute|erase] rfc2833 configuration\n"
+      "50 set roh timeout procession [not_unregister|unregister] terminal service status [keep|over]\n"
+      "50 show roh timeout procession\n"
+      "50 [distribute|erase] roh timeout procession\n"
+      "50 set signal tone timeout busy <busyTimeout> dial <dialTimeout> roh <rohTimeout> call-waiting "
+      "<calWaitTimeout>\n"
+      "50 set signal tone timeout ring <ringTimeout> ring-back <ringBackTimeout> no-answer <noAnswerTimeout> "
+      "interval-dial <intDialTimeout>\n"
+      "50 show signal tone timeout configuration\n"
+      "50 [distribute|erase] signal tone timeout configuration\n"
       "50 set voice md5 authentication [open|close] {mg id <mgID>}*1 {shared key <sharedKey>}*1 {exchanged base "
       "<xBase>}*1 {prime <xPrime>}*1\n"
       "50 show voice md5 authentication\n"
       "50 [distribute|erase] voice md5 authentication\n"
+      "50 set voice timer waiting time <maxWaitTime> start-timer <startTimer> long-timer <longTimer> short-timer "
+      "<shortTimer> notify-immediately [yes|no]\n"
+      "50 show voice timer\n"
+      "50 [distribute|erase] voice timer\n"
       "50 showrun msan ngn\n");
 }
 

@@ -63,7 +63,7 @@ TEST_F(MscTest, AFailedSendIsNotAFailure) {
 }
 
 TEST_F(MscTest, SlotsAreGroupedInTheOrderOfTheirAppearance) {
-  for (u16 slot : {3, 5, 3}) {
+  for (const u16 slot : std::initializer_list<u16>{3, 5, 3}) {
     ASSERT_EQ(vCreateDataNode(list_, 1, 1), 0);
     static_cast<DataNode*>(lstLast(list_))->slot = slot;
   }

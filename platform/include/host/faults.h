@@ -8,8 +8,8 @@ namespace host {
 enum class Fault { alloc, connect, start, find, create, commit, cardSend, cardExchange, ngnSend, ngnExchange };
 inline constexpr int kFaults = 10;
 
-// The N-th operation of the kind from now on fails, once. Orders add up: each fails an operation of its own, counted from
-// when it was given. 0 takes all orders of the kind back.
+// The N-th operation of the kind from now on fails, once. Orders add up: each fails an operation of its own, counted
+// from when it was given. 0 takes all orders of the kind back.
 void failNth(Fault kind, u32 n);
 
 // True while an order of the kind waits.

@@ -10,7 +10,7 @@ int dm_MakeCmdPkt_EPON(u16 slot, u16 id, const void* payload, u32 length);
 
 // Send a request and wait for the answer. `responseLen` goes in as the size of `response` and comes back as the
 // answer's length; a longer answer is cut. Negative on failure. The unnamed arguments are 0.
-int gpon_send_and_wait_for_response_copy(u16 slot, u16 id, i32, const void* request, u32 requestLen,
-                                         void* response, u32* responseLen, i32);
+int gpon_send_and_wait_for_response_copy(u16 slot, u16 id, i32, const void* request, u32 requestLen, void* response,
+                                         u32* responseLen, i32);
 int gepon_send_and_wait_for_response_copy(u16 slot, u16 id, i32, i32, const void* request, u32 requestLen,
                                           void* response, u32* responseLen, i32);

@@ -3,9 +3,9 @@
 
 #include "platform/types.h"
 
-// SET: `lastFlag` 1 for the last (or only) fragment. `data` is writable. GET: the second argument is an out byte, 1 when
-// the reply is complete. `reply` holds 400,000 bytes, zeroed; `replyLen` is set by the handler. The last two
-// are handed through. A hook returns 1 for a message that it has handled, 0 for one that is not its own.
+// SET: `lastFlag` 1 for the last (or only) fragment. `data` is writable. GET: the second argument is an out byte, 1
+// when the reply is complete. `reply` holds 400,000 bytes, zeroed; `replyLen` is set by the handler. The last two are
+// handed through. A hook returns 1 for a message that it has handled, 0 for one that is not its own.
 using SnmpWrite = int(u16 id, u8 lastFlag, u8* data, i32 length, u8* reply, u32* replyLen, void*, void*);
 using SnmpRead = int(u16 id, u8* lastFlagOut, u8* data, i32 length, u8* reply, u32* replyLen, void*, void*);
 

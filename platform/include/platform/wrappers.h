@@ -15,6 +15,6 @@ i32 bep_atoiEx(const char* text);  // atoi, held at the limits of i32
 
 using SemaphoreId = u32;  // 0: none
 
-SemaphoreId bep_semBCreateEx(i32 options, i32 full);          // 0 on failure; `full` 1: can be taken at once
+SemaphoreId bep_semBCreateEx(i32 options, i32 full);         // 0 on failure; `full` 1: can be taken at once
 int bep_semTakeEx(SemaphoreId semaphore, i32 timeoutTicks);  // -1 waits for ever; 0 on success
-int bep_semGiveEx(SemaphoreId semaphore);                     // 0 on success
+int bep_semGiveEx(SemaphoreId semaphore);                    // 0 on success

@@ -1,4 +1,4 @@
-#include "text.h"
+#include "display.h"
 
 #include <algorithm>
 

@@ -5,8 +5,8 @@
 #include <unistd.h>
 
 #include "descriptor.h"
+#include "display.h"
 #include "line_reader.h"
-#include "text.h"
 
 using namespace std::string_literals;
 using ctl::LineReader;

@@ -1,0 +1,154 @@
+#include "common/obj_attributes.h"
+
+#include <algorithm>
+#include <cstdio>
+
+#include "common/interface_list.h"
+#include "common/msan_init.h"
+#include "common/trace.h"
+#include "platform/database.h"
+#include "platform/log.h"
+#include "platform/objects.h"
+#include "ppda/volt_current.h"
+#include "voice/common/voice_msc.h"
+
+// How an attribute is stored; all take the object's id, the data, offset and length.
+struct Attribute {
+  u32 number;
+  int (*set)(u32 objectId, const void* data, u32 offset, u32 length);
+  int (*get)(u32 objectId, void* data, u32 offset, u32 length);
+};
+
+static constexpr Attribute attributes[] = {
+    {kFeedAttribute, set_post_voltcurrent_db_api, get_post_voltcurrent_db_api},
+};
+
+// What a port and a slot hold, in the order in which it is removed.
+static constexpr int (*portDeletes[])(u32 objectId) = {del_post_voltcurrent_db_api};
+
+static const Attribute* findAttribute(u32 number) {
+  const auto* row = std::ranges::find(attributes, number, &Attribute::number);
+  return row != std::end(attributes) ? row : nullptr;
+}
+
+// The database's id of an object. 0, or a code after a line under the object model's debug flag.
+static int objectIdOf(const ObjIndex& handle, u32* id, const char* function) {
+  if (handle.level != kSlotLevel && handle.level != kPortLevel) return kBadLevel;
+  const bool slot = handle.level == kSlotLevel;
+  const int code = slot ? omSlot2ObjId(handle.addr[1], id) : omOltport2ObjId(handle.addr[1], handle.addr[2], id);
+  if (code == 0 || giOmDebugPrint != 1) return code;
+  if (slot) {
+    std::printf("\r\n%s->omSlot2ObjId err! level = %d, handle->addr[1] = %d", function, handle.level, handle.addr[1]);
+  } else {
+    std::printf("\r\n%s->omOltport2ObjId err! level = %d, handle->addr[1] = %d, handle->addr[2] = %d", function,
+                handle.level, handle.addr[1], handle.addr[2]);
+  }
+  return code;
+}
+
+static int told(int code, u32 attribute, const char* function) {
+  if (code != 0 && giOmDebugPrint == 1) std::printf("\r\n%s err!, attr = %d", function, static_cast<int>(attribute));
+  return code;
+}
+
+int setObjAttrDataByCondition(const ObjIndex* handle, u32 attribute, const void* data, i32 offset, i32 length) {
+  if (handle == nullptr || data == nullptr) return kNullObject;
+  if (giOmRunPrint == 1) {
+    std::printf("\r\n%s : level %d, type %d, address %d %d ,attr %d, offset %d, len %d.", __func__, handle->level,
+                handle->type, handle->addr[1], handle->addr[2], static_cast<int>(attribute), offset, length);
+  }
+  u32 id = 0;
+  if (const int code = objectIdOf(*handle, &id, __func__)) return code;
+  const Attribute* row = findAttribute(attribute);
+  if (row == nullptr) return told(kNoSuchAttribute, attribute, __func__);
+  return told(row->set(id, data, static_cast<u32>(offset), static_cast<u32>(length)), attribute, __func__);
+}
+
+int getObjAttrDataByCondition(const ObjIndex* handle, u32 attribute, void* data, u32 offset, i32 length, u32) {
+  if (handle == nullptr || data == nullptr) return kNullObject;
+  if (offset != 0) return kReadWithOffset;
+  if (giOmRunPrint == 1) {
+    std::printf("\r\n%s. level %d, type %d, address %d %d ,attr %d, offset %d, len %d.", __func__, handle->level,
+                handle->type, handle->addr[1], handle->addr[2], static_cast<int>(attribute), static_cast<int>(offset),
+                length);
+  }
+  u32 id = 0;
+  if (const int code = objectIdOf(*handle, &id, __func__)) return code;
+  const Attribute* row = findAttribute(attribute);
+  if (row == nullptr) return told(kNoSuchAttribute, attribute, __func__);
+  return told(row->get(id, data, offset, static_cast<u32>(length)), attribute, __func__);
+}
+
+int delObjAttrBySlot(u16 slot) {
+  OmObject* tree = nullptr;
+  if (omGetChildAddr(gpOmFrameObj, 2, slot, &tree) != 0 || tree == nullptr || tree->m_pChildObjList == nullptr ||
+      tree->childCount == 0) {
+    return kNullObject;
+  }
+  u32 id = 0;
+  for (u32 port = 1; port <= tree->childCount; ++port) {
+    if (omOltport2ObjId(slot, static_cast<u16>(port), &id) != 0 || delPortAttrByObjId(id) != 0) return -1;
+  }
+  return omSlot2ObjId(slot, &id) == 0 && delSlotAttrByObjId(id) == 0 ? 0 : -1;
+}
+
+int delPortAttrByObjId(u32 objectId) {
+  for (const auto remove : portDeletes) remove(objectId);
+  return 0;
+}
+
+// No item stores anything for a slot so far.
+int delSlotAttrByObjId(u32) { return 0; }
+
+static constexpr u32 kVoicePortAttribute = 267;
+
+int delSlotAttrDataByCondition(u16 slot, u32 attribute, i32) {
+  u32 id = 0;
+  if (const int code = omSlot2ObjId(slot, &id)) return code;
+  return attribute == kVoicePortAttribute ? 0 : kNoSuchAttribute;
+}
+
+int delPortAttrDataByCondition(u16 slot, u16 port, u32 attribute, i32) {
+  u32 id = 0;
+  if (const int code = omOltport2ObjId(slot, port, &id)) return code;
+  return attribute == kVoicePortAttribute ? 0 : kNoSuchAttribute;
+}
+
+static int badSync(int line, Where where, const char* what) {
+  ulogPrintf(gModuleId_Msan, 13, "%s:%d:%s:%lu:\r\n%s\r\n", fileName(where), line, where.function, 0UL, what);
+  return -1;
+}
+
+// The slot that a node stands for. 0 or -1 with a log line.
+static int slotOf(NODE* node, int kind, u16& slot, Where where) {
+  switch (kind) {
+    case kObjectList: {
+      const auto* object = dataOf<const ObjIndex>(node);
+      if (object == nullptr) return badSync(where.line, where, "pNode->data is NULL!");
+      u16 port = 0, type = 0;
+      if (ObjIndexConvertSlotNoPort(&slot, &port, &type, object) == 0) return 0;
+      return badSync(where.line, where, "ObjIndexConvertSlotNoPort error!");
+    }
+    case kDataNodeList:
+      slot = static_cast<DataNode*>(node)->slot;
+      return 0;
+    default:
+      return badSync(where.line, where, "listType error!");
+  }
+}
+
+int msan_cfg_sync_trigger(const LIST* list, u16 id, int origin, int kind) {
+  const Where where = Where::here(__func__);
+  if (list == nullptr) return badSync(__LINE__, where, "input parameter error!");
+  NODE* node = lstFirst(list);
+  if (node == nullptr) return badSync(__LINE__, where, "lstFirst error!");
+  u16 last = 0;
+  for (; node != nullptr; node = lstNext(node)) {
+    u16 slot = 0;
+    if (slotOf(node, kind, slot, where) != 0) return -1;
+    if (last != 0 && slot != last) trigger_obj_crc(last, 0, 0, id, origin);
+    last = slot;
+  }
+  trigger_obj_crc(last, 0, 0, id, origin);
+  return 0;
+}

@@ -1,0 +1,69 @@
+#!/bin/bash
+# msanctl without a person: commands, files and pipes, their errors and exit codes.
+. "$(dirname "${BASH_SOURCE[0]}")/common.sh"
+start
+
+run ctl -c "show cid mode" -c "nonsense" -c "set cid" -c "chassis slot 9 up"
+expect "exit code with lines that failed" 1 "$code"
+expect "errors of commands" "command:2: unknown command: nonsense
+command:3: incomplete command: set cid
+command:4: failed (-1): chassis slot 9 up" "$err"
+expectMatch "what they printed" "*CID Mode: FSK*slot 9 holds no service card" "$out"
+
+printf 'trace on\r\n\n! a comment\nset cid mode fsk\n  show cid mode\nnot a word\nset cid mode dtmf' >"$folder/lines"
+run ctl -f "$folder/lines"
+expect "exit code of a file" 1 "$code"
+expect "errors of a file" "$folder/lines:6: unknown command: not a word" "$err"
+expectMatch "its output, with the trace of its messages" \
+  '*trace: ngn 3087 "Set CIDMode configuration" 000000010001 00\*32*FSK*000000010002 00\*32*' "$out"
+expect "carriage returns in it" "" "$(tr -cd '\r' <"$folder/out")"
+run ctl <"$folder/lines"
+expect "errors of standard input" "stdin:6: unknown command: not a word" "$err"
+run ctl -c "show cid mode" -f - <<<"exit
+nonsense"
+expect "what stands behind exit is not run" "0 " "$code $err"
+run ctl -f "$folder/none"
+expect "exit code of a file that is not there" 2 "$code"
+run ctl -f "$folder"
+expect "exit code of a folder" 2 "$code"
+run ctl --sockets
+expect "exit code of a bad option" 2 "$code"
+
+{ head -c 20000 /dev/zero | tr '\0' 'x'; printf '\nshow cid mode\n'; } >"$folder/lines"
+run ctl -f "$folder/lines"
+expectMatch "a line that is too long" "$folder/lines:1: line too long: xxx*" "$err"
+expectMatch "does not stop the rest" "*CID Mode: DTMF*" "$out"
+head -c 100000 /dev/urandom >"$folder/lines"
+run ctl -f "$folder/lines"
+expect "exit code of noise" 1 "$code"
+
+# Thousands of lines, sent ahead of their answers, keep their order and numbers.
+for ((i = 1; i <= 5000; ++i)); do echo "no$i"; done >"$folder/lines"
+run ctl -f "$folder/lines"
+expect "errors of many lines" "$(sed "s|^no\(.*\)|$folder/lines:\1: unknown command: &|" "$folder/lines")" "$err"
+
+# A partner that waits for each answer ahead of its next line gets it.
+coproc partner { ctl 2>&1; }
+for word in one two three; do
+  echo "$word" >&"${partner[1]}"
+  read -r -t 20 answer <&"${partner[0]}" || answer="nothing"
+  expectMatch "the answer to a single line" "stdin:*: unknown command: $word" "$answer"
+done
+eval "exec ${partner[1]}>&-"
+# shellcheck disable=SC2154
+wait "$partner_PID" || true
+
+# The chassis by hand.
+run ctl -c "chassis slot 5 card eth8" -c "chassis slot 5 present" -c "chassis slot 3 down" -c "chassis slot 1 card none" \
+  -c "chassis show"
+expect "the chassis" "slot  card         state    ports
+1     -
+3     pots64       down        64
+5     eth8         present      8" "$(grep -E '^(slot|1 |3 |5 )' <<<"$out")"
+run ctl -c "chassis slot 1 up" -c "chassis slot 5 card eth9" -c "chassis slot 21 up"
+expect "what the chassis can't do" "slot 1 has no card type
+there is no card type eth9" "$out"
+expect "its exit code" 1 "$code"
+
+stop
+exit $bad
