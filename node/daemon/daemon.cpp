@@ -53,9 +53,7 @@ struct Observing {
 
 // The trace goes to the server's terminals, as long as it lives.
 struct Tracing {
-  Tracing(Trace& of, Server& server) : trace(of) {
-    trace.setSink([&server](std::string_view line) { return server.trace(line); });
-  }
+  Tracing(Trace& of, Server& server) : trace(of) { trace.setSink(&server); }
   ~Tracing() { trace.setSink(nullptr); }
   Trace& trace;
 };

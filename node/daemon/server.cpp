@@ -158,6 +158,7 @@ void Server::disconnect(const SessionPtr& session) {
     session->dropped = true;
     session->requests.clear();
     std::erase(tracing_, session);
+    anyTracing_ = !tracing_.empty();
   }
   session->socket.reset();
   pauseAccepting(false);
@@ -342,11 +343,12 @@ void Server::serveOne(const SessionPtr& session) {
   const auto at = std::ranges::find(tracing_, session);
   if (terminal.trace && at == tracing_.end()) tracing_.push_back(session);
   if (!terminal.trace && at != tracing_.end()) tracing_.erase(at);
+  anyTracing_ = !tracing_.empty();
   schedule(session);
   changed(session);
 }
 
-bool Server::trace(std::string_view line) {
+void Server::show(std::string_view line) {
   std::string frame;
   wire::appendFrame(frame, wire::Kind::trace, line.substr(0, wire::kMaxFrame - 1));
   const std::lock_guard lock(mutex_);
@@ -357,9 +359,8 @@ bool Server::trace(std::string_view line) {
       session->output += frame;
     changed(session);
   }
-  const bool shown = !tracing_.empty();
   std::erase_if(tracing_, [](const SessionPtr& session) { return session->dropped; });
-  return shown;
+  anyTracing_ = !tracing_.empty();
 }
 
 }  // namespace msand

@@ -5,6 +5,7 @@
 // in their order; the terminals take turns. A terminal that leaves loses the requests that have not begun. One that
 // does not read what it is sent is disconnected, the others and the node do not wait for it.
 
+#include <atomic>
 #include <chrono>
 #include <memory>
 #include <mutex>
@@ -24,19 +25,20 @@ struct Limits {
   std::chrono::milliseconds patience{30000};  // without a byte taken, while some wait
 };
 
-class Server {
+class Server : public TraceSink {
  public:
   // `listener` is a listening socket that does not block. All three outlive the server.
   Server(int listener, Door& door, Service& service, Limits limits = {});
-  ~Server();
+  ~Server() override;
   Server(const Server&) = delete;
   Server& operator=(const Server&) = delete;
 
   // Serves until `stop` is readable; then the door is stopped, and the terminals are told and disconnected.
   void run(int stop);
 
-  // Shows a line to all terminals that trace; false if there are none. From any thread.
-  bool trace(std::string_view line);
+  // A terminal traces; it is shown a line.
+  bool wanted() const override { return anyTracing_; }
+  void show(std::string_view line) override;
 
  private:
   struct Session;
@@ -78,6 +80,7 @@ class Server {
   std::mutex mutex_;  // what follows, and the sessions' shared part
   std::vector<SessionPtr> changed_;
   std::vector<SessionPtr> tracing_;
+  std::atomic<bool> anyTracing_ = false;
   bool woken_ = false;
 };
 

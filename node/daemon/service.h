@@ -28,4 +28,12 @@ class Service {
   virtual std::string suggest(const Terminal& terminal, std::string_view line) = 0;
 };
 
+// Where the live trace goes. Called on any thread.
+class TraceSink {
+ public:
+  virtual ~TraceSink() = default;
+  virtual bool wanted() const = 0;  // false: nobody would see a line
+  virtual void show(std::string_view line) = 0;
+};
+
 }  // namespace msand

@@ -13,11 +13,9 @@ namespace msand {
 constexpr std::size_t kLongestLine = 4096;  // of what is printed without a line end
 constexpr i32 kError = 13;
 
-void Trace::setSink(Sink sink) { sink_ = std::move(sink); }
-
 void Trace::show(std::string_view line) {
   showPrinted();
-  if (sink_ != nullptr) sink_(line);
+  sink_->show(line);
 }
 
 void Trace::message(host::Link link, const char* mark, u16 slot, u16 id, host::Bytes bytes) {
@@ -61,7 +59,10 @@ void Trace::out(std::string_view text) {
 void Trace::showPrinted() {
   if (printed_.empty()) return;
   const std::string line = printable(std::exchange(printed_, {}));
-  if (sink_ == nullptr || !sink_("out " + line)) note("module: " + line);
+  if (wanted())
+    sink_->show("out " + line);
+  else
+    note("module: " + line);
 }
 
 }  // namespace msand

@@ -7,21 +7,18 @@
 //   3, job ..., voice-mode 0 1 0       the platform is told of a change, or asked for something out ..., log 13 ...
 //   what the module prints, and its errors
 
-#include <functional>
 #include <string>
 #include <string_view>
 
 #include "host/observer.h"
+#include "service.h"
 
 namespace msand {
 
 class Trace : public host::Observer {
  public:
-  // Gets each line; false if nobody was there to see it.
-  using Sink = std::function<bool(std::string_view)>;
-
-  // With no sink, nobody is there. What nobody sees of the module's prints goes to the log.
-  void setSink(Sink sink);
+  // Null: nobody sees the trace. What nobody sees of the module's prints goes to the log.
+  void setSink(TraceSink* sink) { sink_ = sink; }
 
   void send(host::Link link, u16 slot, u16 id, host::Bytes payload) override;
   void ask(host::Link link, u16 slot, u16 id, host::Bytes request) override;
@@ -33,12 +30,12 @@ class Trace : public host::Observer {
   void out(std::string_view text) override;
 
  private:
-  bool wanted() const { return sink_ != nullptr; }
+  bool wanted() const { return sink_ != nullptr && sink_->wanted(); }
   void message(host::Link link, const char* mark, u16 slot, u16 id, host::Bytes bytes);
   void show(std::string_view line);
   void showPrinted();
 
-  Sink sink_;
+  TraceSink* sink_ = nullptr;
   std::string printed_;  // the line that is being printed
 };
 

@@ -223,7 +223,7 @@ TEST_F(ServerThreads, ATerminalThatDoesNotReadItsTraceIsDisconnected) {
   EXPECT_EQ(deaf.next(), "R(0 0)");
   const std::string line(1000, 'x');
   int shown = 0;
-  while (server_->trace(line) && shown < 100000) ++shown;
+  for (; server_->wanted() && shown < 100000; ++shown) server_->show(line);
   EXPECT_GE(shown, 65) << "what fits is kept";
   EXPECT_LT(shown, 2000) << "a socket's buffer and the limit, no more";
   other.sendLines({"say on"});
@@ -268,17 +268,18 @@ TEST_F(ServerThreads, TraceLinesReachThoseWhoAskedForThem) {
   TestTerminal tracing(path_), other(path_);
   tracing.next(2);
   other.next(2);
-  EXPECT_FALSE(server_->trace("unseen"));
+  EXPECT_FALSE(server_->wanted());
   tracing.sendLines({"trace"});
   EXPECT_EQ(tracing.next(), "R(0 0)");
-  EXPECT_TRUE(server_->trace("ngn 3087"));
+  EXPECT_TRUE(server_->wanted());
+  server_->show("ngn 3087");
   EXPECT_EQ(tracing.next(), "M(ngn 3087)");
   other.sendLines({"say x"});
   EXPECT_EQ(other.next(2), "T(x)R(0 0)");
   tracing.disconnect();
   TestTerminal(path_).next(2);
   TestTerminal(path_).next(2);
-  EXPECT_FALSE(server_->trace("unseen"));
+  EXPECT_FALSE(server_->wanted());
 }
 
 TEST_F(ServerThreads, StopLetsTheCommandUnderWayEndAndSaysGoodbye) {
