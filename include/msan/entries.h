@@ -34,8 +34,8 @@ int msan_unregister_events(DbConnectionData* database);
 
 int msan_slave_flush();  // the control card has become a slave; 0
 
-// A look inside for tests and support: what is stored of an attribute for a slot (port 0) or a port, into `length` bytes. 0 or
-// the attribute store's code.
+// A look inside for tests and support: what is stored of an attribute for a slot (port 0) or a port, into `length`
+// bytes. 0 or the attribute store's code.
 int msan_get_attribute(u16 slot, u16 port, u32 attribute, void* data, u32 length);
 
 }  // extern "C"
