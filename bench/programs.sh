@@ -21,7 +21,7 @@ startNode() {
   local began
   printf 'socket = "socket"\nstartup = "%s"\nlog = "nowhere"\n' "$1" >"$folder/msand.toml"
   began=$(microseconds)
-  "$build/bin/msand" --config "$folder/msand.toml" &
+  "$build/bin/msand" --config "$folder/msand.toml" --snmp none &
   node=$!
   until [ -S "$folder/socket" ]; do
     kill -0 "$node" || exit 1

@@ -17,6 +17,7 @@ struct Options {
   std::string socket;
   std::string startup;
   std::string module;
+  std::string snmp;
   bool check = false;
 };
 
@@ -27,6 +28,10 @@ void declare(CLI::App& app, Options& options) {
   app.add_option("--startup", options.startup, "startup configuration, in place of the configured one")
       ->type_name("FILE");
   app.add_option("--module", options.module, "libmsan.so, in place of the configured one")->type_name("FILE");
+  app.add_option("--snmp", options.snmp,
+                 "address of the SNMP agent such as udp:127.0.0.1:16100, in place of the\n"
+                 "configured ones; \"none\": no agent")
+      ->type_name("LISTEN");
   app.add_flag("--check", options.check, "check the configuration file and exit");
   app.footer(
       "It stays in the foreground and stops on SIGTERM. Exit codes: 0 stopped, 1 could not run, 2 bad options or\n"
@@ -39,11 +44,23 @@ std::string moduleBesideProgram() {
   return (program.parent_path().parent_path() / "lib" / "libmsan.so").string();
 }
 
+std::vector<std::string> listenOption(const std::string& word) {
+  try {
+    return msand::listenAddresses(word);
+  } catch (const std::invalid_argument& error) {
+    throw msand::ConfigurationError("--snmp: \"" + word + "\" " + error.what());
+  }
+}
+
 msand::Configuration configurationOf(const Options& options) {
   msand::Configuration configuration = msand::readConfiguration(options.configuration);
   if (!options.socket.empty()) configuration.socket = options.socket;
   if (!options.startup.empty()) configuration.startup = options.startup;
   if (!options.module.empty()) configuration.module = options.module;
+  if (options.snmp == "none")
+    configuration.snmp.listen.clear();
+  else if (!options.snmp.empty())
+    configuration.snmp.listen = listenOption(options.snmp);
   if (configuration.module.empty()) configuration.module = moduleBesideProgram();
   return configuration;
 }

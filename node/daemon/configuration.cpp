@@ -36,6 +36,16 @@ class Reader {
   host::CardState state(const toml::key& key, const toml::node& value) const;
   void log(const toml::key& key, const toml::node& value, Configuration& into) const;
   std::vector<SlotConfiguration> slots(const toml::key& key, const toml::node& value) const;
+  const toml::table& table(const toml::key& key, const toml::node& value) const;
+  const toml::array& array(const toml::key& key, const toml::node& value) const;
+  std::string plain(const toml::key& key, const toml::node& value) const;
+  std::string secret(const toml::key& key, const toml::node& value) const;
+  bool writes(const toml::key& key, const toml::node& value) const;
+  std::string source(const toml::key& key, const toml::node& value) const;
+  Community community(const toml::key& key, const toml::node& value) const;
+  User user(const toml::key& key, const toml::node& value) const;
+  std::vector<std::string> listen(const toml::key& key, const toml::node& value) const;
+  SnmpSettings snmp(const toml::key& key, const toml::node& value) const;
 
   const std::string& path_;
   std::filesystem::path folder_;
@@ -114,6 +124,127 @@ void Reader::log(const toml::key& key, const toml::node& value, Configuration& i
   }
 }
 
+// --- the manager's door. Names of communities and what users prove themselves with are secrets: no complaint shows
+// them.
+
+const toml::table& Reader::table(const toml::key& key, const toml::node& value) const {
+  const auto* table = value.as_table();
+  if (table == nullptr) fail(value.source(), fmt::format("{} must be a table", key.str()));
+  return *table;
+}
+
+const toml::array& Reader::array(const toml::key& key, const toml::node& value) const {
+  const auto* array = value.as_array();
+  if (array == nullptr) fail(value.source(), fmt::format("{} must be a list", key.str()));
+  return *array;
+}
+
+std::string Reader::plain(const toml::key& key, const toml::node& value) const {
+  std::string read = text(key, value);
+  if (!isPlainText(read))
+    fail(value.source(), fmt::format("{} holds a letter that is not ASCII, a quote or a backslash", key.str()));
+  return read;
+}
+
+std::string Reader::secret(const toml::key& key, const toml::node& value) const {
+  std::string read = plain(key, value);
+  if (read.size() < kShortestSecret)
+    fail(value.source(), fmt::format("{} must have at least {} letters", key.str(), kShortestSecret));
+  return read;
+}
+
+bool Reader::writes(const toml::key& key, const toml::node& value) const {
+  const std::string word = text(key, value);
+  if (word != "read-only" && word != "read-write")
+    fail(value.source(), fmt::format("{} must be \"read-only\" or \"read-write\"", key.str()));
+  return word == "read-write";
+}
+
+std::string Reader::source(const toml::key& key, const toml::node& value) const {
+  std::string read = text(key, value);
+  if (read.find_first_not_of("0123456789abcdefABCDEF.:/") != read.npos)
+    fail(value.source(), fmt::format("{} must be an address or a network such as 10.0.0.0/8", key.str()));
+  return read;
+}
+
+Community Reader::community(const toml::key& key, const toml::node& value) const {
+  Community read;
+  for (const auto& [name, entry] : table(key, value)) {
+    if (name == "name")
+      read.name = plain(name, entry);
+    else if (name == "source")
+      read.source = source(name, entry);
+    else if (name == "access")
+      read.writes = writes(name, entry);
+    else
+      fail(name.source(),
+           fmt::format("unknown key \"{}\" of a community: there are name, source and access", name.str()));
+  }
+  if (read.name.empty()) fail(value.source(), "a community has no name");
+  return read;
+}
+
+User Reader::user(const toml::key& key, const toml::node& value) const {
+  User read;
+  for (const auto& [name, entry] : table(key, value)) {
+    if (name == "name")
+      read.name = plain(name, entry);
+    else if (name == "access")
+      read.writes = writes(name, entry);
+    else if (name == "auth") {
+      read.authentication = text(name, entry);
+      if (read.authentication != "SHA" && read.authentication != "SHA-256" && read.authentication != "SHA-512")
+        fail(entry.source(), "auth must be \"SHA\", \"SHA-256\" or \"SHA-512\"");
+    } else if (name == "auth-secret")
+      read.authenticationSecret = secret(name, entry);
+    else if (name == "priv-secret")
+      read.privacySecret = secret(name, entry);
+    else
+      fail(name.source(),
+           fmt::format("unknown key \"{}\" of a user: there are name, access, auth, auth-secret and priv-secret",
+                       name.str()));
+  }
+  if (read.name.empty() || read.authenticationSecret.empty() || read.privacySecret.empty())
+    fail(value.source(), "a user needs name, auth-secret and priv-secret");
+  return read;
+}
+
+std::vector<std::string> Reader::listen(const toml::key& key, const toml::node& value) const {
+  std::vector<std::string> all;
+  for (const toml::node& entry : array(key, value)) {
+    const std::string word = text(key, entry);
+    try {
+      for (std::string& address : listenAddresses(word)) all.push_back(std::move(address));
+    } catch (const std::invalid_argument& error) {
+      fail(entry.source(), fmt::format("\"{}\" {}", word, error.what()));
+    }
+  }
+  return all;
+}
+
+SnmpSettings Reader::snmp(const toml::key& key, const toml::node& value) const {
+  SnmpSettings settings;
+  for (const auto& [name, entry] : table(key, value)) {
+    if (name == "listen")
+      settings.listen = listen(name, entry);
+    else if (name == "name")
+      settings.name = text(name, entry);
+    else if (name == "location")
+      settings.location = text(name, entry);
+    else if (name == "contact")
+      settings.contact = text(name, entry);
+    else if (name == "communities")
+      for (const toml::node& one : array(name, entry)) settings.communities.push_back(community(name, one));
+    else if (name == "users")
+      for (const toml::node& one : array(name, entry)) settings.users.push_back(user(name, one));
+    else
+      fail(name.source(),
+           fmt::format("unknown key \"{}\" of snmp: there are listen, name, location, contact, communities and users",
+                       name.str()));
+  }
+  return settings;
+}
+
 Configuration Reader::read(const toml::table& table) const {
   Configuration configuration;
   for (const auto& [key, value] : table) {
@@ -127,9 +258,11 @@ Configuration Reader::read(const toml::table& table) const {
       log(key, value, configuration);
     else if (key == "slots")
       configuration.slots = slots(key, value);
+    else if (key == "snmp")
+      configuration.snmp = snmp(key, value);
     else
       fail(key.source(),
-           fmt::format("unknown key \"{}\": there are socket, startup, module, log and slots", key.str()));
+           fmt::format("unknown key \"{}\": there are socket, startup, module, log, snmp and slots", key.str()));
   }
   return configuration;
 }

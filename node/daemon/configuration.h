@@ -6,6 +6,7 @@
 #include <string_view>
 #include <vector>
 
+#include "../snmp/settings.h"
 #include "host/chassis.h"
 #include "host/log.h"
 
@@ -24,6 +25,7 @@ struct Configuration {
   host::LogTo logTo = host::LogTo::standardError;
   std::string logFile;
   std::vector<SlotConfiguration> slots;  // ascending
+  SnmpSettings snmp;                     // it listens nowhere: no agent
 };
 
 // A file that can't be used; the text begins with "FILE:LINE: ", or "FILE: " where no line is to blame.

@@ -7,8 +7,11 @@
 
 #include <cerrno>
 #include <csignal>
+#include <filesystem>
+#include <optional>
 #include <system_error>
 
+#include "../snmp/agent.h"
 #include "descriptor.h"
 #include "door.h"
 #include "host/observer.h"
@@ -88,6 +91,12 @@ void runDaemon(const Configuration& configuration) {
   listener.open();
   Server server(listener.descriptor(), door, commands);
   const Tracing tracing(trace, server);
+  std::optional<Agent> agent;
+  if (!configuration.snmp.listen.empty()) {
+    const auto folder = std::filesystem::path(configuration.startup).parent_path() / "snmp";
+    agent.emplace(configuration.snmp, folder.string());
+    for (const std::string& address : configuration.snmp.listen) note("snmp: listens at " + address);
+  }
   note(fmt::format("ready, serves {}", configuration.socket));
   sd_notify(0, "READY=1");
 

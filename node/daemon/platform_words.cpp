@@ -8,6 +8,7 @@
 
 #include "files.h"
 #include "host/chassis.h"
+#include "host/links.h"
 #include "operator.h"
 #include "running_configuration.h"
 
@@ -141,6 +142,23 @@ int slotCardCommand(const CommandElement*, Vty* vty, int, char** argv) {
   });
 }
 
+int delay(u16 slot, const char* milliseconds) {
+  u32 number = 0;
+  std::from_chars(milliseconds, milliseconds + std::char_traits<char>::length(milliseconds), number);
+  host::delayAnswers(slot, number);
+  return 0;
+}
+
+int slotDelayCommand(const CommandElement*, Vty* vty, int, char** argv) {
+  return leave(vty, [slot = slotOf(argv[0]), time = std::string(argv[1])](const PlatformCall&) {
+    return delay(slot, time.c_str());
+  });
+}
+
+int voiceDelayCommand(const CommandElement*, Vty* vty, int, char** argv) {
+  return leave(vty, [time = std::string(argv[0])](const PlatformCall&) { return delay(0, time.c_str()); });
+}
+
 int slotStateCommand(const CommandElement*, Vty* vty, int, char** argv) {
   return leave(vty, [slot = slotOf(argv[0]), state = std::string(argv[1])](const PlatformCall& call) {
     return setState(call, slot, state);
@@ -156,6 +174,8 @@ const CommandElement kEverywhere[] = {
     {"trace [on|off]", traceCommand, "show every message that leaves the node at this terminal"},
     {"chassis show", showChassisCommand, "slots and cards"},
     {"chassis slot <1-20> card <type>", slotCardCommand, "give a slot a card type, or none"},
+    {"chassis slot <1-20> delay <0-60000>", slotDelayCommand, "milliseconds that the card takes over each message"},
+    {"chassis voice delay <0-60000>", voiceDelayCommand, "milliseconds that the voice side takes over each message"},
     {"chassis slot <1-20> [up|present|down]", slotStateCommand, "a card comes up, stands without its software, or goes"},
 };
 const CommandElement kDebug = {"debug", debugCommand, "go to the debug level"};

@@ -1,11 +1,14 @@
 #include "platform/cards.h"
 
 #include <algorithm>
+#include <array>
 #include <atomic>
+#include <chrono>
 #include <cstring>
 #include <deque>
 #include <map>
 #include <mutex>
+#include <thread>
 #include <tuple>
 
 #include "host/links.h"
@@ -28,7 +31,13 @@ std::map<Key, std::deque<Outcome>>& queues() {
   static std::map<Key, std::deque<Outcome>> all;
   return all;
 }
-std::atomic<std::size_t> queued{0};  // over all keys: most messages find nothing and take no lock
+std::array<std::atomic<u32>, 21> delays{};  // milliseconds by slot, 0: the voice side
+std::atomic<std::size_t> queued{0};         // over all keys: most messages find nothing and take no lock
+
+void takeTime(u16 slot) {
+  const u32 delay = slot < delays.size() ? delays[slot].load() : 0;
+  if (delay != 0) std::this_thread::sleep_for(std::chrono::milliseconds(delay));
+}
 
 void enqueue(const Key& key, Outcome outcome) {
   const std::lock_guard lock(mutex);
@@ -60,13 +69,19 @@ void queueAnswer(Link link, u16 slot, u16 id, std::vector<u8> answer) {
 
 void queueFailure(Link link, u16 slot, u16 id, int result) { enqueue({link, slot, id}, {false, result, {}}); }
 
+void delayAnswers(u16 slot, u32 milliseconds) {
+  if (slot < delays.size()) delays[slot] = milliseconds;
+}
+
 void clearLinks() {
   const std::lock_guard lock(mutex);
   queues().clear();
   queued = 0;
+  for (auto& delay : delays) delay = 0;
 }
 
 int sendResult(Fault fault, Link link, u16 slot, u16 id) {
+  takeTime(slot);
   Outcome outcome;
   take(
       {link, slot, id}, [](const Outcome& next) { return !next.isAnswer; }, outcome);
@@ -74,6 +89,7 @@ int sendResult(Fault fault, Link link, u16 slot, u16 id) {
 }
 
 int exchangeResult(Fault fault, Link link, u16 slot, u16 id, void* response, u32* responseLen) {
+  takeTime(slot);
   const u32 capacity = responseLen != nullptr && response != nullptr ? *responseLen : 0;
   if (responseLen != nullptr) *responseLen = 0;
   Outcome outcome;

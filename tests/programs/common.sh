@@ -6,6 +6,7 @@ bin=$1
 folder=$(mktemp -d)
 socket=$folder/socket
 nodes=()
+snmp=none # where the agents of nodes listen
 bad=0
 
 cleanUp() {
@@ -34,7 +35,7 @@ configuration() { cat >"$folder/msand.toml"; }
 
 # start [MSAND_OPTION...]: a node in the folder, ready; its log is $folder/log
 start() {
-  "$bin/msand" --config "$folder/msand.toml" "$@" >>"$folder/log" 2>&1 </dev/null &
+  "$bin/msand" --config "$folder/msand.toml" --snmp "$snmp" "$@" >>"$folder/log" 2>&1 </dev/null &
   node=$!
   nodes+=("$node")
   ctl --wait 60 -c "chassis show" >/dev/null

@@ -1,6 +1,7 @@
 #!/bin/bash
 # The node that a newcomer gets.
 . "$(dirname "${BASH_SOURCE[0]}")/common.sh"
+export MSAN_SNMP=none
 runNode=$(dirname "${BASH_SOURCE[0]}")/../../scripts/run-node
 
 run "$runNode" "$bin/.." <<<"show running-config

@@ -52,7 +52,7 @@ TEST(Configuration, AnEmptyFileIsAnEmptyChassis) {
 TEST(Configuration, ErrorsNameTheirLine) {
   // clang-format off
   const struct { const char* text; const char* complaint; } cases[] = {
-      {"\nsockets = 'a'\n",                      ":2: unknown key \"sockets\": there are socket, startup, module, log and slots"},
+      {"\nsockets = 'a'\n",                      ":2: unknown key \"sockets\": there are socket, startup, module, log, snmp and slots"},
       {"socket = 3",                              ":1: socket must be a text in quotes"},
       {"startup = ''",                            ":1: startup must not be empty"},
       {"slots = 5",                               ":1: slots must be a table"},

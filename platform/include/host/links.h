@@ -15,6 +15,10 @@ void queueAnswer(Link link, u16 slot, u16 id, std::vector<u8> answer);
 // the next send_ngn_voice_rtp_ip_by_slot of the slot gives it.
 void queueFailure(Link link, u16 slot, u16 id, int result);
 
+// The card in the slot, or the voice side (slot 0), takes so long over each message that reaches it. `clearLinks` ends
+// it.
+void delayAnswers(u16 slot, u32 milliseconds);
+
 void clearLinks();
 
 }  // namespace host

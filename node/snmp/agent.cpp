@@ -1,0 +1,164 @@
+#include "agent.h"
+
+#include <fmt/format.h>
+
+#include <atomic>
+#include <cerrno>
+#include <cstdlib>
+#include <ctime>
+#include <stdexcept>
+#include <system_error>
+#include <thread>
+
+#include "../daemon/note.h"
+#include "library.h"
+#include "module_road.h"
+#include "system_group.h"
+
+namespace msand {
+
+namespace {
+
+constexpr const char* kApplication = "msan";
+// A frame has 400,000 bytes at most; one that is a little longer is still answered by the module.
+constexpr std::size_t kMostMessage = 1u << 20;
+
+// The library's errors, at most one a second: what a stranger sends must not fill the log.
+int tellError(int, int, void* message, void*) {
+  static std::time_t last = 0;
+  const auto& line = *static_cast<const snmp_log_message*>(message);
+  const std::time_t now = std::time(nullptr);
+  if (line.priority > LOG_ERR || now == last) return 0;
+  last = now;
+  complain("snmp: " + printable(line.msg));
+  return 0;
+}
+
+void prepareLibrary(const std::string& folder) {
+  setenv("SNMP_PERSISTENT_DIR", folder.c_str(), 1);
+  setenv("SNMPCONFPATH", folder.c_str(), 1);
+  setenv("MIBS", "", 1);
+  snmp_disable_log();
+  snmp_enable_calllog();
+  snmp_register_callback(SNMP_CALLBACK_LIBRARY, SNMP_CALLBACK_LOGGING, tellError, nullptr);
+  for (const int option : {NETSNMP_DS_LIB_DONT_READ_CONFIGS, NETSNMP_DS_LIB_DONT_PERSIST_STATE,
+                           NETSNMP_DS_LIB_DISABLE_PERSISTENT_LOAD, NETSNMP_DS_LIB_DISABLE_PERSISTENT_SAVE})
+    netsnmp_ds_set_boolean(NETSNMP_DS_LIBRARY_ID, option, 1);
+  netsnmp_ds_set_boolean(NETSNMP_DS_APPLICATION_ID, NETSNMP_DS_AGENT_ROLE, 0);
+}
+
+void configure(std::string line) {
+  netsnmp_config(line.data());
+  explicit_bzero(line.data(), line.size());
+}
+
+void allowCommunity(const Community& community) {
+  const char* word = community.writes ? "rwcommunity" : "rocommunity";
+  const bool six = community.source.find(':') != std::string::npos;
+  const std::string source = community.source.empty() ? "default" : community.source;
+  if (!six) configure(fmt::format("{} \"{}\" {}", word, community.name, source));
+  if (six || community.source.empty()) configure(fmt::format("{}6 \"{}\" {}", word, community.name, source));
+}
+
+void allowManagers(const SnmpSettings& settings) {
+  for (const Community& community : settings.communities) allowCommunity(community);
+  for (const User& user : settings.users) {
+    configure(fmt::format("createUser \"{}\" {} \"{}\" AES \"{}\"", user.name, user.authentication,
+                          user.authenticationSecret, user.privacySecret));
+    configure(fmt::format("{} \"{}\" priv", user.writes ? "rwuser" : "rouser", user.name));
+  }
+  if (!settings.communities.empty() || !settings.users.empty()) return;
+  note("snmp: no community and no user is configured: \"public\" may read and write, from 127.0.0.1");
+  allowCommunity({"public", "127.0.0.1", true});
+}
+
+}  // namespace
+
+struct Agent::Running {
+  Running(SnmpSettings wanted, const std::string& folder);
+  ~Running();
+
+  void listen(const std::string& address);
+  void serve();
+  static int receive(int operation, netsnmp_session* session, int id, netsnmp_pdu* pdu, void* agent);
+
+  // The library, from its first call to its last.
+  struct Library {
+    explicit Library(const std::string& folder) {
+      prepareLibrary(folder);
+      init_agent(kApplication);
+    }
+    ~Library() {
+      snmp_shutdown(kApplication);
+      shutdown_agent();
+      snmp_unregister_callback(SNMP_CALLBACK_LIBRARY, SNMP_CALLBACK_LOGGING, tellError, nullptr, 0);
+    }
+  };
+
+  // The one agent: a session's own magic word means something else to the library's internals.
+  static Running* theAgent;
+
+  SnmpSettings settings;
+  Library library;
+  FrameTable table;
+  ModuleRoad road{table};
+  std::atomic<bool> stopped{false};
+  std::thread thread;
+};
+
+Agent::Running* Agent::Running::theAgent = nullptr;
+
+Agent::Running::Running(SnmpSettings wanted, const std::string& folder) : settings(std::move(wanted)), library(folder) {
+  registerSystemGroups(settings);
+  init_snmp(kApplication);
+  allowManagers(settings);
+  theAgent = this;
+  for (const std::string& address : settings.listen) listen(address);
+  register_readfd(
+      road.descriptor(), [](int, void* of) { static_cast<ModuleRoad*>(of)->finish(); }, &road);
+  thread = std::thread(&Running::serve, this);
+}
+
+Agent::Running::~Running() {
+  stopped = true;
+  road.wake();
+  if (thread.joinable()) thread.join();
+  unregister_readfd(road.descriptor());
+  theAgent = nullptr;
+}
+
+void Agent::Running::listen(const std::string& address) {
+  errno = 0;
+  netsnmp_transport* transport = netsnmp_transport_open_server("snmp", address.c_str());
+  if (transport == nullptr)
+    throw std::runtime_error(
+        fmt::format("snmp: {}: can't be listened at: {}", address, std::generic_category().message(errno)));
+  const bool stream = (transport->flags & NETSNMP_TRANSPORT_FLAG_STREAM) != 0;
+  if (stream) transport->msgMaxSize = kMostMessage;
+  netsnmp_session session;
+  snmp_sess_init(&session);
+  session.version = SNMP_DEFAULT_VERSION;
+  session.callback = receive;
+  session.isAuthoritative = SNMP_SESS_AUTHORITATIVE;
+  // The transport is the library's from here on, also when this fails.
+  if (snmp_add(&session, transport, netsnmp_agent_check_packet, netsnmp_agent_check_parse) == nullptr)
+    throw std::runtime_error(fmt::format("snmp: {}: no session", address));
+}
+
+int Agent::Running::receive(int operation, netsnmp_session* session, int id, netsnmp_pdu* pdu, void*) {
+  if (theAgent != nullptr && operation == NETSNMP_CALLBACK_OP_DISCONNECT) theAgent->road.leave(session);
+  if (theAgent == nullptr || operation != NETSNMP_CALLBACK_OP_RECEIVED_MESSAGE)
+    return handle_snmp_packet(operation, session, id, pdu, nullptr);
+  return theAgent->road.receive(session, id, pdu);
+}
+
+void Agent::Running::serve() {
+  while (!stopped) agent_check_and_process(1);
+}
+
+Agent::Agent(const SnmpSettings& settings, const std::string& folder)
+    : running_(std::make_unique<Running>(settings, folder)) {}
+
+Agent::~Agent() = default;
+
+}  // namespace msand
