@@ -13,9 +13,10 @@ packagesFor() {
     # The compiler and the build; what platform and programs are made of.
     build) echo g++ cmake ninja-build pkg-config liblmdb-dev libfmt-dev libspdlog-dev libedit-dev libcli11-dev \
                 libtomlplusplus-dev libsnmp-dev libsystemd-dev ;;
-    test) echo libgtest-dev libgmock-dev ;;
-    check) echo clang-format-16 ;;
-    bench) echo libbenchmark-dev ;;
+    # snmp: managers' tools, iproute2: ss.
+    test) echo libgtest-dev libgmock-dev snmp iproute2 ;;
+    check) echo clang-format-16 smitools ;;
+    bench) echo libbenchmark-dev snmp snmpd ;;
     # The compiler, its fuzzing runtime, and what gives its traces names.
     fuzz) echo clang-16 libclang-rt-16-dev llvm-16 ;;
     # g++-multilib would exclude other cross compilers; the test library is built from its sources for 32 bits.

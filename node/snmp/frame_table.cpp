@@ -82,6 +82,7 @@ std::size_t roomFor(const netsnmp_agent_request_info& info) {
 struct FrameTable::Batch {
   const netsnmp_agent_request_info& info;
   std::size_t room;
+  int error = SNMP_ERR_NOERROR;  // of a read: for the whole request
 };
 
 FrameTable::FrameTable() {
@@ -175,7 +176,7 @@ int FrameTable::handle(netsnmp_mib_handler* handler, netsnmp_handler_registratio
         netsnmp_set_request_error(info, request, error);
     if (info->mode == MODE_SET_COMMIT) table.store(*request);
   }
-  return SNMP_ERR_NOERROR;
+  return batch.error;
 }
 
 int FrameTable::reserve(const netsnmp_agent_request_info& info, const netsnmp_request_info& request) const {
@@ -244,7 +245,7 @@ void FrameTable::give(Batch& batch, netsnmp_request_info* request, Column column
   if (column == kReply) bytes = row.reply;
   if (column == kQuery) bytes = row.query;
   if (bytes.size() > batch.room) {
-    netsnmp_set_request_error(nullptr, request, SNMP_ERR_TOOBIG);
+    batch.error = SNMP_ERR_TOOBIG;
     return;
   }
   batch.room -= bytes.size();
@@ -262,7 +263,7 @@ void FrameTable::giveAnswer(Batch& batch, netsnmp_request_info* request, u16 id)
     answer.swap(row->piece);
   else if (ours || isKnown(id)) {
     // Two answers in one request, or the module can't be asked now.
-    netsnmp_set_request_error(nullptr, request, SNMP_ERR_GENERR);
+    batch.error = SNMP_ERR_GENERR;
     return;
   }
   if (!answer) {
@@ -272,7 +273,7 @@ void FrameTable::giveAnswer(Batch& batch, netsnmp_request_info* request, u16 id)
   std::span<const u8> bytes;
   if (answer->reply) bytes = *answer->reply;
   if (bytes.size() > batch.room) {
-    netsnmp_set_request_error(nullptr, request, SNMP_ERR_TOOBIG);
+    batch.error = SNMP_ERR_TOOBIG;
     rows_[id].piece = std::move(answer);
     return;
   }
