@@ -6,9 +6,9 @@
 #include <string_view>
 #include <vector>
 
-#include "../snmp/settings.h"
 #include "host/chassis.h"
 #include "host/log.h"
+#include "settings.h"
 
 namespace msand {
 

@@ -11,7 +11,7 @@
 #include <optional>
 #include <system_error>
 
-#include "../snmp/agent.h"
+#include "agent.h"
 #include "descriptor.h"
 #include "door.h"
 #include "host/observer.h"

@@ -4,7 +4,7 @@
 #include <array>
 #include <cstdlib>
 
-#include "../snmp/library.h"
+#include "library.h"
 
 namespace frame {
 

@@ -10,9 +10,9 @@
 #include <system_error>
 #include <thread>
 
-#include "../daemon/note.h"
 #include "library.h"
 #include "module_road.h"
+#include "note.h"
 #include "system_group.h"
 
 namespace msand {

@@ -8,8 +8,8 @@
 #include <mutex>
 #include <vector>
 
-#include "../daemon/descriptor.h"
-#include "../daemon/door.h"
+#include "descriptor.h"
+#include "door.h"
 #include "frame_table.h"
 
 namespace msand {

@@ -42,6 +42,27 @@ TEST(Configuration, IsRead) {
   EXPECT_TRUE(is(2, 12, "pots64", host::CardState::present));
 }
 
+TEST(Configuration, ManagersAreRead) {
+  const msand::SnmpSettings read = parseConfiguration(
+                                       "[snmp]\n"
+                                       "listen = ['127.0.0.1:16100', 'tcp:[::1]:161']\n"
+                                       "communities = [{ name = 'a b', source = '10.0.0.0/8' },\n"
+                                       "  { name = 'c', access = 'read-write' }]\n"
+                                       "users = [{ name = 'd', auth-secret = '12345678', priv-secret = '87654321' }]\n",
+                                       "msand.toml")
+                                       .snmp;
+  EXPECT_EQ(read.listen, (std::vector<std::string>{"udp:127.0.0.1:16100", "tcp:127.0.0.1:16100", "tcp6:[::1]:161"}));
+  ASSERT_EQ(read.communities.size(), 2u);
+  EXPECT_EQ(read.communities[0].source, "10.0.0.0/8");
+  EXPECT_FALSE(read.communities[0].writes) << "unless told";
+  EXPECT_TRUE(read.communities[1].writes);
+  ASSERT_EQ(read.users.size(), 1u);
+  EXPECT_EQ(read.users[0].authentication, "SHA-256");
+  EXPECT_FALSE(read.users[0].writes);
+  EXPECT_TRUE(parseConfiguration("[snmp]\nlisten = []", "msand.toml").snmp.listen.empty());
+  EXPECT_EQ(parseConfiguration("", "msand.toml").snmp.listen.size(), 2u) << "UDP and TCP, unless told";
+}
+
 TEST(Configuration, AnEmptyFileIsAnEmptyChassis) {
   const Configuration read = parseConfiguration("", "/etc/msan/msand.toml");
   EXPECT_EQ(read.socket, "/run/msan/msand.socket");
@@ -65,6 +86,18 @@ TEST(Configuration, ErrorsNameTheirLine) {
       {"[slots]\n1 = { state = 'up' }",           ":2: slot 1 names no card"},
       {"[slots]\n1 = { card = 'eth8', state = 'off' }", ":2: state must be \"up\", \"present\" or \"down\", not \"off\""},
       {"[slots]\n1 = { card = 'eth8', ports = 8 }", ":2: unknown key \"ports\" of a slot: there are card and state"},
+      {"snmp = 5",                                ":1: snmp must be a table"},
+      {"[snmp]\nport = 161",                      ":2: unknown key \"port\" of snmp: there are listen, name, location, contact, communities and users"},
+      {"[snmp]\nlisten = '127.0.0.1:161'",        ":2: listen must be a list"},
+      {"[snmp]\nlisten = ['localhost:161']",      ":2: \"localhost:161\" is no address such as 127.0.0.1:16100, udp:127.0.0.1:16100 or tcp:[::1]:16100"},
+      {"[snmp]\nlisten = ['udp:127.0.0.1:0']",    ":2: \"udp:127.0.0.1:0\" is no address such as 127.0.0.1:16100, udp:127.0.0.1:16100 or tcp:[::1]:16100"},
+      {"[snmp]\ncommunities = [{ access = 'read-write' }]", ":2: a community has no name"},
+      {"[snmp]\ncommunities = [{ name = \"a\\nrwcommunity b\" }]", ":2: name holds a letter that is not ASCII, a quote or a backslash"},
+      {"[snmp]\ncommunities = [{ name = 'a', access = 'all' }]", ":2: access must be \"read-only\" or \"read-write\""},
+      {"[snmp]\ncommunities = [{ name = 'a', source = 'b c' }]", ":2: source must be an address or a network such as 10.0.0.0/8"},
+      {"[snmp]\nusers = [{ name = 'a', auth-secret = '1234567' }]", ":2: auth-secret must have at least 8 letters"},
+      {"[snmp]\nusers = [{ name = 'a', auth-secret = '12345678' }]", ":2: a user needs name, auth-secret and priv-secret"},
+      {"[snmp]\nusers = [{ name = 'a', auth = 'MD5' }]", ":2: auth must be \"SHA\", \"SHA-256\" or \"SHA-512\""},
       {"[slots]\n1 = { card = 'eth8' }\n01 = { card = 'eth8' }", ":2: the slot is there twice"},
   };
   // clang-format on
