@@ -71,7 +71,7 @@ build() {
   if [ -t 2 ]; then
     "${command[@]}" >&2 || fail "the build failed"
   else
-    [ -e "$folder/bin" ] || echo "Building ${folder#"$root/"} ..." >&2
+    [ -e "$folder/lib/libmsan.so" ] || echo "Building ${folder#"$root/"} ..." >&2
     logged "$1-build" "${command[@]}"
   fi
 }

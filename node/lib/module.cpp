@@ -18,6 +18,7 @@ namespace node {
 namespace {
 
 std::atomic<int> leaks{0};
+std::atomic<bool> checks{true};
 
 std::runtime_error loaderError() {
   const char* words = dlerror();
@@ -60,7 +61,7 @@ void Module::findEntries() {
 // the module's statics still give blocks back.
 Module::~Module() {
   host::forgetModules();
-  if (__lsan_do_recoverable_leak_check != nullptr && __lsan_do_recoverable_leak_check() != 0) {
+  if (checks && findsLeaks()) {
     ++leaks;
     host::platformError("%s: leaked memory", path_.c_str());
   }
@@ -74,6 +75,12 @@ bool Module::isLoaded(const std::string& path) {
   if (library != nullptr) dlclose(library);
   return library != nullptr;
 }
+
+bool Module::findsLeaks() {
+  return __lsan_do_recoverable_leak_check != nullptr && __lsan_do_recoverable_leak_check() != 0;
+}
+
+void Module::checkAtUnloading(bool check) { checks = check; }
 
 int Module::leaksFound() { return leaks; }
 

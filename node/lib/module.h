@@ -21,6 +21,11 @@ class Module {
   // True if a library of this path is in the process.
   static bool isLoaded(const std::string& path);
 
+  // Looks for leaks now; false in a build without leak checks. A check takes the longer the more often libraries came
+  // and went: a program that loads many times can leave out those at unloading and look once at its end.
+  static bool findsLeaks();
+  static void checkAtUnloading(bool check);
+
   // What the leak checks ahead of unloading found, since the process began. 0 in a build without leak checks.
   static int leaksFound();
 

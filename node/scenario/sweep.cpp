@@ -1,5 +1,7 @@
-// Each file is played in a child process, so that a crash ends that child alone. The child tells by shared memory where
-// it is; after a crash a new one goes on with the next point.
+// Each file is played in child processes, so that a crash ends a child alone. A child tells by shared memory where it
+// is; after a crash, and after a number of runs, a new one goes on with the next point. In a build that looks for leaks
+// a child does so once at its end, since a look takes long; when it finds any its runs are done again with a look
+// behind each.
 
 #include <fmt/format.h>
 #include <sys/mman.h>
@@ -28,7 +30,11 @@ namespace {
 constexpr unsigned kMostSeconds = 120;  // of one run; then it hangs
 constexpr int kMostPieces = 1000;       // of an unfinished answer
 constexpr u32 kMostFailures = 20;       // of one file; then it is given up
-constexpr int kGoOnFresh = 77;          // exit code of a child whose process can't be used further
+constexpr int kMostRuns = 64;           // of one child
+
+// Exit codes of a child: a new one goes on with the next point; a new one does the same runs again with care.
+constexpr int kGoOn = 77;
+constexpr int kDoAgain = 78;
 
 // clang-format off
 constexpr std::string_view kKinds[host::kFaults] = {
@@ -46,6 +52,7 @@ struct Progress {
   u32 runs = 0;
   u32 failures = 0;
   u32 points[host::kFaults] = {};
+  bool careful = false;  // leaks are looked for behind each run
   bool finished = false;
 };
 
@@ -129,8 +136,16 @@ std::string playOnce(const std::string& module, const Scenario& scenario, Progre
   return broken;
 }
 
-// One run. Its end shows leaks in a build that looks for them; these stay, and would be found again in each further
-// run.
+void lookForLeaks(const Progress& at) {
+  if (!at.careful && node::Module::findsLeaks()) std::_Exit(kDoAgain);
+}
+
+[[noreturn]] void endChild(int code) {
+  std::fflush(stdout);
+  std::_Exit(code);
+}
+
+// One run. What a broken rule leaves behind would show in all further runs: a fresh process goes on.
 void runOnce(const std::string& module, const Scenario& scenario, Progress& at) {
   alarm(kMostSeconds);
   const int leaksBefore = node::Module::leaksFound();
@@ -145,8 +160,9 @@ void runOnce(const std::string& module, const Scenario& scenario, Progress& at) 
   if (broken.empty() && node::Module::leaksFound() != leaksBefore) broken = "memory has leaked";
   if (at.kind >= 0 && at.reached) at.points[at.kind] = at.n;
   if (broken.empty()) return;
+  lookForLeaks(at);
   reportFailure(scenario, at, broken);
-  std::_Exit(kGoOnFresh);
+  endChild(kGoOn);
 }
 
 // On to the next point: the next of the kind if this one was reached, else the first of the next kind.
@@ -162,11 +178,17 @@ bool advance(Progress& at) {
 }
 
 [[noreturn]] void runChild(const std::string& module, const Scenario& scenario, Progress& at) {
-  do runOnce(module, scenario, at);
-  while (advance(at));
+  node::Module::checkAtUnloading(at.careful);
+  int runs = 0;
+  do {
+    runOnce(module, scenario, at);
+    if (++runs < kMostRuns) continue;
+    lookForLeaks(at);
+    endChild(kGoOn);
+  } while (advance(at));
+  lookForLeaks(at);
   at.finished = true;
-  std::fflush(stdout);
-  std::_Exit(0);
+  endChild(0);
 }
 
 std::string describeEnd(int status) {
@@ -212,21 +234,32 @@ void printPoints(const Scenario& scenario, const Progress& at) {
       kinds += fmt::format("{}{} {}", kinds.empty() ? " (" : ", ", kKinds[kind], at.points[kind]);
   }
   fmt::print("{}: {} points reached{}{} in {} runs\n", scenario.name, points, kinds, kinds.empty() ? "" : ")", at.runs);
+  std::fflush(stdout);
+}
+
+// Whether the point was reached is not known when the crash came within its directive; it is taken as reached.
+void reportCrash(const Scenario& scenario, Progress& at, int status) {
+  ++at.runs;
+  if (at.kind >= 0 && !at.reached) at.reached = true, at.reachedIn = at.directive;
+  reportFailure(scenario, at, describeEnd(status));
+  if (at.kind >= 0) at.points[at.kind] = at.n;
 }
 
 bool sweepFile(const std::string& module, const Scenario& scenario) {
   SharedProgress shared;
   Progress& at = *shared;
   while (!at.finished) {
+    const Progress before = at;
     const int status = runInChild(module, scenario, at);
+    const int code = WIFEXITED(status) ? WEXITSTATUS(status) : 0;
     if (at.finished) break;
-    if (!WIFEXITED(status) || WEXITSTATUS(status) != kGoOnFresh) {
-      ++at.runs;
-      // Whether the point was reached is not known when the crash came within its directive; it is taken as reached.
-      if (at.kind >= 0 && !at.reached) at.reached = true, at.reachedIn = at.directive;
-      reportFailure(scenario, at, describeEnd(status));
-      if (at.kind >= 0) at.points[at.kind] = at.n;
+    if (code == kDoAgain) {
+      at = before;
+      at.careful = true;
+      continue;
     }
+    at.careful = false;
+    if (code != kGoOn) reportCrash(scenario, at, status);
     if (at.kind < 0 && at.failures != 0) break;
     at.finished = !advance(at);
   }

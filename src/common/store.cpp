@@ -4,7 +4,9 @@
 #include "common/msan_init.h"
 #include "platform/log.h"
 
-Transaction::Transaction(Access access, Where where) : where_(where), connection_(dbCommon_getConnectRes()) {
+DbConnection ownConnection() { return dbCommon_getConnectResForModId(gModuleId_Msan); }
+
+Transaction::Transaction(Access access, Where where, DbConnection connection) : where_(where), connection_(connection) {
   if (connection_ == nullptr) {
     ulogPrintf(gModuleId_Msan, 13, "%s: get connect resource failed! \r\n", where.function);
     return;
@@ -34,9 +36,9 @@ void Transaction::fail(const char* what, int code) const {
              mco_ret_string(code, 0));
 }
 
-void logFind(Where where, const char* table, const char* index, int code) {
+void logFind(Where where, const char* table, const char* index, int code, const char* head) {
   if (!debugOn(Area::voice)) return;
-  ulogPrintf(gModuleId_Msan, 10, "%s: %s_%s_find failed. rc = %d.\r\n", where.function, table, index, code);
+  ulogPrintf(gModuleId_Msan, 10, "%s%s: %s_%s_find failed. rc = %d.\r\n", head, where.function, table, index, code);
 }
 
 void logRead(Where where, int code) {
@@ -44,6 +46,6 @@ void logRead(Where where, int code) {
   ulogPrintf(gModuleId_Msan, 10, "%s: Return Code %d: %s.\r\n", where.function, code, mco_ret_string(code, 0));
 }
 
-void logNew(Where where, const char* table, int code) {
-  ulogPrintf(gModuleId_Msan, 13, "%s: %s_new failed. rc = %d.\r\n", where.function, table, code);
+void logNew(Where where, const char* table, int code, const char* head) {
+  ulogPrintf(gModuleId_Msan, 13, "%s%s: %s_new failed. rc = %d.\r\n", head, where.function, table, code);
 }

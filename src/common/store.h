@@ -15,7 +15,7 @@ inline constexpr int kStoreFailed = -900;
 // is logged here, in the name of `where`.
 class Transaction {
  public:
-  explicit Transaction(Access access, Where where = Where::here());
+  explicit Transaction(Access access, Where where = Where::here(), DbConnection connection = dbCommon_getConnectRes());
   ~Transaction();
   Transaction(const Transaction&) = delete;
   Transaction& operator=(const Transaction&) = delete;
@@ -39,12 +39,17 @@ struct Table {
   int (*find)(mco_trans_h, u32 key, Row*);
   int (*create)(mco_trans_h, Row*);
   int (*putKey)(Row*, u32 key);
+  DbConnection (*connect)() = dbCommon_getConnectRes;
+  const char* logHead = "";  // ahead of the lines of a find or new that failed
 };
 
+// A connection that is counted for the module.
+DbConnection ownConnection();
+
 // The lines of a find and of a new that failed. The first ones only while the voice area is traced.
-void logFind(Where where, const char* table, const char* index, int code);
+void logFind(Where where, const char* table, const char* index, int code, const char* head = "");
 void logRead(Where where, int code);
-void logNew(Where where, const char* table, int code);
+void logNew(Where where, const char* table, int code, const char* head = "");
 
 // Writes the row of the key, which is created if needed. 0 or kStoreFailed; then nothing is stored.
 template <class Row>
@@ -53,7 +58,7 @@ int storeRow(const Table<Row>& table, Fields fields, const void* record, u32 key
     printTrace(where, "configuration para is NULL");
     return -1;
   }
-  Transaction transaction(Access::write, where);
+  Transaction transaction(Access::write, where, table.connect());
   if (!transaction) return kStoreFailed;
   Row row;
   int code = table.find(transaction, key, &row);
@@ -62,10 +67,10 @@ int storeRow(const Table<Row>& table, Fields fields, const void* record, u32 key
     if (code == 0) {
       table.putKey(&row, key);
     } else {
-      logNew(where, table.name, code);
+      logNew(where, table.name, code, table.logHead);
     }
   } else if (code != 0) {
-    logFind(where, table.name, table.index, code);
+    logFind(where, table.name, table.index, code, table.logHead);
   }
   if (code != 0) return kStoreFailed;
   for (const Field& field : fields) field.put(&row, field.at(record));
@@ -79,7 +84,7 @@ int loadRow(const Table<Row>& table, Fields fields, void* record, u32 key, Where
     printTrace(where, "configuration para is NULL");
     return -1;
   }
-  Transaction transaction(Access::read, where);
+  Transaction transaction(Access::read, where, table.connect());
   if (!transaction) return kStoreFailed;
   Row row;
   if (const int code = table.find(transaction, key, &row)) {

@@ -15,7 +15,7 @@ static constexpr Record shape(34, fields);
 static constexpr Table<CIDMODEdb> table{"CIDMODEdb", "treeIdx", CIDMODEdb_treeIdx_find, CIDMODEdb_new,
                                         CIDMODEdb_recordid_put};
 static constexpr VoiceItem item{.id = 3087,
-                                .name = "CIDMode",
+                                .setName = "nSetCIDMode",
                                 .words = "CID mode",
                                 .viewWords = "CID mode",
                                 .shape = &shape,

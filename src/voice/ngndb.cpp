@@ -12,8 +12,7 @@ namespace {
 // A transaction on a connection of the module's own; its failures have texts of this source's own.
 class OwnTransaction {
  public:
-  OwnTransaction(Access access, Where where)
-      : where_(where), connection_(dbCommon_getConnectResForModId(gModuleId_Msan)) {
+  OwnTransaction(Access access, Where where) : where_(where), connection_(ownConnection()) {
     if (connection_ == nullptr) {
       error("get connect resource failed");
     } else if (mco_trans_start_(connection_, static_cast<int>(access), 0, &handle_, where.file, where.line,

@@ -23,7 +23,7 @@ static constexpr Record shape(40, fields);
 static constexpr Table<RFC2833db> table{"RFC2833db", "treeIdx", RFC2833db_treeIdx_find, RFC2833db_new,
                                         RFC2833db_recordid_put};
 static constexpr VoiceItem item{.id = 3082,
-                                .name = "RFC2833",
+                                .setName = "nSetRFC2833",
                                 .words = "RFC2833",
                                 .viewWords = "RFC2833",
                                 .shape = &shape,

@@ -18,7 +18,7 @@ static constexpr Record shape(132, fields);
 static constexpr Table<ROHTIMEOUTdb> table{"ROHTIMEOUTdb", "treeIdx", ROHTIMEOUTdb_treeIdx_find, ROHTIMEOUTdb_new,
                                            ROHTIMEOUTdb_recordid_put};
 static constexpr VoiceItem item{.id = 3086,
-                                .name = "ROHTimeout",
+                                .setName = "nSetROHTimeout",
                                 .words = "ROH timeout procession",
                                 .viewWords = "ROH timeout procession",
                                 .shape = &shape,

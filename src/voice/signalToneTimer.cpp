@@ -29,7 +29,7 @@ static constexpr Record shape(64, fields);
 static constexpr Table<SGNTONETIMERdb> table{"SGNTONETIMERdb", "treeIdx", SGNTONETIMERdb_treeIdx_find,
                                              SGNTONETIMERdb_new, SGNTONETIMERdb_recordid_put};
 static constexpr VoiceItem item{.id = 3085,
-                                .name = "SGNToneTimer",
+                                .setName = "nSetSGNToneTimer",
                                 .words = "signal tone timeout",
                                 .viewWords = "signal tone timeout timers",
                                 .shape = &shape,

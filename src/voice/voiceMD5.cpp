@@ -24,7 +24,7 @@ static constexpr Record shape(849, fields);
 static constexpr Table<VOICEMD5db> table{"VOICEMD5db", "treeIdx", VOICEMD5db_treeIdx_find, VOICEMD5db_new,
                                          VOICEMD5db_recordid_put};
 static constexpr VoiceItem item{.id = 3081,
-                                .name = "VoiceMD5",
+                                .setName = "nSetVoiceMD5",
                                 .words = "voice MD5 authentication",
                                 .viewWords = "voice md5 authentication",
                                 .shape = &shape,

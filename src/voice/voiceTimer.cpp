@@ -23,7 +23,7 @@ static constexpr Record shape(527, fields);
 static constexpr Table<VOICETIMERdb> table{"VOICETIMERdb", "treeIdx", VOICETIMERdb_treeIdx_find, VOICETIMERdb_new,
                                            VOICETIMERdb_recordid_put};
 static constexpr VoiceItem item{.id = 3080,
-                                .name = "VoiceTimer",
+                                .setName = "nSetVoiceTimer",
                                 .words = "voice timer",
                                 .viewWords = "voice timer",
                                 .shape = &shape,

@@ -8,6 +8,9 @@
 #include "common/msan_init.h"
 #include "platform/log.h"
 #include "voice/cidMode.h"
+#include "voice/mgc.h"
+#include "voice/phoneNumber.h"
+#include "voice/potsGeneral.h"
 #include "voice/rfc2833.h"
 #include "voice/rohTimeout.h"
 #include "voice/signalToneTimer.h"
@@ -16,24 +19,22 @@
 
 // The node's global items: what they do at load, at registration, in the running configuration and at the end of
 // recovery.
-static constexpr Step ngnDataInit[] = {nInitCIDMode,      nInitRFC2833,  nInitROHTimeout,
-                                       nInitSGNToneTimer, nInitVoiceMD5, nInitVoiceTimer};
-static constexpr Step ngnSnmpRegister[] = {SnmpMsgRegisterCIDMode,    SnmpMsgRegisterRFC2833,
-                                           SnmpMsgRegisterROHTimeout, SnmpMsgRegisterSGNToneTimer,
-                                           SnmpMsgRegisterVoiceMD5,   SnmpMsgRegisterVoiceTimer};
-static constexpr PrintStep ngnShowrun[] = {nShowRunCIDMode,      nShowRunRFC2833,  nShowRunROHTimeout,
-                                           nShowRunSGNToneTimer, nShowRunVoiceMD5, nShowRunVoiceTimer};
-static constexpr Step afterConfiguration[] = {nDistribCIDMode,      nDistribRFC2833,  nDistribROHTimeout,
+static constexpr Step ngnDataInit[] = {nInitCIDMode,    nInitPOTSNumber,   nInitIPTNumber, nInitRFC2833,
+                                       nInitROHTimeout, nInitSGNToneTimer, nInitVoiceMD5,  nInitVoiceTimer};
+static constexpr Step ngnSnmpRegister[] = {
+    SnmpMsgRegisterCIDMode,      SnmpMsgRegisterPhoneNumber, SnmpMsgRegisterRFC2833,   SnmpMsgRegisterROHTimeout,
+    SnmpMsgRegisterSGNToneTimer, SnmpMsgRegisterVoiceMD5,    SnmpMsgRegisterVoiceTimer};
+static constexpr PrintStep ngnShowrun[] = {nShowRunCIDMode,  nShowRunPOTSNumber, nShowRunIPTNumber,
+                                           nShowRunRFC2833,  nShowRunROHTimeout, nShowRunSGNToneTimer,
+                                           nShowRunVoiceMD5, nShowRunVoiceTimer};
+static constexpr Step afterConfiguration[] = {distrib_mgc,          nDistribCIDMode,  nDistribPOTSNumber,
+                                              nDistribIPTNumber,    nDistribRFC2833,  nDistribROHTimeout,
                                               nDistribSGNToneTimer, nDistribVoiceMD5, nDistribVoiceTimer};
 
 static int installShowrun();
-static constexpr Step ngnCommands[] = {installCidModeCommands,
-                                       installRfc2833Commands,
-                                       installRohTimeoutCommands,
-                                       installSignalToneTimerCommands,
-                                       installVoiceMD5Commands,
-                                       installVoiceTimerCommands,
-                                       installShowrun};
+static constexpr Step ngnCommands[] = {
+    installCidModeCommands,         installPhoneNumberCommands, installRfc2833Commands,    installRohTimeoutCommands,
+    installSignalToneTimerCommands, installVoiceMD5Commands,    installVoiceTimerCommands, installShowrun};
 
 static int msanNGNDataInit() { return callAll(ngnDataInit); }
 static int msanNGNSnmpMsgRegister() { return callAll(ngnSnmpRegister); }
@@ -46,10 +47,23 @@ static constexpr Command commands[] = {
 };
 static int installShowrun() { return installCommands(commands); }
 
-static constexpr Step init[] = {msanNGNDataInit};
-static constexpr Step snmpRegister[] = {msanNGNSnmpMsgRegister};
-static constexpr Step install[] = {msan_cmd_init};
-static constexpr PrintStep showrun[] = {msan_ngn_showrun};
+// The gateway controllers and the POTS parameters, which stand apart from the others.
+static constexpr Step ngnConfigurationInit[] = {init_mgc, init_pots_gerneral_para};
+static constexpr Step dataSnmpRegister[] = {registerMgcMessage, registerPotsGeneralMessage};
+static constexpr Step simulationCommands[] = {installMgcCommands, installPotsGeneralCommands};
+static constexpr PrintStep ngnConfigurationShowrun[] = {showrun_mgc, showrun_pots_general_para};
+static constexpr SlotStep ngnDataDistribute[] = {distrib_pots_general_para};
+
+static int msan_ngn_cfg_init() { return callAll(ngnConfigurationInit); }
+static int reg_snmp_cmd_data() { return callAll(dataSnmpRegister); }
+static int install_sim_cmd_line() { return callAll(simulationCommands); }
+static int install_msan_ngncfg_showrun(Vty* vty) { return callAll(ngnConfigurationShowrun, vty); }
+static int ngn_data_distribute(u16 slot) { return callAll(ngnDataDistribute, slot); }
+
+static constexpr Step init[] = {msanNGNDataInit, msan_ngn_cfg_init};
+static constexpr Step snmpRegister[] = {msanNGNSnmpMsgRegister, mgc_reg_cfg_regsnmpcmd_handle, reg_snmp_cmd_data};
+static constexpr Step install[] = {msan_cmd_init, ninstall_mgc_register_cmdline, install_sim_cmd_line};
+static constexpr PrintStep showrun[] = {msan_ngn_showrun, install_msan_ngncfg_showrun};
 
 int msanVoice_Init() {
   callAll(init);
@@ -67,10 +81,12 @@ int msanVoice_Init_Cmd() { return callAll(install); }
 
 int msanVoice_Showrun(Vty* vty) {
   vty_out(vty, "!msan voice config ---------------- %s", "\r\n");
-  return callAll(showrun, vty);
+  callAll(showrun, vty);
+  return 0;
 }
 
-int msan_voice_hotplug(u16) {
+int msan_voice_hotplug(u16 slot) {
+  ngn_data_distribute(slot);
   if (debugOn(Area::voice)) ulogPrintf(gModuleId_Msan, 10, "%s: finished. \n\r", __func__);
   return 0;
 }

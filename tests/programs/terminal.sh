@@ -4,7 +4,8 @@
 export XDG_STATE_HOME=$folder/state TERM=xterm
 
 open() {
-  rm -f "$folder/keys" "$folder/shown"
+  rm -f "$folder/keys"
+  : >"$folder/shown"  # looked at before the terminal has opened it
   mkfifo "$folder/keys"
   script -qfec "$bin/msanctl --socket $socket" /dev/null <"$folder/keys" >"$folder/shown" 2>&1 &
   terminal=$!

@@ -1,11 +1,66 @@
-// Rows, keys and cursors of the database.
+// Rows, keys and cursors of the database. The tables are those of test.schema.
 
 #include <cstring>
+#include <string>
+#include <vector>
 
 #include "database_fixture.h"
 #include "platform/tables.h"
+#include "test_tables.h"
 
 namespace {
+
+const u8 kMac[6] = {2, 0, 0, 0, 0, 9};
+
+Subscriber addSubscriber(mco_trans_h t, u32 line, i16 level, const std::string& name, u8 group = 0) {
+  Subscriber row;
+  EXPECT_EQ(Subscriber_new(t, &row), 0);
+  EXPECT_EQ(Subscriber_line_put(&row, line), 0);
+  EXPECT_EQ(Subscriber_level_put(&row, level), 0);
+  EXPECT_EQ(Subscriber_name_put(&row, name.data(), static_cast<u32>(name.size())), 0);
+  EXPECT_EQ(Subscriber_mac_put(&row, kMac, sizeof kMac), 0);
+  EXPECT_EQ(Subscriber_group_put(&row, group), 0);
+  return row;
+}
+
+std::string nameOf(Subscriber& row) {
+  char name[9] = "?";
+  Subscriber_name_get(&row, name, sizeof name);
+  return name;
+}
+
+std::string nameAt(mco_trans_h t, const mco_cursor_t& cursor) {
+  Subscriber row;
+  const int code = Subscriber_from_cursor(t, &cursor, &row);
+  return code == 0 ? nameOf(row) : std::to_string(code);
+}
+
+// The names from the first row to the last, then the code that ended the walk.
+std::string walk(mco_trans_h t, mco_cursor_t& cursor, int code) {
+  std::string names;
+  for (; code == 0; code = mco_cursor_next(t, &cursor)) names += nameAt(t, cursor) + " ";
+  return names + std::to_string(code);
+}
+std::string walkLines(mco_trans_h t) {
+  mco_cursor_t cursor;
+  return walk(t, cursor, Subscriber_lineLevel_index_cursor(t, &cursor));
+}
+std::string walkNames(mco_trans_h t) {
+  mco_cursor_t cursor;
+  return walk(t, cursor, Subscriber_byName_index_cursor(t, &cursor));
+}
+std::string walkCreation(mco_trans_h t) {
+  mco_cursor_t cursor;
+  return walk(t, cursor, Subscriber_list_cursor(t, &cursor));
+}
+
+void commitThreeSubscribers() {
+  Writing w;
+  addSubscriber(w.t, 256, 0, "b", 7);
+  addSubscriber(w.t, 1, -1, "c", 7);
+  addSubscriber(w.t, 1, -300, "a", 3);
+  ASSERT_EQ(w.commit(), 0);
+}
 
 TEST_F(Database, OrdersRowsByEachKeyAndByCreation) {
   {

@@ -1,32 +1,58 @@
 // Transactions of the database: what fails, what is told to update handlers, and threads.
 
 #include <atomic>
+#include <string>
 #include <thread>
+#include <vector>
 
 #include "database_fixture.h"
 #include "platform/tables.h"
+#include "test_tables.h"
 
 namespace {
 
+CIDMODEdb addMode(mco_trans_h t, u32 id, u16 mode) {
+  CIDMODEdb row;
+  EXPECT_EQ(CIDMODEdb_new(t, &row), 0);
+  EXPECT_EQ(CIDMODEdb_recordid_put(&row, id), 0);
+  EXPECT_EQ(CIDMODEdb_CIDMode_put(&row, mode), 0);
+  return row;
+}
+
+void commitMode(u32 id, u16 mode) {
+  Writing w;
+  addMode(w.t, id, mode);
+  ASSERT_EQ(w.commit(), 0);
+}
+
+// What is stored, seen from outside.
+std::string stored(const std::string& table) {
+  std::vector<std::string> rows;
+  EXPECT_TRUE(host::listRows(table, rows));
+  std::string all;
+  for (const std::string& row : rows) all += row + "; ";
+  return all;
+}
+
 TEST_F(Database, WhatIsRolledBackOrFailsLeavesNothing) {
-  commitThreeSubscribers();
-  Subscriber stale;
+  commitMode(1, 2);
+  CIDMODEdb stale;
   mco_cursor_t cursor;
   {
     Writing w;
-    stale = addSubscriber(w.t, 7, 7, "rolled");
-    ASSERT_EQ(Subscriber_lineLevel_index_cursor(w.t, &cursor), 0);
+    stale = addMode(w.t, 7, 2);
+    ASSERT_EQ(CIDMODEdb_treeIdx_index_cursor(w.t, &cursor), 0);
     EXPECT_EQ(mco_trans_rollback(std::exchange(w.t, nullptr)), 0);
   }
   {
     Writing w;
-    addSubscriber(w.t, 8, 8, "failed");
+    addMode(w.t, 8, 2);
     host::failNth(host::Fault::commit, 1);
     EXPECT_EQ(w.commit(), 66);
   }
   Writing w;
-  EXPECT_EQ(walkLines(w.t), "a c b 12");
-  EXPECT_EQ(Subscriber_line_put(&stale, 1), int{DB_BAD_HANDLE});
+  EXPECT_EQ(stored("CIDMODEdb"), "recordid=1 CIDMode=2; ");
+  EXPECT_EQ(CIDMODEdb_CIDMode_put(&stale, 1), int{DB_BAD_HANDLE});
   EXPECT_EQ(mco_cursor_next(w.t, &cursor), int{DB_BAD_HANDLE});
 }
 
@@ -38,18 +64,17 @@ TEST_F(Database, FaultsFallOnTheOperationThatWasOrdered) {
   EXPECT_EQ(r.code, 0);
   EXPECT_EQ(Reading().code, 66);
   host::failNth(host::Fault::find, 2);
-  Subscriber row;
-  EXPECT_EQ(Subscriber_lineLevel_find(r.t, 1, 1, &row), 10);
-  EXPECT_EQ(Subscriber_lineLevel_find(r.t, 1, 1, &row), 66);
-  EXPECT_EQ(Subscriber_lineLevel_find(r.t, 1, 1, &row), 10);
+  CIDMODEdb row;
+  EXPECT_EQ(CIDMODEdb_treeIdx_find(r.t, 1, &row), 10);
+  EXPECT_EQ(CIDMODEdb_treeIdx_find(r.t, 1, &row), 66);
+  EXPECT_EQ(CIDMODEdb_treeIdx_find(r.t, 1, &row), 10);
   Writing w;
   host::failNth(host::Fault::create, 1);
-  EXPECT_EQ(Subscriber_new(w.t, &row), 66);
-  EXPECT_EQ(Subscriber_new(w.t, &row), 0);
+  EXPECT_EQ(CIDMODEdb_new(w.t, &row), 66);
+  EXPECT_EQ(CIDMODEdb_new(w.t, &row), 0);
   // A look from outside uses up no order.
   host::failNth(host::Fault::start, 1);
-  std::vector<std::string> rows;
-  EXPECT_TRUE(host::listRows("Subscriber", rows));
+  EXPECT_EQ(stored("CIDMODEdb"), "");
   EXPECT_TRUE(host::faultPending(host::Fault::start));
   host::clearFaults();
 }
@@ -68,15 +93,15 @@ TEST_F(Database, ConnectionsRunOut) {
 TEST_F(Database, RefusesWhatWouldHangOrCorrupt) {
   Writing w;
   EXPECT_EQ(Writing().code, int{DB_BUSY});
-  Subscriber row;
+  CIDMODEdb row;
   {
     Reading r;
-    EXPECT_EQ(Subscriber_new(r.t, &row), int{DB_READS_ONLY});
+    EXPECT_EQ(CIDMODEdb_new(r.t, &row), int{DB_READS_ONLY});
   }
   int commit = 0, create = 0;
   std::thread([&] {
     commit = mco_trans_commit(w.t);
-    create = Subscriber_new(w.t, &row);
+    create = CIDMODEdb_new(w.t, &row);
   }).join();
   EXPECT_EQ(commit, int{DB_BUSY});
   EXPECT_EQ(create, int{DB_BAD_HANDLE});
@@ -86,27 +111,22 @@ TEST_F(Database, RefusesWhatWouldHangOrCorrupt) {
 }
 
 TEST_F(Database, AFullDatabaseFailsCleanly) {
-  commitThreeSubscribers();
+  commitMode(1, 2);
   host::limitDatabase(1 << 16);
   {
     Writing w;
     int code = 0;
-    for (u32 line = 1000; line < 100000 && code == 0; ++line) {
-      Subscriber row;
-      code = Subscriber_new(w.t, &row);
-      if (code != 0) break;
-      Subscriber_line_put(&row, line);
-      Subscriber_name_put(&row, reinterpret_cast<const char*>(&line), sizeof line);
-      code = Subscriber_lineLevel_find(w.t, line, 0, &row);
+    for (u32 id = 1000; id < 100000 && code == 0; ++id) {
+      CIDMODEdb row;
+      addMode(w.t, id, 1);
+      code = CIDMODEdb_treeIdx_find(w.t, id, &row);
     }
     EXPECT_EQ(code, int{DB_FULL});
     EXPECT_EQ(w.commit(), int{DB_FULL});
   }
   host::limitDatabase(0);
-  Writing w;
-  addSubscriber(w.t, 2, 2, "d");
-  EXPECT_EQ(walkLines(w.t), "a c d b 12");
-  EXPECT_EQ(w.commit(), 0);
+  commitMode(2, 1);
+  EXPECT_EQ(stored("CIDMODEdb"), "recordid=1 CIDMode=2; recordid=2 CIDMode=1; ");
 }
 
 // What the handlers of a test saw.
@@ -128,13 +148,7 @@ int textHandler(mco_trans_h, Journal*) {
   return 0;
 }
 
-std::string journal() {
-  std::vector<std::string> rows;
-  host::listRows("Journal", rows);
-  std::string all = told;
-  for (const std::string& row : rows) all += row + "; ";
-  return all;
-}
+std::string journal() { return told + stored("Journal"); }
 
 void putLevels(int result) {
   told.clear();
@@ -213,18 +227,14 @@ TEST_F(Database, HandlersAreToldOfWholeRowsButNotOfDeletedOnesNorBehindAReset) {
 }
 
 TEST_F(Database, ThreadsWriteInTurnAndReadWholeTransactions) {
-  {
-    Writing w;
-    addSubscriber(w.t, 1, 1, "a");
-    addSubscriber(w.t, 2, 1, "b");
-    ASSERT_EQ(w.commit(), 0);
-  }
-  const auto addOne = [](mco_trans_h t, u32 line) {
-    Subscriber row;
-    u8 group = 0;
-    ASSERT_EQ(Subscriber_lineLevel_find(t, line, 1, &row), 0);
-    Subscriber_group_get(&row, &group);
-    Subscriber_group_put(&row, static_cast<u8>(group + 1));
+  commitMode(1, 0);
+  commitMode(2, 0);
+  const auto addOne = [](mco_trans_h t, u32 id) {
+    CIDMODEdb row;
+    u16 mode = 0;
+    ASSERT_EQ(CIDMODEdb_treeIdx_find(t, id, &row), 0);
+    CIDMODEdb_CIDMode_get(&row, &mode);
+    CIDMODEdb_CIDMode_put(&row, static_cast<u16>(mode + 1));
   };
   const auto write = [&] {
     for (int i = 0; i < 100; ++i) {
@@ -238,12 +248,12 @@ TEST_F(Database, ThreadsWriteInTurnAndReadWholeTransactions) {
   const auto read = [&] {
     while (!done) {
       Reading r;
-      Subscriber a, b;
-      u8 of[2] = {0, 1};
-      ASSERT_EQ(Subscriber_lineLevel_find(r.t, 1, 1, &a), 0);
-      ASSERT_EQ(Subscriber_lineLevel_find(r.t, 2, 1, &b), 0);
-      Subscriber_group_get(&a, &of[0]);
-      Subscriber_group_get(&b, &of[1]);
+      CIDMODEdb a, b;
+      u16 of[2] = {0, 1};
+      ASSERT_EQ(CIDMODEdb_treeIdx_find(r.t, 1, &a), 0);
+      ASSERT_EQ(CIDMODEdb_treeIdx_find(r.t, 2, &b), 0);
+      CIDMODEdb_CIDMode_get(&a, &of[0]);
+      CIDMODEdb_CIDMode_get(&b, &of[1]);
       ASSERT_EQ(of[0], of[1]);
     }
   };
@@ -252,9 +262,7 @@ TEST_F(Database, ThreadsWriteInTurnAndReadWholeTransactions) {
   otherWriter.join();
   done = true;
   reader.join();
-  std::vector<std::string> rows;
-  host::listRows("Subscriber", rows);
-  EXPECT_TRUE(rows[0].ends_with("group=200")) << rows[0];
+  EXPECT_EQ(stored("CIDMODEdb"), "recordid=1 CIDMode=200; recordid=2 CIDMode=200; ");
 }
 
 }  // namespace

@@ -6,6 +6,8 @@
 #include "host/agent.h"
 #include "module_fixture.h"
 #include "voice/cidMode.h"
+#include "voice/phoneNumber.h"
+#include "voice/potsGeneral.h"
 #include "voice/rfc2833.h"
 #include "voice/voiceMD5.h"
 
@@ -32,6 +34,36 @@ TEST(Rfc2833, PayloadTypesLeaveOutOneTo95) {
   }
   EXPECT_EQ(codeFor(nCheckRFC2833, RFC2833{2, 2, 1, 1}), 65416) << "the first bad field alone";
   EXPECT_EQ(codeFor(nCheckRFC2833, RFC2833{1, 2, 1, 1}), 65415);
+}
+
+// The edges of each field, with the others good; the field's own code just outside.
+TEST(PotsGeneral, EdgesAndRelations) {
+  const PotsGeneral good{40, 60, 90, 0, 20, 0, 20, 200, 0, -35};
+  EXPECT_EQ(codeFor(check_pots_general_para, good), 0);
+  const auto with = [good](auto member, auto value) {
+    PotsGeneral cfg = good;
+    cfg.*member = value;
+    return codeFor(check_pots_general_para, cfg);
+  };
+  using G = PotsGeneral;
+  EXPECT_EQ(with(&G::pulseWidth, u16{29}), 65385);
+  EXPECT_EQ(with(&G::pulseWidth, u16{50}), 0);
+  EXPECT_EQ(with(&G::pulseWidth, u16{51}), 65375);
+  EXPECT_EQ(with(&G::pulseInterval, u16{2501}), 65384);
+  EXPECT_EQ(with(&G::flashWidth, u16{89}), 65383);
+  EXPECT_EQ(with(&G::flashWidth, u16{199}), 0);
+  EXPECT_EQ(with(&G::flashWidth, u16{200}), 65383);
+  EXPECT_EQ(with(&G::billType, u16{3}), 65382);
+  EXPECT_EQ(with(&G::billPulseVoltage, u32{31}), 65381);
+  EXPECT_EQ(with(&G::POTSImpMode, u16{3}), 65380);
+  EXPECT_EQ(with(&G::offHookCheckTime, u16{9}), 65379);
+  EXPECT_EQ(with(&G::offHookCheckTime, u16{401}), 65379);
+  EXPECT_EQ(with(&G::onHookCheckTime, u16{2501}), 65378);
+  EXPECT_EQ(with(&G::sendCODECGain, 101), 65377);
+  EXPECT_EQ(with(&G::sendCODECGain, -1), 65377);
+  EXPECT_EQ(with(&G::recvCODECGain, -100), 0);
+  EXPECT_EQ(with(&G::recvCODECGain, -101), 65376);
+  EXPECT_EQ(with(&G::recvCODECGain, 1), 65376);
 }
 
 class VoiceMD5Test : public ModuleTest {};
@@ -115,6 +147,15 @@ TEST_F(VoiceMD5Test, NullArgumentsAreRefused) {
   EXPECT_EQ(nSnmpGetCIDMode(3088, wire, wire, 34, wire, &length, nullptr, nullptr), -1);
 }
 
+TEST_F(VoiceMD5Test, RowsOfNumbersHaveIndexes) {
+  PHNNumber cfg;
+  EXPECT_EQ(nGetPOTSNumber(9, &cfg), 0);
+  EXPECT_EQ(nGetPOTSNumber(10, &cfg), -1);
+  EXPECT_EQ(nSetIPTNumber(10, &cfg), -1);
+  char number[20];
+  EXPECT_EQ(nIsPHNNumberDuplicate(nullptr, number), -1);
+}
+
 // All that is registered so far, by hand: what a manager and an operator find.
 TEST_F(VoiceMD5Test, Catalogue) {
   std::string messages;
@@ -124,11 +165,16 @@ TEST_F(VoiceMD5Test, Catalogue) {
   EXPECT_EQ(messages,
             "2839 Set POTS port feed voltage & current parameters\n"
             "3087 Set CIDMode configuration\n"
+            "3083 Set POTS telephone number\n"
+            "3084 Set IPT telephone number\n"
             "3082 Set RFC2833\n"
             "3086 Set off-hook warning timeout procession\n"
             "3085 Set signal tone timeout period\n"
             "3081 Set voice md5 authentication\n"
-            "3080 Set voice timers\n");
+            "3080 Set voice timers\n"
+            "3093 Control MGC registration\n"
+            "3073 Set MGC configuration\n"
+            "2841 Set POTS general parameters\n");
   std::string commands;
   for (const host::InstalledCommand& command : host::installedCommands()) {
     commands += std::to_string(command.node) + " " + command.syntax + "\n";
@@ -144,6 +190,12 @@ TEST_F(VoiceMD5Test, Catalogue) {
       "50 set cid mode [fsk|dtmf]\n"
       "50 show cid mode\n"
       "50 [distribute|erase] cid mode\n"
+      "50 show pots telephone number\n"
+      "50 add pots telephone number <phoneNumber> type [a|b|c|d|e|f|g|h]\n"
+      "50 [distribute|erase] pots telephone number\n"
+      "50 show ipt telephone number\n"
+      "50 add ipt telephone number <phoneNumber> type [a|b|c|d|e|f|g|h]\n"
+      "50 [distribute|erase] ipt telephone number\n"
       "50 set rfc2833 negotiation [auto|manul] default pt <default2833PT> rfc2198 negotiation [auto|manul] default pt "
       "<default2198PT>\n"
       "50 show rfc2833 configuration\n"
@@ -165,7 +217,21 @@ TEST_F(VoiceMD5Test, Catalogue) {
       "<shortTimer> notify-immediately [yes|no]\n"
       "50 show voice timer\n"
       "50 [distribute|erase] voice timer\n"
-      "50 showrun msan ngn\n");
+      "50 showrun msan ngn\n"
+      "50 set mgc [primary|secondary] [register|unregister]\n"
+      "50 show mgc configuration\n"
+      "50 set mgc primary <primaryAddr> port <primaryPort> {secondary <secondaryAddr> port <secondaryPort>}*1\n"
+      "50 set mgc heartbeat [disable|initiative|passive] {interval <bInterval> timeouts <bTimeouts> format "
+      "[notify|servicechange]}*1\n"
+      "50 [distribute|erase] mgc configuration\n"
+      "50 set pots general para pulse width <pulseWidth> interval <pulseInterval> flash width <flashWidth>\n"
+      "50 set pots general para bill type [12kc|16kc|anc] pulse voltage <billPulseVoltage>\n"
+      "50 set pots general para impedance mode [560|600|680]\n"
+      "50 set pots general para off hooktime <offHookcheckTime> on hooktime <onHookcheckTime>\n"
+      "50 set pots general para codec gain send <sendCodecGain> receive <recvCodecGain>\n"
+      "50 show pots general para configuration\n"
+      "50 erase pots general para configuration\n"
+      "50 distribute slot <slotNo> pots general para configuration\n");
 }
 
 }  // namespace

@@ -1,5 +1,7 @@
 #include "voice/common/voice_item.h"
 
+#include <cstdio>
+
 #include "common/memory.h"
 #include "common/msan_init.h"
 #include "platform/database.h"
@@ -7,13 +9,12 @@
 #include "platform/wrappers.h"
 #include "voice/common/voice_msc.h"
 
-// Where a global item's frame has what.
-static constexpr u32 kLabel = 22;                 // bytes of the object label
-static constexpr u32 kForward = 36 + kLabel - 4;  // from here on a SET is forwarded
-static constexpr u32 kArea = kForward + 4;        // configuration area
-static constexpr u32 kReplyArea = 36;             // of a GET's reply: what stood at 32 in a request
-static constexpr u16 kNodeSlot = 9;               // reported for items of the whole node
-static constexpr u16 kSendSlot = 18;              // for the trace lines of a message to the NGN side
+// Where a global item's frame has what: the object label stands at 36, its last four bytes are overwritten and
+// forwarded ahead of the configuration area.
+static constexpr u32 kLabelAt = 36;
+static constexpr u32 kReplyArea = 36;  // of a GET's reply: what stood at 32 in a request
+static constexpr u16 kNodeSlot = 9;    // reported for items of the whole node
+static constexpr u16 kSendSlot = 18;   // for the trace lines of a message to the NGN side
 enum Origin { kSnmp = 1, kCommand = 3 };
 
 static int isNull(Where where) {
@@ -52,10 +53,20 @@ int checkFields(Fields fields, const void* cfg, SnmpErrInfo* err, Where where) {
 
 int parseUnits(const VoiceItem& item, WireIn area, u32* count, LIST* list, Where where) {
   if (area.data() == nullptr || count == nullptr || list == nullptr) return isNull(where);
-  *count = 1;
-  if (vCreateDataNode(list, 1, item.recordBytes) != 0) return -1;
-  u32 length = 0;
-  return item.parse(area, recordOf<void>(lstLast(list)), &length);
+  if (area.size() < item.countWidth) {
+    printTrace(where, "invalid item unit length");
+    return -1;
+  }
+  *count = item.countWidth != 0 ? getNumber(area.data(), item.countWidth) : 1;
+  if (*count == 0) return 0;
+  if (*count > item.maximum || vCreateDataNode(list, static_cast<i32>(*count), item.recordBytes) != 0) return -1;
+  WireIn rest = area.subspan(item.countWidth);
+  for (NODE* at = lstFirst(list); at != nullptr; at = lstNext(at)) {
+    u32 length = 0;
+    if (item.parse(rest, recordOf<void>(at), &length) != 0) return -1;
+    rest = rest.subspan(length);
+  }
+  return 0;
 }
 
 int checkUnits(const VoiceItem& item, LIST* list, SnmpErrInfo* err, Where where) {
@@ -80,11 +91,10 @@ int getUnit(const VoiceItem& item, LIST* list, Where where) {
   return item.get(recordOf<void>(lstLast(list))) == 0 ? 0 : -1;
 }
 
-int encodeUnits(const VoiceItem& item, LIST* list, WireOut buffer, u32* length, Where where) {
+int encodeArea(const VoiceItem& item, LIST* list, WireOut buffer, u32* length, Where where) {
   if (list == nullptr || buffer.data() == nullptr || length == nullptr) return isNull(where);
   Writer head(buffer);
-  head.number(4, 1);
-  head.skip(kLabel);
+  if (item.countWidth != 0) head.number(item.countWidth, static_cast<u32>(lstCount(list)));
   if (head.failed()) return -1;
   u32 at = head.length();
   for (NODE* node = lstFirst(list); node != nullptr; node = lstNext(node)) {
@@ -96,49 +106,41 @@ int encodeUnits(const VoiceItem& item, LIST* list, WireOut buffer, u32* length, 
   return 0;
 }
 
+int encodeUnits(const VoiceItem& item, LIST* list, WireOut buffer, u32* length, Where where) {
+  if (buffer.data() == nullptr || length == nullptr) return isNull(where);
+  Writer head(buffer);
+  head.number(4, 1);
+  head.skip(item.label);
+  if (head.failed() || encodeArea(item, list, buffer.subspan(head.length()), length, where) != 0) return -1;
+  *length += head.length();
+  return 0;
+}
+
 // --- Roads ---
 
 static void dump(const u8* packet, u32 length) { ulogTypePkt(gModuleId_Msan, 10, packet, length); }
 
-// The end of a request that failed: the packet with what `err` holds.
-static int answerError(const SnmpCall& call, const SnmpErrInfo& err, const char* why, Where where) {
+int answerError(const SnmpCall& call, const SnmpErrInfo& err, const char* why, Where where) {
   buildSnmpErrRetPkt(call.reply, call.replyLen, call.id, &err);
   dump(call.reply, 32);
   printTrace(where, why);
   return -1;
 }
 
-// The same for a step that has no code of its own.
-static int answerFailed(const SnmpCall& call, const char* why, Where where) {
+int answerFailed(const SnmpCall& call, const char* why, Where where) {
   SnmpErrInfo err;
   vSetErrorInfo(kStepFailed, nullptr, 0, &err);
   return answerError(call, err, why, where);
 }
 
-static int answerSuccess(const SnmpCall& call, u32 payload) {
+int answerSuccess(const SnmpCall& call, u32 payload) {
   nBuildSuccessInfo(payload, call.reply, call.replyLen);
   dump(call.reply, *call.replyLen);
   return 0;
 }
 
-// Checks, parses and stores the configuration area of a SET. 0, or the answered failure.
-static int acceptSet(const VoiceItem& item, const SnmpCall& call, Where where) {
-  SnmpErrInfo err;
-  const i32 rest = call.length - static_cast<i32>(kArea);
-  if (nCheckSnmpItemsLengthPre(call.data, call.length, kLabel, &err, where) != 0 ||
-      nCheckSnmpItemsLength(call.data + kArea, rest, item.shape->unit, 0, 1, 1, &err, where) != 0) {
-    return answerError(call, err, "invalid SNMP command para", where);
-  }
-  DataList list;
-  u32 count = 0;
-  const WireIn area(call.data + kArea, static_cast<u32>(rest));
-  if (item.parseHandle(area, &count, list) != 0) return answerFailed(call, "parse configuration failed", where);
-  if (item.checkHandle(list, &err) != 0) return answerError(call, err, "check configuration failed", where);
-  if (item.setHandle(list) != 0) return answerFailed(call, "set configuration failed", where);
-  return 0;
-}
-
-int snmpSet(const VoiceItem& item, const SnmpCall& call, Where where) {
+// The head of a SET: what every one of them is asked first. 0 or -1, without a reply.
+static int beginSet(const VoiceItem& item, const SnmpCall& call, Where where) {
   if (call.id != item.id) {
     printTrace(where, "invalid SNMP command ID: 0x%04X", call.id);
     return -1;
@@ -148,20 +150,68 @@ int snmpSet(const VoiceItem& item, const SnmpCall& call, Where where) {
     return -1;
   }
   if (call.length > 0) dump(call.data, static_cast<u32>(call.length));
-  if (acceptSet(item, call, where) != 0) return -1;
-  // The request's own bytes are forwarded, reserved ones included: no copy of it is encoded again.
-  u8* forward = call.data + kForward;
+  return 0;
+}
+
+// Frame, parse and check of a SET's configuration area. 0, or the answered failure.
+static int acceptSet(const VoiceItem& item, const SnmpCall& call, LIST* list, Where where) {
+  SnmpErrInfo err;
+  const u32 at = kLabelAt + item.label;
+  const i32 rest = call.length - static_cast<i32>(at);
+  if (nCheckSnmpItemsLengthPre(call.data, call.length, item.label, &err, where) != 0 ||
+      nCheckSnmpItemsLength(call.data + at, rest, item.shape->unit, static_cast<u8>(item.countWidth), item.minimum,
+                            item.maximum, &err, where) != 0) {
+    return answerError(call, err, "invalid SNMP command para", where);
+  }
+  u32 units = 0;
+  const WireIn area(call.data + at, static_cast<u32>(rest));
+  if (item.parseHandle(area, &units, list) != 0) return answerFailed(call, "parse configuration failed", where);
+  if (item.checkHandle(list, &err) != 0) return answerError(call, err, "check configuration failed", where);
+  return 0;
+}
+
+// Sends the request's own bytes from the end of its label on, reserved ones included: no copy of it is encoded again.
+// The last four of the label become 00 00 00 01. 0, or -1 if the message could not be built.
+static int forwardSet(const VoiceItem& item, const SnmpCall& call, u32 units) {
+  u8* forward = call.data + kLabelAt + item.label - 4;
   putNumber(forward, 4, 1);
   DataList sends;
-  if (vBuildMscPacketI(kSendSlot, item.id, 0, forward, 4 + item.shape->unit, sends) != 0) {
+  if (vBuildMscPacketI(kSendSlot, item.id, 0, forward, 4 + item.countWidth + units * item.shape->unit, sends) != 0) {
+    return -1;
+  }
+  vSendMscPacketI(sends);
+  return 0;
+}
+
+int snmpSet(const VoiceItem& item, const SnmpCall& call, Where where) {
+  if (beginSet(item, call, where) != 0) return -1;
+  u32 units = 0;
+  {
+    DataList list;
+    if (acceptSet(item, call, list, where) != 0) return -1;
+    if (item.setHandle(list) != 0) return answerFailed(call, "set configuration failed", where);
+    units = static_cast<u32>(lstCount(list));
+  }
+  if (forwardSet(item, call, units) != 0) {
     answerSuccess(call, 0);
     printTrace(where, "build MSC msg 0x%04X failed", item.id);
     return 0;
   }
-  vSendMscPacketI(sends);
   answerSuccess(call, 0);
   trigger_obj_crc(kNodeSlot, 0, 0, item.id, kSnmp);
   return 0;
+}
+
+int snmpOrder(const VoiceItem& item, const SnmpCall& call, Where where) {
+  if (beginSet(item, call, where) != 0) return -1;
+  u32 units = 0;
+  {
+    DataList list;
+    if (acceptSet(item, call, list, where) != 0) return -1;
+    units = static_cast<u32>(lstCount(list));
+  }
+  if (forwardSet(item, call, units) != 0) return answerFailed(call, "build MSC msg failed", where);
+  return answerSuccess(call, 0);
 }
 
 int snmpGet(const VoiceItem& item, const SnmpCall& call, Where where) {
@@ -184,17 +234,15 @@ int snmpGet(const VoiceItem& item, const SnmpCall& call, Where where) {
   return answerSuccess(call, length + 32);
 }
 
-// Encodes a record with the word ahead that the NGN side expects, and sends it. 0, or the code of the step that failed.
-static u16 encodeAndSend(const VoiceItem& item, const void* cfg, Where where) {
-  const u32 size = 4 + item.shape->unit;
+u16 encodeAndSend(const VoiceItem& item, const void* from, EncodeStep encode, u32 bytes, Where where) {
   u8* memory = nullptr;
-  if (vMemAlloc(&memory, static_cast<i32>(size)) != 0) {
+  if (vMemAlloc(&memory, static_cast<i32>(4 + bytes)) != 0) {
     printTrace(where, "malloc for %s configuration encode buffer failed", item.words);
     return kEncodeFailed;
   }
   const PoolBytes owner(memory);
   u32 length = 0;
-  if (item.encode(cfg, WireOut(memory, size).subspan(4), &length) != 0) {
+  if (encode(from, WireOut(memory, 4 + bytes).subspan(4), &length) != 0) {
     printTrace(where, "encode %s configuration failed", item.words);
     return kEncodeFailed;
   }
@@ -216,7 +264,8 @@ int storeAndSend(const VoiceItem& item, const void* cfg, SnmpErrInfo* err, Where
     printTrace(where, "set %s configuration failed", item.words);
     return -1;
   }
-  if (const u16 code = encodeAndSend(item, cfg, where)) vSetErrorInfo(code, nullptr, 0, err);
+  if (const u16 code = encodeAndSend(item, cfg, item.encode, item.shape->unit, where))
+    vSetErrorInfo(code, nullptr, 0, err);
   return 0;
 }
 
@@ -225,7 +274,7 @@ int sendRecord(const VoiceItem& item, void* cfg, Where where) {
     printTrace(where, "get %s configuration failed", item.words);
     return -1;
   }
-  return encodeAndSend(item, cfg, where) == 0 ? 0 : -1;
+  return encodeAndSend(item, cfg, item.encode, item.shape->unit, where) == 0 ? 0 : -1;
 }
 
 int eraseItem(const VoiceItem& item, Where where) {
@@ -239,19 +288,22 @@ int initRecord(const VoiceItem& item, void* cfg, Where where) {
   resetRecord(item.shape->fields, cfg);
   const int result = item.set(cfg);
   if (result == 0) return 0;
-  printTrace(where, "nSet%s error iRet = %d", item.name, result);
+  printTrace(where, "%s error iRet = %d", item.setName, result);
   return -1;
 }
 
-int finishSet(Vty* vty, const VoiceItem& item, int result, const SnmpErrInfo& err) {
+int finishSet(Vty* vty, const VoiceItem& item, const char* done, int result, const SnmpErrInfo& err) {
   const int code = static_cast<i16>(err.errCode);
-  if (result == -1) {
-    vty_out(vty, "\r\n set %s configuration failed(%d). \r\n", item.words, code);
-    return -1;
-  }
-  vty_out(vty, "\r\n set %s configuration successfully(%d). \r\n", item.words, code);
+  vty_out(vty, "\r\n %s %s(%d). \r\n", done, result == -1 ? "failed" : "successfully", code);
+  if (result == -1) return -1;
   trigger_obj_crc(kNodeSlot, 0, 0, item.id, kCommand);
   return 0;
+}
+
+int finishSet(Vty* vty, const VoiceItem& item, int result, const SnmpErrInfo& err) {
+  char done[80];
+  std::snprintf(done, sizeof done, "set %s configuration", item.words);
+  return finishSet(vty, item, done, result, err);
 }
 
 int cliDistributeErase(const VoiceItem& item, Vty* vty, int argc, char** argv) {
