@@ -45,16 +45,7 @@ static std::optional<std::string> readStartup(const std::string& path) {
 }
 
 static std::string why(const node::FailedLine& line) {
-  switch (line.outcome.result) {
-    case host::LineResult::unknown:
-      return "unknown command";
-    case host::LineResult::incomplete:
-      return "incomplete command";
-    case host::LineResult::ambiguous:
-      return "ambiguous command";
-    case host::LineResult::ran:
-      break;
-  }
+  if (line.outcome.result != host::LineResult::ran) return std::string(host::wordsOf(line.outcome.result));
   const std::string printed = printable(std::string_view(line.printed).substr(0, kMaxShown));
   return fmt::format("gave {}{}{}", line.outcome.returned, printed.empty() ? "" : ": ", printed);
 }

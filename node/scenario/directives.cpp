@@ -94,20 +94,6 @@ Action readCard(Arguments& arguments) {
 
 // Operator.
 
-std::string_view resultWords(host::LineResult result) {
-  switch (result) {
-    case host::LineResult::unknown:
-      return "unknown command";
-    case host::LineResult::incomplete:
-      return "incomplete command";
-    case host::LineResult::ambiguous:
-      return "ambiguous command";
-    case host::LineResult::ran:
-      break;
-  }
-  return "";
-}
-
 void runLine(int node, const std::string& line, Outcome& outcome) {
   Vty vty;
   const host::LineOutcome ran = host::runLine(vty, node, line);
@@ -115,7 +101,7 @@ void runLine(int node, const std::string& line, Outcome& outcome) {
   if (ran.result == host::LineResult::ran)
     outcome.result(ran.returned);
   else
-    outcome.lines.push_back(fmt::format("= {}", resultWords(ran.result)));
+    outcome.lines.push_back(fmt::format("= {}", host::wordsOf(ran.result)));
 }
 
 Action readLine(Arguments& arguments, int node) {
@@ -146,7 +132,7 @@ void recordFailedLine(const node::FailedLine& failed, Outcome& outcome) {
   const std::string mark = fmt::format("| {}:", failed.line);
   for (const std::string& line : terminalLines(failed.printed)) outcome.lines.push_back(marked(mark, line));
   if (failed.outcome.result != host::LineResult::ran)
-    outcome.lines.push_back(marked(mark, resultWords(failed.outcome.result)));
+    outcome.lines.push_back(marked(mark, host::wordsOf(failed.outcome.result)));
 }
 
 Action readRestart(Arguments&) {

@@ -118,6 +118,20 @@ int is_cliFastMode() { return fastMode ? 1 : 0; }
 
 namespace host {
 
+std::string_view wordsOf(LineResult result) {
+  switch (result) {
+    case LineResult::unknown:
+      return "unknown command";
+    case LineResult::incomplete:
+      return "incomplete command";
+    case LineResult::ambiguous:
+      return "ambiguous command";
+    case LineResult::ran:
+      break;
+  }
+  return "";
+}
+
 LineOutcome runLine(Vty& vty, int node, std::string_view line) {
   if (line.size() > command_line::kMaxLine) return {LineResult::unknown};
   if (runsNothing(line)) return {};

@@ -208,7 +208,8 @@ int snmpSystemRead(u16 id, u8* lastFlagOut, u8* data, i32 len, u8* reply, u32* r
   const Call call{__func__, id, data, len, reply, replyLen, p7, p8};
   if (lastFlagOut == nullptr) return call.refuse("Invalid input para!");
   *lastFlagOut = 1;
-  if (data == nullptr || reply == nullptr || replyLen == nullptr) return call.refuse("Invalid input para!");
+  // A negative length is no frame: handlers subtract the envelope from it.
+  if (data == nullptr || reply == nullptr || replyLen == nullptr || len < 0) return call.refuse("Invalid input para!");
   if (debugOn(Area::common, DebugWord::func, id)) {
     ulogPrintf(gModuleId_Msan, 10, "%s: get snmp msg 0x%x. \n\r", __func__, id);
   }

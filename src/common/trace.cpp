@@ -5,19 +5,35 @@
 #include <cstring>
 
 #include "common/debug_control.h"
+#include "common/msan_init.h"
+#include "platform/log.h"
 
 const char* fileName(Where where) {
   const char* slash = std::strrchr(where.file, '/');
   return slash != nullptr ? slash + 1 : where.file;
 }
 
+// A text with its arguments filled in, as much of it as a line takes.
+struct Words {
+  Words(const char* format, std::va_list arguments) { std::vsnprintf(text, sizeof text, format, arguments); }
+  char text[1024];
+};
+
 void printTrace(Where where, const char* words, ...) {
   if (!debugOn(Area::voice)) return;
-  char line[1024];
   std::va_list arguments;
   va_start(arguments, words);
-  std::vsnprintf(line, sizeof line, words, arguments);
+  const Words line(words, arguments);
   va_end(arguments);
   // In one call, so that lines of two doors do not mix.
-  std::printf("\r\n %s, %s %d, %s. \r\n", where.function, fileName(where), where.line, line);
+  std::printf("\r\n %s, %s %d, %s. \r\n", where.function, fileName(where), where.line, line.text);
+}
+
+void printTrace(Area area, Where where, const char* words, ...) {
+  if (!debugOn(area)) return;
+  std::va_list arguments;
+  va_start(arguments, words);
+  const Words line(words, arguments);
+  va_end(arguments);
+  ulogPrintf(gModuleId_Msan, 10, "\r\n %s, %s %d, %s. \r\n", where.function, fileName(where), where.line, line.text);
 }

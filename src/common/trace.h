@@ -4,6 +4,7 @@
 #include <string_view>
 #include <type_traits>
 
+#include "common/debug_control.h"
 #include "platform/types.h"
 
 // The place that a trace or log line names: the caller's, when taken as a default argument.
@@ -52,4 +53,12 @@ void printTrace(Where where, const char* words, ...);
 template <class... Arguments>
 void trace(Text<std::type_identity_t<Arguments>...> text, Arguments... arguments) {
   printTrace(text.where, text.format, arguments...);
+}
+
+// The same for the other areas, whose lines go to the log at severity 10.
+void printTrace(Area area, Where where, const char* words, ...);
+
+template <Area area, class... Arguments>
+void areaTrace(Text<std::type_identity_t<Arguments>...> text, Arguments... arguments) {
+  printTrace(area, text.where, text.format, arguments...);
 }

@@ -1,7 +1,5 @@
 #include "ppda/volt_current.h"
 
-#include <cstdarg>
-#include <cstdio>
 #include <cstring>
 
 #include "common/debug_control.h"
@@ -18,25 +16,8 @@
 static constexpr u16 kFeedMessage = 2839;
 static constexpr u32 kUnit = sizeof(PotsFeed);
 static constexpr u32 kMaxRecords = 960;  // of a request
-static constexpr u32 kArea = 32;         // where a request's count stands
 static constexpr u32 kReplyArea = 36;
 static constexpr u32 kDefaultVoltage = 42, kDefaultCurrent = 22;
-
-// Prints a trace line of this area, which goes to the log.
-static void printFeedTrace(Where where, const char* words, ...) {
-  if (!debugOn(Area::ppda)) return;
-  char line[160];
-  std::va_list arguments;
-  va_start(arguments, words);
-  std::vsnprintf(line, sizeof line, words, arguments);
-  va_end(arguments);
-  ulogPrintf(gModuleId_Msan, 10, "\r\n %s, %s %d, %s. \r\n", where.function, fileName(where), where.line, line);
-}
-
-template <class... Arguments>
-static void feedTrace(Text<std::type_identity_t<Arguments>...> text, Arguments... arguments) {
-  printFeedTrace(text.where, text.format, arguments...);
-}
 
 // --- Wire ---
 
@@ -105,12 +86,12 @@ int vcheck_pots_voltcurrent(const PotsFeed* record, SnmpErrInfo* err) {
   if (record == nullptr || err == nullptr) return -1;
   if (record->voltage < 37 || record->voltage > 51) {
     vSetErrorInfo(65375, &record->voltage, sizeof record->voltage, err);
-    feedTrace("invalid feed voltage: %d", record->voltage);
+    areaTrace<Area::ppda>("invalid feed voltage: %d", record->voltage);
     return -1;
   }
   if (record->current < 18 || record->current > 49) {
     vSetErrorInfo(65374, &record->current, sizeof record->current, err);
-    feedTrace("invalid feed current: %d", record->current);
+    areaTrace<Area::ppda>("invalid feed current: %d", record->current);
     return -1;
   }
   return 0;
@@ -172,7 +153,7 @@ static u16 buildAndSend(LIST* list) {
     code = kSendFailed;
     step = "send";
   }
-  if (code != 0) feedTrace("%s MSC msg 0x%04X failed", step, kFeedMessage);
+  if (code != 0) areaTrace<Area::ppda>("%s MSC msg 0x%04X failed", step, kFeedMessage);
   return code;
 }
 
@@ -182,13 +163,13 @@ static bool isPotsCard(int card) { return card > 0 && caCheckCardTypeIsMsanPotsC
 int vdistrib_pots_voltcurrent(u16 slot) {
   const int card = get_config_card_type(slot);
   if (card <= 0) {
-    feedTrace("no card is configured in slot %d", slot);
+    areaTrace<Area::ppda>("no card is configured in slot %d", slot);
     return -1;
   }
   if (!isPotsCard(card)) return 0;
   DataList list;
   if (vGetSlotObjManageDataHandle(slot, kFeedAttribute, kUnit, list) != 0) {
-    feedTrace("get POTS feed voltage and current config of slot %d failed", slot);
+    areaTrace<Area::ppda>("get POTS feed voltage and current config of slot %d failed", slot);
     return -1;
   }
   return buildAndSend(list) == 0 ? 0 : -1;
@@ -223,7 +204,7 @@ int vdistrib_pots_voltcurrentx(LIST* addresses, const PotsFeed* record, SnmpErrI
 int verase_pots_voltcurrent(u16 slot) {
   const int card = get_config_card_type(slot);
   if (card <= 0) {
-    feedTrace("no card is configured in slot %d", slot);
+    areaTrace<Area::ppda>("no card is configured in slot %d", slot);
     return -1;
   }
   ObjList objects;
@@ -232,7 +213,7 @@ int verase_pots_voltcurrent(u16 slot) {
     const auto* object = dataOf<const ObjIndex>(cell);
     const PotsFeed record{object->addr[1], object->addr[2], {}, kDefaultVoltage, kDefaultCurrent, {}};
     if (vEraseObjManageData(object, kFeedAttribute, kPotsPort, &record, kUnit) != 0) {
-      feedTrace("erase POTS feed voltage and current config failed");
+      areaTrace<Area::ppda>("erase POTS feed voltage and current config failed");
       return -1;
     }
   }
@@ -258,17 +239,17 @@ static int answerFailed(u16 id, u8* reply, u32* replyLen) {
 
 int vsnmp_set_pots_voltcurrent(u16 id, u8, u8* data, i32 length, u8* reply, u32* replyLen, void*, void*) {
   if (id != kFeedMessage || vCheckSnmpSetCmdPara(data, reply, replyLen) != 0) {
-    feedTrace("invalid SNMP command 0x%04X", id);
+    areaTrace<Area::ppda>("invalid SNMP command 0x%04X", id);
     return -1;
   }
   SnmpErrInfo err;
-  const i32 rest = length - static_cast<i32>(kArea);
-  if (vCheckSnmpParaItemsLength(data + kArea, rest, kUnit, true, 1, kMaxRecords, &err) != 0) {
+  WireIn area;
+  if (checkListFrame(data, length, kUnit, kMaxRecords, area, &err) != 0) {
     return answerError(id, err, reply, replyLen);
   }
   DataList list;
   u32 count = 0;
-  if (vparse_set_pots_voltcurrent({data + kArea, static_cast<u32>(rest)}, &count, list) != 0) {
+  if (vparse_set_pots_voltcurrent(area, &count, list) != 0) {
     return answerFailed(id, reply, replyLen);
   }
   if (vcheck_pots_voltcurrent_handle(list, &err) != 0) return answerError(id, err, reply, replyLen);
@@ -281,17 +262,17 @@ int vsnmp_set_pots_voltcurrent(u16 id, u8, u8* data, i32 length, u8* reply, u32*
 
 int vsnmp_get_pots_voltcurrent(u16 id, u8* last, u8* data, i32 length, u8* reply, u32* replyLen, void*, void*) {
   if (id != kFeedMessage || vCheckSnmpPara(last, data, reply, replyLen) != 0) {
-    feedTrace("invalid SNMP command 0x%04X", id);
+    areaTrace<Area::ppda>("invalid SNMP command 0x%04X", id);
     return -1;
   }
   SnmpErrInfo err;
-  const i32 rest = length - static_cast<i32>(kArea);
-  if (vCheckSnmpParaItemsLength(data + kArea, rest, kLocation, true, 1, kMaxRecords, &err) != 0) {
+  WireIn area;
+  if (checkListFrame(data, length, kLocation, kMaxRecords, area, &err) != 0) {
     return answerError(id, err, reply, replyLen);
   }
   DataList locations, records;
   u32 count = 0;
-  if (vParsePOTSPortLocation({data + kArea, static_cast<u32>(rest)}, kPotsPort, &count, locations) != 0) {
+  if (vParsePOTSPortLocation(area, kPotsPort, &count, locations) != 0) {
     return answerFailed(id, reply, replyLen);
   }
   // Locations of all ports may have become more records than a reply holds.
@@ -304,9 +285,9 @@ int vsnmp_get_pots_voltcurrent(u16 id, u8* last, u8* data, i32 length, u8* reply
     return answerError(id, err, reply, replyLen);
   }
   u32 bytes = 0;
-  const WireOut area(reply + kReplyArea, kMaxPacket - kReplyArea);
+  const WireOut out(reply + kReplyArea, kMaxPacket - kReplyArea);
   if (vGetObjManageDataHandle(kPotsPort, kFeedAttribute, kUnit, locations, records) != 0 ||
-      vencode_pots_voltcurrent_handle(records, area, &bytes) != 0) {
+      vencode_pots_voltcurrent_handle(records, out, &bytes) != 0) {
     return answerFailed(id, reply, replyLen);
   }
   *last = 1;

@@ -230,13 +230,13 @@ int erase_pots_general_para() {
 // Checks and stores a SET. 0, or the answered failure.
 static int acceptSet(const SnmpCall& call, Where where) {
   SnmpErrInfo err;
-  const i32 rest = call.length - 32;
-  if (vCheckSnmpParaItemsLength(call.data + 32, rest, shape.unit, true, 1, 1, &err, where) != 0) {
+  WireIn area;
+  if (checkListFrame(call.data, call.length, shape.unit, 1, area, &err, where) != 0) {
     return answerError(call, err, "invalid snmp command para", where);
   }
   DataList list;
   u32 count = 0;
-  if (parse_set_pots_general_para({call.data + 32, static_cast<u32>(rest)}, &count, list) != 0) {
+  if (parse_set_pots_general_para(area, &count, list) != 0) {
     return answerFailed(call, "parse snmp command failed", where);
   }
   if (check_pots_general_para_handle(list, &err) != 0) {

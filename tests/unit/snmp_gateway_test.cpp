@@ -83,6 +83,12 @@ TEST_F(GatewayTest, LargestPacketPassesAndOneMoreIsRefused) {
   u8 reply[8] = {};
   EXPECT_EQ(snmpSystemWrite(kSet, 1, &byte, -1, reply, &length, nullptr, nullptr), 1);
   EXPECT_EQ(host::hexText({reply, length}), "00000041") << "a negative length is no length";
+  u8 last = 0;
+  length = 7;
+  EXPECT_EQ(snmpSystemRead(kSet, &last, &byte, INT32_MIN, reply, &length, nullptr, nullptr), 1);
+  EXPECT_EQ(host::hexText({reply, length}), "00000041");
+  EXPECT_EQ(last, 1);
+  EXPECT_EQ(seen.gets, 0) << "no handler subtracts the envelope from it";
 }
 
 TEST_F(GatewayTest, ClassesThatNobodyHasAreUnregistered) {

@@ -15,6 +15,7 @@ struct Vty {
 namespace host {
 
 enum class LineResult { ran, unknown, incomplete, ambiguous };
+std::string_view wordsOf(LineResult result);  // "unknown command"; empty for a line that ran
 
 struct LineOutcome {
   LineResult result = LineResult::ran;

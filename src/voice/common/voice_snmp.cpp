@@ -87,6 +87,15 @@ int vCheckSnmpParaItemsLength(const u8* data, i32 length, u32 unit, bool counted
   return checkArea(data, length, unit, counted ? 4 : 0, minimum, maximum, err, where);
 }
 
+int checkListFrame(const u8* data, i32 length, u32 unit, u32 maximum, WireIn& area, SnmpErrInfo* err, Where where) {
+  constexpr i32 kEnvelope = 32;
+  const i32 rest = std::max(length, 0) - kEnvelope;
+  if (rest < 0) return tooShort(rest, err, where);
+  if (vCheckSnmpParaItemsLength(data + kEnvelope, rest, unit, true, 1, maximum, err, where) != 0) return -1;
+  area = WireIn(data + kEnvelope, static_cast<u32>(rest));
+  return 0;
+}
+
 void nBuildSuccessInfo(u32 payloadLength, u8* reply, u32* replyLen) {
   putNumber(reply, 4, 1);
   *replyLen = payloadLength + 4;

@@ -44,6 +44,11 @@ int nCheckSnmpItemsLength(const u8* data, i32 length, u32 unit, u8 countWidth, u
 int vCheckSnmpParaItemsLength(const u8* data, i32 length, u32 unit, bool counted, u32 minimum, u32 maximum,
                               SnmpErrInfo* err, Where where = Where::here());
 
+// The frame of a list: behind the envelope a u32 count of 1 to `maximum`, and that many units. `area` begins at the
+// count. 0 or -1; the length that is told is the one behind the envelope.
+int checkListFrame(const u8* data, i32 length, u32 unit, u32 maximum, WireIn& area, SnmpErrInfo* err,
+                   Where where = Where::here());
+
 // 00 00 00 01 and the reply's length: the payload's with these four bytes.
 void nBuildSuccessInfo(u32 payloadLength, u8* reply, u32* replyLen);
 void vBuildSuccessInfo(u8* reply, u32* replyLen);
