@@ -1,11 +1,13 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
-#include <functional>
+#include <tuple>
 
 #include "host/agent.h"
 #include "module_fixture.h"
+#include "ppda/volt_current.h"
 #include "voice/cidMode.h"
+#include "voice/common/voice_msc.h"
 #include "voice/phoneNumber.h"
 #include "voice/potsGeneral.h"
 #include "voice/rfc2833.h"
@@ -145,6 +147,33 @@ TEST_F(VoiceMD5Test, NullArgumentsAreRefused) {
   EXPECT_EQ(nDistribCIDModeX(&cfg, nullptr), -1);
   EXPECT_EQ(nSnmpSetCIDMode(3087, 1, wire, 34, nullptr, &length, nullptr, nullptr), -1);
   EXPECT_EQ(nSnmpGetCIDMode(3088, wire, wire, 34, wire, &length, nullptr, nullptr), -1);
+}
+
+TEST(PotsFeed, EdgesOfBothValues) {
+  for (const auto& [voltage, current, code] : {std::tuple<u32, u32, u16>{37, 18, 0},
+                                               {51, 49, 0},
+                                               {36, 18, 65375},
+                                               {52, 49, 65375},
+                                               {37, 17, 65374},
+                                               {51, 50, 65374}}) {
+    EXPECT_EQ(codeFor(vcheck_pots_voltcurrent, PotsFeed{3, 1, {}, voltage, current, {}}), code)
+        << voltage << " " << current;
+  }
+}
+
+TEST_F(VoiceMD5Test, NumbersAreEqualInAllTwentyCharacters) {
+  PHNNumber one;
+  std::memcpy(one.phnNumber, "01234567890123456789", sizeof one.phnNumber);
+  PHNNumber other = one;
+  other.phnNumber[19] = '8';
+  DataList list;
+  nSetDataList(&one, sizeof one, list);
+  nSetDataList(&other, sizeof other, list);
+  char number[20] = {};
+  EXPECT_EQ(nIsPHNNumberDuplicate(list, number), 0) << "they differ in the last one";
+  nSetDataList(&one, sizeof one, list);
+  EXPECT_EQ(nIsPHNNumberDuplicate(list, number), 1);
+  EXPECT_EQ(std::string(number, 20), "01234567890123456789");
 }
 
 TEST_F(VoiceMD5Test, RowsOfNumbersHaveIndexes) {
