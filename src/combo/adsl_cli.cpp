@@ -17,23 +17,20 @@ static void reportChange(const ProfileKind& kind) { trigger_obj_crc(9, 0, 0, kin
 
 // --- Commands of both kinds ---
 
-#define HANDLER(name, road, kind) \
-  static int name(const CommandElement*, Vty* vty, int argc, char** argv) { return road(kind, vty, argc, argv); }
-HANDLER(add_adsl_line_prf_Func, cliAddProfile, adslLineKind)
-HANDLER(del_adsl_line_prf_Func, cliDeleteProfile, adslLineKind)
-HANDLER(show_adsl_line_prf_Func, cliShowProfile, adslLineKind)
-HANDLER(flush_adsl_line_prf_Func, cliFlushProfile, adslLineKind)
-HANDLER(config_adsl_line_profile_node_Func, cliSelectProfile, adslLineKind)
-HANDLER(attach_adsl_line_prf_Func, cliAttachProfile, adslLineKind)
-HANDLER(show_attach_adsl_line_prf_Func, cliShowAttached, adslLineKind)
-HANDLER(add_pvc_prf_Func, cliAddProfile, pvcKind)
-HANDLER(del_pvc_prf_Func, cliDeleteProfile, pvcKind)
-HANDLER(show_pvc_prf_Func, cliShowProfile, pvcKind)
-HANDLER(flush_pvc_prf_Func, cliFlushProfile, pvcKind)
-HANDLER(config_pvc_profile_node_Func, cliSelectProfile, pvcKind)
-HANDLER(attach_pvc_prf_Func, cliAttachProfile, pvcKind)
-HANDLER(show_attach_pvc_prf_Func, cliShowAttached, pvcKind)
-#undef HANDLER
+PROFILE_HANDLER(add_adsl_line_prf_Func, cliAddProfile, adslLineKind)
+PROFILE_HANDLER(del_adsl_line_prf_Func, cliDeleteProfile, adslLineKind)
+PROFILE_HANDLER(show_adsl_line_prf_Func, cliShowProfile, adslLineKind)
+PROFILE_HANDLER(flush_adsl_line_prf_Func, cliFlushProfile, adslLineKind)
+PROFILE_HANDLER(config_adsl_line_profile_node_Func, cliSelectProfile, adslLineKind)
+PROFILE_HANDLER(attach_adsl_line_prf_Func, cliAttachProfile, adslLineKind)
+PROFILE_HANDLER(show_attach_adsl_line_prf_Func, cliShowAttached, adslLineKind)
+PROFILE_HANDLER(add_pvc_prf_Func, cliAddProfile, pvcKind)
+PROFILE_HANDLER(del_pvc_prf_Func, cliDeleteProfile, pvcKind)
+PROFILE_HANDLER(show_pvc_prf_Func, cliShowProfile, pvcKind)
+PROFILE_HANDLER(flush_pvc_prf_Func, cliFlushProfile, pvcKind)
+PROFILE_HANDLER(config_pvc_profile_node_Func, cliSelectProfile, pvcKind)
+PROFILE_HANDLER(attach_pvc_prf_Func, cliAttachProfile, pvcKind)
+PROFILE_HANDLER(show_attach_pvc_prf_Func, cliShowAttached, pvcKind)
 
 // --- Edit of an ADSL line profile ---
 

@@ -129,30 +129,18 @@ int snmp_get_adsl_port_info(u16 id, u8* last, u8* data, i32 length, u8* reply, u
 
 // --- Registration ---
 
-struct Message {
-  const char* name;
-  u16 id;
-  SnmpSetHandler* set;
-  SnmpGetHandler* get;
-  u32 mostReply;
-};
-
 int adsl_reg_snmp_inf() {
   u32 slots = 0;
   if (ddGetMaxSlotNum(&slots) != 0) return -1;
-  const u32 ports = 26 * maxAdPortNum + 36;
-  const Message messages[] = {
-      {"AD_LINE_PRF_CONFIG", 34661, snmp_set_adsl_prf, snmp_get_adsl_prf, 301090},
-      {"AD_LINE_PRF_DELETE", 34662, snmp_del_adsl_prf, nullptr, 0},
-      {"AD_LINE_PRF_ATTACH", 2837, snmp_set_ad_pvc_prf_attach, snmp_get_adsl_port_info, ports},
-      {"PVC_PRF_CONFIG", 34664, snmp_set_pvc_prf, snmp_get_pvc_prf, 16546},
-      {"PVC_PRF_DELETE", 34665, snmp_del_pvc_prf, nullptr, 0},
-      {"PVC_PRF_ATTACH", 2838, snmp_set_ad_pvc_prf_attach, snmp_get_pvc_prf_attach, ports},
-      {"PVC_PRF_ATTACH", 2860, snmp_set_ad_pvc_prf_attach, snmp_get_pvc_prf_attach, ports},
+  const u32 ports = attachmentReply(adslLineKind);
+  const ProfileMessage messages[] = {
+      {"AD_LINE_PRF_CONFIG", "test", 34661, snmp_set_adsl_prf, snmp_get_adsl_prf, 301090},
+      {"AD_LINE_PRF_DELETE", "test", 34662, snmp_del_adsl_prf, nullptr, 0},
+      {"AD_LINE_PRF_ATTACH", "test", 2837, snmp_set_ad_pvc_prf_attach, snmp_get_adsl_port_info, ports},
+      {"PVC_PRF_CONFIG", "test", 34664, snmp_set_pvc_prf, snmp_get_pvc_prf, 16546},
+      {"PVC_PRF_DELETE", "test", 34665, snmp_del_pvc_prf, nullptr, 0},
+      {"PVC_PRF_ATTACH", "test", 2838, snmp_set_ad_pvc_prf_attach, snmp_get_pvc_prf_attach, ports},
+      {"PVC_PRF_ATTACH", "test", 2860, snmp_set_ad_pvc_prf_attach, snmp_get_pvc_prf_attach, ports},
   };
-  for (const Message& message : messages) {
-    const SnmpMsgReg row{message.id, {1, 1}, message.set, message.get, message.mostReply, "test"};
-    if (SnmpMsgRegister(&row) != 0) ulogPrintf(gModuleId_Msan, 10, "register %s failed!\r\n", message.name);
-  }
-  return 0;
+  return registerProfileMessages(messages);
 }

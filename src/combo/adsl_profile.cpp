@@ -1,7 +1,5 @@
 #include "combo/adsl_profile.h"
 
-#include <cstring>
-
 #include "combo/adsl_config_aux.h"
 #include "combo/adsl_words.h"
 #include "common/msan_init.h"
@@ -135,6 +133,7 @@ constexpr ProfileKind adslLineKind{
     .lock = &adsl_prf_config_mux,
     .reportsAttachment = false,
     .texts = texts,
+    .write = writeBatch,
     .check = check_adsl_prf_para,
     .setDefaults = nullptr,
     .show = show_adsl_line_prf,
@@ -168,43 +167,36 @@ int ad_prf_attach_showrun(Vty* vty) { return printAttached(adslLineKind, vty); }
 
 // --- Edit ---
 
-// What a selector of an edit replaces.
-struct Part {
-  u16 at, size;
+// By selector.
+static constexpr ItemPart parts[] = {
+    {},
+    ITEM_PART(AdslPrfItem, transmode),
+    ITEM_PART(AdslPrfItem, UpRateMode),
+    ITEM_PART(AdslPrfItem, DownRateMode),
+    ITEM_PART(AdslPrfItem, AdslLineType),
+    ITEM_PART(AdslPrfItem, SnrmDn),
+    ITEM_PART(AdslPrfItem, SnrmUp),
+    ITEM_PART(AdslPrfItem, MaxInterLeaveDelayDn),
+    ITEM_PART(AdslPrfItem, MaxInterLeaveDelayUp),
+    ITEM_PART(AdslPrfItem, MinInpDn),
+    ITEM_PART(AdslPrfItem, MinInpUp),
+    ITEM_PART(AdslPrfItem, BitSwapDn),
+    ITEM_PART(AdslPrfItem, BitSwapUp),
+    ITEM_PART(AdslPrfItem, PowerMode),
+    ITEM_PART(AdslPrfItem, PmL0Time),
+    ITEM_PART(AdslPrfItem, PmL2Time),
+    ITEM_PART(AdslPrfItem, PmL2Atprt),
+    ITEM_PART(AdslPrfItem, PmL2Rate),
+    {offsetof(AdslPrfItem, ToneBlackoutNum), sizeof(AdslPrfItem::ToneBlackoutNum) + sizeof(AdslPrfItem::tones)},
+    ITEM_PART(AdslPrfItem, tones),
+    {},
+    ITEM_PART(AdslPrfItem, MaxSnrmDn),
+    ITEM_PART(AdslPrfItem, MaxSnrmUp),
+    ITEM_PART(AdslPrfItem, MinSnrmDn),
+    ITEM_PART(AdslPrfItem, MinSnrmUp),
+    ITEM_PART(AdslPrfItem, MinRateDn),
+    ITEM_PART(AdslPrfItem, MinRateUp),
 };
-#define PART(member) \
-  { offsetof(AdslPrfItem, member), sizeof(AdslPrfItem::member) }
-static constexpr u16 kTableSize = sizeof(AdslPrfItem::tones);
-static constexpr Part parts[] = {
-    {0, 0},
-    PART(transmode),
-    PART(UpRateMode),
-    PART(DownRateMode),
-    PART(AdslLineType),
-    PART(SnrmDn),
-    PART(SnrmUp),
-    PART(MaxInterLeaveDelayDn),
-    PART(MaxInterLeaveDelayUp),
-    PART(MinInpDn),
-    PART(MinInpUp),
-    PART(BitSwapDn),
-    PART(BitSwapUp),
-    PART(PowerMode),
-    PART(PmL0Time),
-    PART(PmL2Time),
-    PART(PmL2Atprt),
-    PART(PmL2Rate),
-    {offsetof(AdslPrfItem, ToneBlackoutNum), sizeof(AdslPrfItem::ToneBlackoutNum) + kTableSize},
-    PART(tones),
-    {0, 0},
-    PART(MaxSnrmDn),
-    PART(MaxSnrmUp),
-    PART(MinSnrmDn),
-    PART(MinSnrmUp),
-    PART(MinRateDn),
-    PART(MinRateUp),
-};
-#undef PART
 
 int modify_spc_adsl_prf_para(SnmpErrInfo* err, const AdslPrfRecord* values, u32 selector) {
   if (err == nullptr || values == nullptr) {
@@ -214,8 +206,7 @@ int modify_spc_adsl_prf_para(SnmpErrInfo* err, const AdslPrfRecord* values, u32 
   AdslPrfRecord record;
   if (readSelected(adslLineKind, err, &record) != 0) return -1;
   if (selector >= std::size(parts) || parts[selector].size == 0) return -1;
-  const Part part = parts[selector];
-  std::memcpy(itemOf(&record) + part.at, itemOf(values) + part.at, part.size);
+  replacePart(parts[selector], &record.item, &values->item);
   if (check_adsl_prf_para(err, &record) != 0) return -1;
   return storeProfile(adslLineKind, &record);
 }

@@ -4,16 +4,17 @@
 #include "combo/adsl_config_interface.h"
 #include "combo/adsl_profile.h"
 #include "combo/pvc_profile.h"
+#include "combo/vdsl_config_interface.h"
 #include "common/areas.h"
 #include "common/msan_init.h"
 #include "platform/command_line.h"
 #include "platform/log.h"
 
-static constexpr Step init[] = {init_adsl_cfg, get_sys_max_adsl_port_num};
-static constexpr Step snmpRegister[] = {adsl_reg_snmp_inf};
-static constexpr Step install[] = {init_adsl_cmd};
-static constexpr PrintStep showrun[] = {adsl_showrun_inf};
-static constexpr SlotStep hotplug[] = {hotplug_ad_prf_attach, hotplug_pvc_prf_attach};
+static constexpr Step init[] = {init_adsl_cfg, get_sys_max_adsl_port_num, vdsl_init_cfg};
+static constexpr Step snmpRegister[] = {adsl_reg_snmp_inf, vdsl_reg_snmp_info};
+static constexpr Step install[] = {init_adsl_cmd, vdsl_init_cli_cmd};
+static constexpr PrintStep showrun[] = {adsl_showrun_inf, vdsl_showrun_info};
+static constexpr SlotStep hotplug[] = {hotplug_ad_prf_attach, hotplug_pvc_prf_attach, vdsl_hotplug};
 
 int msan_combo_init() {
   callAll(init);

@@ -32,7 +32,7 @@ int createDefault(const ProfileKind& kind) {
   fillDefaults(kind, record);
   record->requestId = kAllocateId;
   SnmpErrInfo err;
-  return writeBatch(kind, &err, record, 1);
+  return kind.write(kind, &err, record, 1);
 }
 
 int checkIdLegal(const ProfileKind& kind, SnmpErrInfo* err, u32 id) {
@@ -107,11 +107,15 @@ static ProfileHead* recordAt(const ProfileKind& kind, ProfileHead* records, u32 
   return reinterpret_cast<ProfileHead*>(reinterpret_cast<u8*>(records) + i * kind.recordSize());
 }
 
+// The check of the values, which is left out while the startup configuration runs.
+static int checkValues(const ProfileKind& kind, SnmpErrInfo* err, const ProfileHead* record) {
+  if (inRecoverConfProcess() == 1 || kind.check(err, record) == 0) return 0;
+  if (err->errDataLen == 0) setProfileDetail(err, record->requestId, record->name);
+  return -1;
+}
+
 static int checkRecord(const ProfileKind& kind, SnmpErrInfo* err, ProfileHead* record) {
-  if (inRecoverConfProcess() != 1 && kind.check(err, record) != 0) {
-    if (err->errDataLen == 0) setProfileDetail(err, record->requestId, record->name);
-    return -1;
-  }
+  if (checkValues(kind, err, record) != 0) return -1;
   if (record->requestId == kAllocateId) return prfIsNameExist(kind.type, record->name) == 0 ? 0 : -1;
   if (record->requestId == kDefaultProfile) {
     ulogPrintf(gModuleId_Msan, 10, "default prf cann't to be delete or modified!\r\n");
@@ -150,24 +154,54 @@ static int storeRecord(const ProfileKind& kind, SnmpErrInfo* err, ProfileHead* r
   return 0;
 }
 
+static constexpr u32 kMostRecords = 1025;
+using ModifiedIds = u16[kMostRecords];  // 0: none
+
+// What was stored goes to the ports also when something behind it failed.
+static void flushModified(const ProfileKind& kind, SnmpErrInfo* err, const ModifiedIds& ids, u32 count) {
+  for (u32 i = 0; i < count; ++i) {
+    if (ids[i] != 0) flushProfile(kind, err, ids[i]);
+  }
+}
+
 int writeBatch(const ProfileKind& kind, SnmpErrInfo* err, ProfileHead* records, u16 count) {
-  static constexpr u32 kMostRecords = 1025;
   if (err == nullptr || records == nullptr) return -1;
   if (count == kNoCount) return 0;
   if (count > kMostRecords) return -1;
   for (u32 i = 0; i < count; ++i) {
     if (checkRecord(kind, err, recordAt(kind, records, i)) != 0) return -1;
   }
-  u16 modified[kMostRecords] = {};
+  ModifiedIds modified = {};
   int result = 0;
   for (u32 i = 0; i < count && result == 0; ++i) {
     ProfileHead* record = recordAt(kind, records, i);
     if (record->requestId != kDefaultProfile) result = storeRecord(kind, err, record, modified[i]);
   }
-  // What was stored goes to the ports also when something behind it failed.
-  for (u32 i = 0; i < count; ++i) {
-    if (modified[i] != 0) flushProfile(kind, err, modified[i]);
+  flushModified(kind, err, modified, count);
+  return result;
+}
+
+static int writeOne(const ProfileKind& kind, SnmpErrInfo* err, ProfileHead* record, u16& modified) {
+  if (checkValues(kind, err, record) != 0) return -1;
+  if (record->requestId == kDefaultProfile) return 0;
+  if (record->requestId != kAllocateId) {
+    if (checkIdLegalExp0(kind, err, record->requestId) != 0) return -1;
+    record->prfId = record->requestId;
+    record->status = 1;
   }
+  return storeRecord(kind, err, record, modified);
+}
+
+int writeEach(const ProfileKind& kind, SnmpErrInfo* err, ProfileHead* records, u16 count) {
+  if (err == nullptr || records == nullptr) return -1;
+  if (count == kNoCount) return 0;
+  if (count > kMostRecords) return -1;
+  ModifiedIds modified = {};
+  int result = 0;
+  for (u32 i = 0; i < count && result == 0; ++i) {
+    result = writeOne(kind, err, recordAt(kind, records, i), modified[i]);
+  }
+  flushModified(kind, err, modified, count);
   return result;
 }
 

@@ -84,7 +84,7 @@ int cliAddProfile(const ProfileKind& kind, Vty* vty, int argc, char** argv) {
     if (profileExists(kind, record.requestId)) return complain(vty, "the prfID is used! ");
   }
   SnmpErrInfo err;
-  if (writeBatch(kind, &err, &record, 1) != 0) return complain(vty, kind.texts.addFailed, err.errCode);
+  if (kind.write(kind, &err, &record, 1) != 0) return complain(vty, kind.texts.addFailed, err.errCode);
   trigger_obj_crc(kNode, 0, 0, kind.writeId, kOperator);
   return 0;
 }

@@ -38,6 +38,14 @@ static u32 entriesOf(const ProfileField& field, const void* item) {
   return std::min<u32>(fieldOf(field, item), field.table->most);
 }
 
+bool replacePart(ItemPart part, void* item, const void* values) {
+  u8* to = static_cast<u8*>(item) + part.at;
+  const u8* from = static_cast<const u8*>(values) + part.at;
+  if (std::memcmp(to, from, part.size) == 0) return false;
+  std::memcpy(to, from, part.size);
+  return true;
+}
+
 void resetItem(const ProfileShape& shape, void* item) {
   std::memset(item, 0, shape.itemSize);
   for (const ProfileField& field : shape.fields) setField(field, item, field.initial);

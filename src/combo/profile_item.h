@@ -48,6 +48,14 @@ struct ProfileTable {
 // Where a member stands, for a row.
 #define ITEM_FIELD(Item, member) .at = offsetof(Item, member), .width = sizeof(Item::member)
 
+// Bytes of an item that an edit replaces.
+struct ItemPart {
+  u16 at = 0;
+  u16 size = 0;  // 0: none
+};
+#define ITEM_PART(Item, member) \
+  { offsetof(Item, member), sizeof(Item::member) }
+
 using ProfileFields = std::span<const ProfileField>;
 
 struct ProfileShape {
@@ -68,6 +76,9 @@ struct ProfileShape {
 
 u32 fieldOf(const ProfileField& field, const void* item);
 void setField(const ProfileField& field, void* item, u32 value);
+
+// Takes a part over from `values`; true if that made a difference.
+bool replacePart(ItemPart part, void* item, const void* values);
 
 void resetItem(const ProfileShape& shape, void* item);
 // The first field outside what it may hold sets the code. 0 or -1.

@@ -96,6 +96,7 @@ struct ProfileKind {
   bool reportsAttachment;   // an attach command reports the change for the node, too
   const ProfileTexts& texts;
 
+  int (*write)(const ProfileKind& kind, SnmpErrInfo* err, ProfileHead* records, u16 count);  // one of the batches
   int (*check)(SnmpErrInfo* err, const ProfileHead* record);
   void (*setDefaults)(void* item);
   void (*show)(Vty* vty, const void* item);
@@ -145,6 +146,9 @@ void setProfileDetail(SnmpErrInfo* err, u16 id, const char* name);
 // Checks all records, then stores them, then sends those that existed to the ports that use them. What was stored ahead
 // of a failure stays and is sent. The records follow each other; kNoCount does nothing.
 int writeBatch(const ProfileKind& kind, SnmpErrInfo* err, ProfileHead* records, u16 count);
+// Checks and stores one record after the other, and leaves it to the store to refuse a name: what is ahead of a bad
+// record stays. Then as above.
+int writeEach(const ProfileKind& kind, SnmpErrInfo* err, ProfileHead* records, u16 count);
 // Checks all ids, then deletes.
 int deleteBatch(const ProfileKind& kind, SnmpErrInfo* err, const u16* ids, u16 count);
 
@@ -194,9 +198,24 @@ bool is_item_legal(u32 count);
 int snmpWriteProfiles(const ProfileKind& kind, const SnmpCall& call);
 int snmpDeleteProfiles(const ProfileKind& kind, const SnmpCall& call);
 int snmpReadProfiles(const ProfileKind& kind, const SnmpCall& call, u8* last);
+// The same for a request that must be the envelope and nothing else.
+int snmpReadProfilesBare(const ProfileKind& kind, const SnmpCall& call, u8* last);
 int snmpAttachPorts(const ProfileKind& kind, const SnmpCall& call);
 // All ports of the kind, of a slot, or those named.
 int snmpReadPorts(const ProfileKind& kind, const SnmpCall& call, u8* last);
+
+struct ProfileMessage {
+  const char* name;         // in the log
+  const char* description;  // in the registry
+  u16 id;
+  SnmpSetHandler* set;
+  SnmpGetHandler* get;
+  u32 mostReply;
+};
+// Registers all; a failure goes to the log. 0.
+int registerProfileMessages(std::span<const ProfileMessage> messages);
+// What a read of all attachments takes.
+u32 attachmentReply(const ProfileKind& kind);
 
 // The parts of an attachment read.
 int answerError(const SnmpCall& call, const SnmpErrInfo& err);
@@ -211,6 +230,9 @@ int cliFlushProfile(const ProfileKind& kind, Vty* vty, int argc, char** argv);
 int cliSelectProfile(const ProfileKind& kind, Vty* vty, int argc, char** argv);
 int cliAttachProfile(const ProfileKind& kind, Vty* vty, int argc, char** argv);
 int cliShowAttached(const ProfileKind& kind, Vty* vty, int argc, char** argv);
+
+#define PROFILE_HANDLER(name, road, kind) \
+  static int name(const CommandElement*, Vty* vty, int argc, char** argv) { return road(kind, vty, argc, argv); }
 
 // The number at the front of a text, as strtoul reads it, held at 32 bits.
 std::optional<u32> numberOf(const char* text);

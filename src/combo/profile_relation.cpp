@@ -73,20 +73,36 @@ static int clearRelation(const Relation<Row>& table, u32 objectId, Where where =
   return transaction.commit();
 }
 
-static constexpr Relation<AD_PRF_ATT_RELATION> adsl{
-    AD_PRF_ATT_RELATION_reTree_index_cursor, AD_PRF_ATT_RELATION_reTree_search, AD_PRF_ATT_RELATION_reTree_compare,
-    AD_PRF_ATT_RELATION_from_cursor,         AD_PRF_ATT_RELATION_new,           AD_PRF_ATT_RELATION_delete,
-    AD_PRF_ATT_RELATION_ulObjId_put,         AD_PRF_ATT_RELATION_prfId_put,     AD_PRF_ATT_RELATION_prfId_get};
+// clang-format off
+#define RELATION(T)                                                                                             \
+  static constexpr Relation<T> T##_relation{T##_reTree_index_cursor, T##_reTree_search, T##_reTree_compare,     \
+                                            T##_from_cursor, T##_new, T##_delete, T##_ulObjId_put, T##_prfId_put, \
+                                            T##_prfId_get}
+// clang-format on
+RELATION(AD_PRF_ATT_RELATION);
+RELATION(PVC_PRF_ATT_RELATION);
+RELATION(VD_LINE_PRF_ATT_RELATION);
 
-int set_adsl_prf_att_dbapi(u32 objectId, const void* id, u32, u32) { return setRelation(adsl, objectId, id); }
-int get_adsl_prf_att_dbapi(u32 objectId, void* id, u32, u32, u32) { return getRelation(adsl, objectId, id); }
-int clr_adsl_prf_att_dbapi(u32 objectId) { return clearRelation(adsl, objectId); }
+int set_adsl_prf_att_dbapi(u32 objectId, const void* id, u32, u32) {
+  return setRelation(AD_PRF_ATT_RELATION_relation, objectId, id);
+}
+int get_adsl_prf_att_dbapi(u32 objectId, void* id, u32, u32, u32) {
+  return getRelation(AD_PRF_ATT_RELATION_relation, objectId, id);
+}
+int clr_adsl_prf_att_dbapi(u32 objectId) { return clearRelation(AD_PRF_ATT_RELATION_relation, objectId); }
 
-static constexpr Relation<PVC_PRF_ATT_RELATION> pvc{
-    PVC_PRF_ATT_RELATION_reTree_index_cursor, PVC_PRF_ATT_RELATION_reTree_search, PVC_PRF_ATT_RELATION_reTree_compare,
-    PVC_PRF_ATT_RELATION_from_cursor,         PVC_PRF_ATT_RELATION_new,           PVC_PRF_ATT_RELATION_delete,
-    PVC_PRF_ATT_RELATION_ulObjId_put,         PVC_PRF_ATT_RELATION_prfId_put,     PVC_PRF_ATT_RELATION_prfId_get};
+int set_pvc_prf_att_dbapi(u32 objectId, const void* id, u32, u32) {
+  return setRelation(PVC_PRF_ATT_RELATION_relation, objectId, id);
+}
+int get_pvc_prf_att_dbapi(u32 objectId, void* id, u32, u32, u32) {
+  return getRelation(PVC_PRF_ATT_RELATION_relation, objectId, id);
+}
+int clr_pvc_prf_att_dbapi(u32 objectId) { return clearRelation(PVC_PRF_ATT_RELATION_relation, objectId); }
 
-int set_pvc_prf_att_dbapi(u32 objectId, const void* id, u32, u32) { return setRelation(pvc, objectId, id); }
-int get_pvc_prf_att_dbapi(u32 objectId, void* id, u32, u32, u32) { return getRelation(pvc, objectId, id); }
-int clr_pvc_prf_att_dbapi(u32 objectId) { return clearRelation(pvc, objectId); }
+int set_vdsl_line_prf_att_db_api(u32 objectId, const void* id, u32, u32) {
+  return setRelation(VD_LINE_PRF_ATT_RELATION_relation, objectId, id);
+}
+int get_vdsl_line_prf_att_db_api(u32 objectId, void* id, u32, u32) {
+  return getRelation(VD_LINE_PRF_ATT_RELATION_relation, objectId, id);
+}
+int clr_vdsl_line_prf_att_db_api(u32 objectId) { return clearRelation(VD_LINE_PRF_ATT_RELATION_relation, objectId); }

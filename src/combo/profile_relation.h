@@ -12,3 +12,7 @@ int clr_adsl_prf_att_dbapi(u32 objectId);
 int set_pvc_prf_att_dbapi(u32 objectId, const void* id, u32 offset, u32 length);
 int get_pvc_prf_att_dbapi(u32 objectId, void* id, u32 offset, u32 length, u32 flag);
 int clr_pvc_prf_att_dbapi(u32 objectId);
+
+int set_vdsl_line_prf_att_db_api(u32 objectId, const void* id, u32 offset, u32 length);
+int get_vdsl_line_prf_att_db_api(u32 objectId, void* id, u32 offset, u32 length);
+int clr_vdsl_line_prf_att_db_api(u32 objectId);

@@ -51,6 +51,14 @@ static int endReply(const SnmpCall& call, const Writer& to) {
   return 0;
 }
 
+int registerProfileMessages(std::span<const ProfileMessage> messages) {
+  for (const ProfileMessage& message : messages) {
+    const SnmpMsgReg row{message.id, {1, 1}, message.set, message.get, message.mostReply, message.description};
+    if (SnmpMsgRegister(&row) != 0) ulogPrintf(gModuleId_Msan, 10, "register %s failed!\r\n", message.name);
+  }
+  return 0;
+}
+
 // --- Profiles ---
 
 // Decodes all items behind the count.
@@ -81,7 +89,7 @@ int snmpWriteProfiles(const ProfileKind& kind, const SnmpCall& call) {
   SnmpErrInfo err;
   if (decodeAll(kind, call, &err, from, records.get(), count) != 0) return answerError(call, err);
   const ProfileLock lock(kind);
-  const int result = writeBatch(kind, &err, reinterpret_cast<ProfileHead*>(records.get()), static_cast<u16>(count));
+  const int result = kind.write(kind, &err, reinterpret_cast<ProfileHead*>(records.get()), static_cast<u16>(count));
   trigger_obj_crc(kNode, 0, 0, kind.writeId, 1);
   return result == 0 ? answerSuccess(call) : answerError(call, err);
 }
@@ -116,6 +124,12 @@ int snmpReadProfiles(const ProfileKind& kind, const SnmpCall& call, u8* last) {
   return endReply(call, to);
 }
 
+int snmpReadProfilesBare(const ProfileKind& kind, const SnmpCall& call, u8* last) {
+  *last = 1;
+  if (call.length != static_cast<i32>(kArea)) return answerCode(call, kRequestTooShort);
+  return snmpReadProfiles(kind, call, last);
+}
+
 // --- Ports ---
 
 bool is_item_legal(u32 count) { return count <= maxAdPortNum; }
@@ -142,6 +156,8 @@ int get_adsl_obj_lable(SnmpErrInfo* err, ObjIndex* object, WireIn item) {
   const u32 portNo = port == kNoPort ? 0 : port;
   return SlotNoPortConvertObjIndex(static_cast<u16>(slot), static_cast<u16>(portNo), 0, object) == 0 ? 0 : -1;
 }
+
+u32 attachmentReply(const ProfileKind& kind) { return (kReadItem + 2 + kind.attachTail) * maxAdPortNum + kReplyArea; }
 
 // Decodes one item and puts it into the list. What is there of a cut item is checked ahead of its length.
 static int decodePort(const ProfileKind& kind, SnmpErrInfo* err, LIST* list, Reader& from) {

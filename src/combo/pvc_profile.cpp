@@ -127,6 +127,7 @@ constexpr ProfileKind pvcKind{
     .lock = &pvc_prf_config_mux,
     .reportsAttachment = false,
     .texts = texts,
+    .write = writeBatch,
     .check = check_pvc_prf_para,
     .setDefaults = setDefaults,
     .show = showPvc,

@@ -30,11 +30,12 @@ static constexpr Attribute attributes[] = {
     {kAdslLineAttribute, set_adsl_prf_att_dbapi, getPlain<get_adsl_prf_att_dbapi>},
     {kPvcAttribute, set_pvc_prf_att_dbapi, getPlain<get_pvc_prf_att_dbapi>},
     {kFeedAttribute, set_post_voltcurrent_db_api, get_post_voltcurrent_db_api},
+    {kVdslLineAttribute, set_vdsl_line_prf_att_db_api, get_vdsl_line_prf_att_db_api},
 };
 
 // What a port and a slot hold, in the order in which it is removed.
 static constexpr int (*portDeletes[])(u32 objectId) = {del_post_voltcurrent_db_api, clr_adsl_prf_att_dbapi,
-                                                       clr_pvc_prf_att_dbapi};
+                                                       clr_pvc_prf_att_dbapi, clr_vdsl_line_prf_att_db_api};
 
 static const Attribute* findAttribute(u32 number) {
   const auto* row = std::ranges::find(attributes, number, &Attribute::number);
