@@ -123,15 +123,15 @@ class ProfileLock {
   const SemaphoreId* lock_;
 };
 
-// --- Profiles (profile_batch.cpp) ---
+// --- Profiles (profile_store.cpp) ---
 
 int registerKind(const ProfileKind& kind);
-int createDefault(const ProfileKind& kind);
-void fillDefaults(const ProfileKind& kind, ProfileHead* record);
+inline i16 storeId(u16 id) { return static_cast<i16>(id); }  // an id as the store's calls take it
 
 int checkIdLegal(const ProfileKind& kind, SnmpErrInfo* err, u32 id);
 int checkIdLegalExp0(const ProfileKind& kind, SnmpErrInfo* err, u32 id);  // refuses the default profile, too
 bool profileExists(const ProfileKind& kind, u16 id);
+int readProfileName(const ProfileKind& kind, char* name, u16 id);  // to a field of 23 bytes
 int readProfile(const ProfileKind& kind, ProfileHead* record, u16 id);
 int getProfile(const ProfileKind& kind, SnmpErrInfo* err, ProfileHead* record, u16 id);  // with a check of the id
 int idByName(const ProfileKind& kind, const char* name, u16* id);
@@ -143,6 +143,18 @@ int readSelected(const ProfileKind& kind, SnmpErrInfo* err, ProfileHead* record)
 // Fills the detail that goes with a record: id and name.
 void setProfileDetail(SnmpErrInfo* err, u16 id, const char* name);
 
+// An item on the wire: id, name, body. `length` gets what it takes.
+void encodeProfile(const ProfileKind& kind, const ProfileHead* record, Writer& to);
+int decodeProfile(const ProfileKind& kind, SnmpErrInfo* err, ProfileHead* record, u32* length, WireIn from);
+// Count and items of all profiles.
+int encodeAll(const ProfileKind& kind, Writer& to);
+
+int printProfiles(const ProfileKind& kind, Vty* vty);
+
+// --- Batches (profile_batch.cpp) ---
+
+void fillDefaults(const ProfileKind& kind, ProfileHead* record);
+int createDefault(const ProfileKind& kind);
 // Checks all records, then stores them, then sends those that existed to the ports that use them. What was stored ahead
 // of a failure stays and is sent. The records follow each other; kNoCount does nothing.
 int writeBatch(const ProfileKind& kind, SnmpErrInfo* err, ProfileHead* records, u16 count);
@@ -151,14 +163,6 @@ int writeBatch(const ProfileKind& kind, SnmpErrInfo* err, ProfileHead* records, 
 int writeEach(const ProfileKind& kind, SnmpErrInfo* err, ProfileHead* records, u16 count);
 // Checks all ids, then deletes.
 int deleteBatch(const ProfileKind& kind, SnmpErrInfo* err, const u16* ids, u16 count);
-
-// An item on the wire: id, name, body. `length` gets what it takes.
-void encodeProfile(const ProfileKind& kind, const ProfileHead* record, Writer& to);
-int decodeProfile(const ProfileKind& kind, SnmpErrInfo* err, ProfileHead* record, u32* length, WireIn from);
-// Count and items of all profiles.
-int encodeAll(const ProfileKind& kind, Writer& to);
-
-int printProfiles(const ProfileKind& kind, Vty* vty);
 
 // --- Ports (profile_attach.cpp) ---
 
