@@ -52,9 +52,13 @@ static int cli_set_vdslLine_psd_func(const CommandElement*, Vty* vty, int argc, 
 // A power in dB as tenths, cut. Nothing behind a complaint.
 static std::optional<ScaledPower> readPower(Vty* vty, const char* text, double most) {
   const double power = std::atof(text);
-  if (power >= 0.0 && power <= most) return ScaledPower{0, 1, static_cast<u32>(power * 10)};
-  vty_out(vty, "para is wrong\r\n");
-  return std::nullopt;
+  if (!(power >= 0.0 && power <= most)) {
+    vty_out(vty, "para is wrong\r\n");
+    return std::nullopt;
+  }
+  // In memory it is rounded to a double, also where registers hold more: 20.2 times 10 is 202 then, not a bit less.
+  const volatile double tenths = power * 10;
+  return ScaledPower{0, 1, static_cast<u32>(tenths)};
 }
 
 static int cli_set_vdslLine_maxTxPowerDn_func(const CommandElement*, Vty* vty, int, char** argv) {

@@ -6,6 +6,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <random>
 #include <string>
 
@@ -120,6 +121,13 @@ std::vector<std::string> sent(const scenario::Played& played) {
   return lines;
 }
 
+// The first line that differs, and what stands in its place; nothing if they are equal.
+std::string difference(const std::vector<std::string>& before, const std::vector<std::string>& after) {
+  const auto [was, is] = std::ranges::mismatch(before, after);
+  if (was == before.end() && is == after.end()) return "";
+  return fmt::format("{}\n{}", was == before.end() ? "end" : *was, is == after.end() ? "end" : *is);
+}
+
 TEST(ProfileReplay, GivesTheSameTextAndTheSameBytes) {
   constexpr std::string_view look = "card 3 up\ncard 4 up\ncard 5 up\nrunning-config\n";
   constexpr std::size_t kLooks = 4;
@@ -136,9 +144,9 @@ TEST(ProfileReplay, GivesTheSameTextAndTheSameBytes) {
     for (std::size_t i = 0; i < before; ++i) ASSERT_EQ(played[i].record.back(), "= 0") << i;
     for (std::size_t i = 0; i < 3; ++i) {
       EXPECT_GE(sent(played[before + i]).size(), 2u);
-      EXPECT_EQ(sent(played[before + i]), sent(played[after + i]));
+      EXPECT_EQ(difference(sent(played[before + i]), sent(played[after + i])), "");
     }
-    EXPECT_EQ(played[before + 3].record, played[after + 3].record);
+    EXPECT_EQ(difference(played[before + 3].record, played[after + 3].record), "");
     EXPECT_THAT(played[after + 3].record, testing::Contains(testing::HasSubstr("attach vdslline profile")));
     // No line of the startup configuration was refused.
     for (const std::string& line : played[after - 1].record) EXPECT_FALSE(line.starts_with("|")) << line;

@@ -229,6 +229,20 @@ TEST_F(ProfileTest, SelectorsThatNameNothingChangeNothing) {
   EXPECT_EQ(modify_spc_vdsl_line_prf_para(&err, nullptr, 1), -1);
 }
 
+TEST_F(ProfileTest, EveryTenthOfAPowerIsKept) {
+  typed(CONFIG_NODE, "add vdslLine profile v id 1");
+  typed(CONFIG_NODE, "set vdslLine profile id 1");
+  for (u32 tenths = 0; tenths <= 255; ++tenths) {
+    const std::string power = std::to_string(tenths / 10) + "." + std::to_string(tenths % 10);
+    EXPECT_EQ(typed(CONFIG_NODE, "set vdslline para maxTxPowerDn " + power), " = 0");
+    SnmpErrInfo err;
+    VdslLinePrfRecord record;
+    ASSERT_EQ(get_vdsl_line_prf_base(&err, &record, 1), 0);
+    const u32 kept = record.item.maxTxPwrDn.value;
+    EXPECT_EQ(kept, tenths);
+  }
+}
+
 TEST_F(ProfileTest, AnUnchangedEditIsWrittenUnchecked) {
   // During recovery a profile is stored that no check would pass.
   host::setFastMode(true);
