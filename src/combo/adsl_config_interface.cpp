@@ -25,7 +25,7 @@ int init_adsl_cfg() {
     return -1;
   }
   if (init_adsl_sem() != 0) {
-    std::printf("init_adsl_config_module,init_adsl_sem failed!\r\n");
+    std::printf("init_adsl_config_module,init_adsl_sem failed!\r");
     return -1;
   }
   adsl_create_dft_prf();

@@ -111,6 +111,8 @@ static constexpr ProfileTexts texts{
     .readFailedById = "get_adsl_line_prf profile failed,and errcode is ",
     .readFailedByName = "get_adsl_line_prf failed,and errcode is ",
     .flushFailed = "flush_adsl_prf adsl line profine failed",
+    .flushName = "flush_adsl_prf",
+    .writeName = "snmp_set_adsl_prf",
     .selectDefault = "Default profile cant be modified!",
     .selectFailed = "set_adsl_prf_cfg_id failed,error.code is ",
     .attachFailed = "attach_adsl_line_prf failed,errInfo.code is ",

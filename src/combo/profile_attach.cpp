@@ -128,7 +128,7 @@ int flushProfile(const ProfileKind& kind, SnmpErrInfo* err, u32 id) {
     const auto* port = dataOf<const ObjIndex>(cell);
     u16 used = 0;
     if (attachedProfile(kind, port, &used) < 0) {
-      ulogPrintf(gModuleId_Msan, 10, "%s,getObjAttrDataByCondition error!\r\n", __func__);
+      ulogPrintf(gModuleId_Msan, 10, "%s,getObjAttrDataByCondition error!\r\n", kind.texts.flushName);
       return -1;
     }
     if (used == id && addPortNode(users, err, *port, used) != 0) return -1;

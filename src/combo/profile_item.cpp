@@ -3,7 +3,9 @@
 #include <algorithm>
 #include <cstring>
 
+#include "common/msan_init.h"
 #include "platform/command_line.h"
+#include "platform/log.h"
 
 u32 fieldOf(const ProfileField& field, const void* item) {
   const u8* at = static_cast<const u8*>(item) + field.at;
@@ -51,13 +53,18 @@ void resetItem(const ProfileShape& shape, void* item) {
   for (const ProfileField& field : shape.fields) setField(field, item, field.initial);
 }
 
+static int fail(SnmpErrInfo* err, u16 code, const char* logged) {
+  if (logged != nullptr) ulogPrintf(gModuleId_Msan, 10, "%s\r\n", logged);
+  err->errCode = code;
+  return -1;
+}
+
 static int checkField(const ProfileField& field, u32 value, SnmpErrInfo* err) {
   if (field.code == 0) return 0;
   const auto inRange = [value](const Range& range) { return range.low <= value && value <= range.high; };
   const auto isWord = [value](const Word& word) { return word.value == value; };
   if (std::ranges::any_of(field.allowed, inRange) || std::ranges::any_of(field.words, isWord)) return 0;
-  err->errCode = field.code;
-  return -1;
+  return fail(err, field.code, field.error);
 }
 
 static int checkEntries(const ProfileTable& table, u32 count, const void* item, SnmpErrInfo* err) {
@@ -65,8 +72,7 @@ static int checkEntries(const ProfileTable& table, u32 count, const void* item, 
     const u8* entry = entryOf(table, item, i);
     if (checkFields(table.fields, entry, err) != 0) return -1;
     if (table.orderCode != 0 && fieldOf(table.fields[0], entry) > fieldOf(table.fields[1], entry)) {
-      err->errCode = table.orderCode;
-      return -1;
+      return fail(err, table.orderCode, table.orderError);
     }
   }
   return 0;

@@ -27,6 +27,7 @@ struct ProfileField {
   Range allowed[3] = {};
   std::span<const Word> words = {};     // instead of ranges: its values, for commands as well
   u16 code = 0;                         // of a failed check; 0 takes any value
+  const char* error = nullptr;          // what is logged of one, if anything
   bool early = false;                   // checked while it is decoded, too
   const ProfileTable* table = nullptr;  // whose entries it counts; they follow on the wire
   const char* label = nullptr;          // null: not shown
@@ -40,9 +41,10 @@ struct ProfileTable {
   u16 most;
   u16 entry;  // bytes
   std::span<const ProfileField> fields;
-  u16 atLeast = 0;              // entries that are checked whatever the count
-  u16 orderCode = 0;            // of an entry whose first field is above its second; 0: no such check
-  const char* title = nullptr;  // shown with the number of the entry, from 1
+  u16 atLeast = 0;                   // entries that are checked whatever the count
+  u16 orderCode = 0;                 // of an entry whose first field is above its second; 0: no such check
+  const char* orderError = nullptr;  // logged
+  const char* title = nullptr;       // shown with the number of the entry, from 1
 };
 
 // Where a member stands, for a row.

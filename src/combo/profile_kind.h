@@ -63,7 +63,7 @@ struct AdslPortPrfNode {
 
 // --- Kinds ---
 
-// Complaints that differ from kind to kind. A code or the line end follows.
+// Texts that differ from kind to kind. Behind a complaint follows a code or the line end.
 struct ProfileTexts {
   const char* idRange;
   const char* addFailed;
@@ -73,6 +73,8 @@ struct ProfileTexts {
   const char* readFailedById;
   const char* readFailedByName;
   const char* flushFailed;
+  const char* flushName;  // names of functions in log lines
+  const char* writeName;
   const char* selectDefault;
   const char* selectFailed;
   const char* attachFailed;

@@ -69,7 +69,7 @@ static int decodeAll(const ProfileKind& kind, const SnmpCall& call, SnmpErrInfo*
     auto* record = reinterpret_cast<ProfileHead*>(records + i * kind.recordSize());
     if (decodeProfile(kind, err, record, &length, from.rest()) != 0) {
       if (err->errCode == kRequestTooShort) {
-        ulogPrintf(gModuleId_Msan, 10, "snmp set of profiles error,iInDataLen = %d!\r\n", call.length);
+        ulogPrintf(gModuleId_Msan, 10, "%s error,iInDataLen = %d!", kind.texts.writeName, call.length);
       }
       return -1;
     }

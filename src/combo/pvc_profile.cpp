@@ -105,6 +105,8 @@ static constexpr ProfileTexts texts{
     .readFailedById = "Get pvc profine failed,and errcode is ",
     .readFailedByName = "Get pvc profine failed,and errcode is ",
     .flushFailed = "flush_pvc_prf pvc profine failed",
+    .flushName = "flush_pvc_prf",
+    .writeName = "snmp_set_pvc_prf",
     .selectDefault = "Default profile cannt be modified!",
     .selectFailed = "set_pvc_prf_cfg_id failed,error.code is ",
     .attachFailed = "attach_pvc_prf failed,errInfo.code is ",

@@ -14,33 +14,34 @@ static constexpr u16 code(int number) { return static_cast<u16>(number); }
 
 static constexpr Range kAnyTone{0, 4095};
 static constexpr u16 kStartAboveEnd = code(-119);
+static constexpr const char* kStartAboveEndError = "VD_START_MORE_THAN_END_ERROR";
 
 // clang-format off
 static constexpr ProfileField rfiFields[] = {
-    {ITEM_FIELD(ToneRange, start), .allowed = {kAnyTone}, .code = code(-108), .label = "start"},
-    {ITEM_FIELD(ToneRange, end),   .allowed = {kAnyTone}, .code = code(-109), .label = "end"},
+    {ITEM_FIELD(ToneRange, start), .allowed = {kAnyTone}, .code = code(-108), .error = "VD_RFI_START_ERROR", .label = "start"},
+    {ITEM_FIELD(ToneRange, end),   .allowed = {kAnyTone}, .code = code(-109), .error = "VD_RFI_END_ERROR", .label = "end"},
 };
 static constexpr ProfileTable rfi{.at = offsetof(VdslLinePrfItem, rfi), .most = 16, .entry = sizeof(ToneRange),
-                                  .fields = rfiFields, .orderCode = kStartAboveEnd, .title = "rfiInfo no"};
+                                  .fields = rfiFields, .orderCode = kStartAboveEnd, .orderError = kStartAboveEndError, .title = "rfiInfo no"};
 static constexpr ProfileField toneFields[] = {
-    {ITEM_FIELD(ToneRange, start), .allowed = {kAnyTone}, .code = code(-111), .label = "start"},
-    {ITEM_FIELD(ToneRange, end),   .allowed = {kAnyTone}, .code = code(-112), .label = "end"},
+    {ITEM_FIELD(ToneRange, start), .allowed = {kAnyTone}, .code = code(-111), .error = "VD_TB_START_ERROR", .label = "start"},
+    {ITEM_FIELD(ToneRange, end),   .allowed = {kAnyTone}, .code = code(-112), .error = "VD_TB_END_ERROR", .label = "end"},
 };
 static constexpr ProfileTable tones{.at = offsetof(VdslLinePrfItem, tones), .most = 8, .entry = sizeof(ToneRange),
-                                    .fields = toneFields, .orderCode = kStartAboveEnd, .title = "tbOutInfo no"};
+                                    .fields = toneFields, .orderCode = kStartAboveEnd, .orderError = kStartAboveEndError, .title = "tbOutInfo no"};
 
 static constexpr ProfileField fields[] = {
-    {ITEM_FIELD(VdslLinePrfItem, portMode), .initial = 2, .words = portModeWords, .code = code(-102), .label = "portmode", .shown = Shown::word, .line = "set vdslline para portmode"},
-    {ITEM_FIELD(VdslLinePrfItem, stPrf), .initial = 255, .words = stPrfWords, .code = code(-103), .label = "Standard Profile", .line = "set vdslline para stdPrf"},
-    {ITEM_FIELD(VdslLinePrfItem, psdShape), .initial = 21, .allowed = {{0, 42}}, .code = code(-104), .label = "Psd Shape", .line = "set vdslline para psd"},
+    {ITEM_FIELD(VdslLinePrfItem, portMode), .initial = 2, .words = portModeWords, .code = code(-102), .error = "VD_PORT_MODE_ERROR", .label = "portmode", .shown = Shown::word, .line = "set vdslline para portmode"},
+    {ITEM_FIELD(VdslLinePrfItem, stPrf), .initial = 255, .words = stPrfWords, .code = code(-103), .error = "VD_STD_PRF_ERROR", .label = "Standard Profile", .line = "set vdslline para stdPrf"},
+    {ITEM_FIELD(VdslLinePrfItem, psdShape), .initial = 21, .allowed = {{0, 42}}, .code = code(-104), .error = "VD_PSD_SHAPE_PRF_ERROR", .label = "Psd Shape", .line = "set vdslline para psd"},
     {ITEM_FIELD(VdslLinePrfItem, maxTxPwrDn.zero)},
     {ITEM_FIELD(VdslLinePrfItem, maxTxPwrDn.decimals), .initial = 1},
-    {ITEM_FIELD(VdslLinePrfItem, maxTxPwrDn.value), .initial = 205, .allowed = {{0, 255}}, .code = code(-105), .label = "maxTxPowerDn", .shown = Shown::tenths, .line = "set vdslline para maxTxPowerDn"},
+    {ITEM_FIELD(VdslLinePrfItem, maxTxPwrDn.value), .initial = 205, .allowed = {{0, 255}}, .code = code(-105), .error = "VD_MAX_TX_PWR_DW_ERROR", .label = "maxTxPowerDn", .shown = Shown::tenths, .line = "set vdslline para maxTxPowerDn"},
     {ITEM_FIELD(VdslLinePrfItem, maxTxPwrUp.zero)},
     {ITEM_FIELD(VdslLinePrfItem, maxTxPwrUp.decimals), .initial = 1},
-    {ITEM_FIELD(VdslLinePrfItem, maxTxPwrUp.value), .initial = 145, .allowed = {{0, 202}}, .code = code(-106), .label = "maxTxPowerUp", .shown = Shown::tenths, .line = "set vdslline para maxTxPowerUp"},
-    {ITEM_FIELD(VdslLinePrfItem, rfiNum), .gap = 4, .allowed = {{0, 16}}, .code = code(-107), .early = true, .table = &rfi},
-    {ITEM_FIELD(VdslLinePrfItem, tbNum), .gap = 4, .allowed = {{0, 8}}, .code = code(-110), .early = true, .table = &tones},
+    {ITEM_FIELD(VdslLinePrfItem, maxTxPwrUp.value), .initial = 145, .allowed = {{0, 202}}, .code = code(-106), .error = "VD_MAX_TX_PWR_UP_ERROR", .label = "maxTxPowerUp", .shown = Shown::tenths, .line = "set vdslline para maxTxPowerUp"},
+    {ITEM_FIELD(VdslLinePrfItem, rfiNum), .gap = 4, .allowed = {{0, 16}}, .code = code(-107), .error = "VD_RFI_NUM_ERROR", .early = true, .table = &rfi},
+    {ITEM_FIELD(VdslLinePrfItem, tbNum), .gap = 4, .allowed = {{0, 8}}, .code = code(-110), .error = "VD_TB_NUM_ERROR", .early = true, .table = &tones},
 };
 // clang-format on
 static constexpr ProfileShape shape{
@@ -78,6 +79,8 @@ static constexpr ProfileTexts texts{
     .readFailedById = "get_vdsl_line_prf_base profile failed,and errcode is ",
     .readFailedByName = "get_vdsl_line_prf_base failed,and errcode is ",
     .flushFailed = nullptr,
+    .flushName = "flush_vdsl_line_prf",
+    .writeName = "snmp_set_vdsl_line_prf",
     .selectDefault = "Default profile cant be modified!",
     .selectFailed = "set_vdsl_line_prf_cfg_id failed,error.code is ",
     .attachFailed = "attach_vdsl_line_prf_base failed,err_info.code is ",
