@@ -134,6 +134,17 @@ TEST_F(ProfileTest, AttachmentsThatAreCutAnywhereAreRefused) {
   }
 }
 
+// 81 times the 16 ports of a slot are 1296, more than the node's 1280.
+TEST_F(ProfileTest, AReadThatWidensBeyondTheNodeIsRefused) {
+  authorise(6, "dsl16");
+  Bytes slots;
+  for (int i = 0; i < 80; ++i) slots = join({slots, hex("0006 ffff"), zeros(16)});
+  Bytes request = join({zeros(32), number(4, 80), slots});
+  EXPECT_EQ(host::agentGet(2838, &request).reply->size(), 40 + 1280 * 26u);
+  request = join({zeros(32), number(4, 81), slots, hex("0006 ffff"), zeros(16)});
+  EXPECT_EQ(*host::agentGet(2838, &request).reply, hex("00000041 0001000c 0b16 ffff 00000000 00000510"));
+}
+
 TEST_F(ProfileTest, AFullTableGivesNoId) {
   const Bytes body = pvcBody();
   Bytes items;
