@@ -7,6 +7,7 @@
 #include <charconv>
 
 #include "files.h"
+#include "flow_words.h"
 #include "host/chassis.h"
 #include "host/links.h"
 #include "operator.h"
@@ -97,11 +98,6 @@ int listCommands(const PlatformCall& call, bool all) {
 
 // --- their handlers: read the arguments, leave the action
 
-int leave(Vty* vty, PlatformAction action) {
-  static_cast<PlatformVty*>(vty)->action = std::move(action);
-  return 0;
-}
-
 u16 slotOf(const char* digits) {
   const std::string_view text = digits;
   u16 slot = 0;
@@ -180,7 +176,7 @@ const CommandElement kEverywhere[] = {
 };
 const CommandElement kDebug = {"debug", debugCommand, "go to the debug level"};
 
-constexpr std::string_view kWords[] = {"help", "exit", "write", "trace", "chassis", "debug"};
+constexpr std::string_view kWords[] = {"help", "exit", "write", "trace", "chassis", "flow", "debug"};
 // clang-format on
 
 bool equal(std::string_view typed, std::string_view word) {
@@ -196,9 +192,15 @@ std::string_view takeWord(std::string_view& line) {
 
 }  // namespace
 
+int leave(Vty* vty, PlatformAction action) {
+  static_cast<PlatformVty*>(vty)->action = std::move(action);
+  return 0;
+}
+
 void installPlatformWords() {
   for (const Level level : {Level::configuration, Level::debug})
-    for (const CommandElement& element : kEverywhere) install_element(platformNode(level), &element);
+    for (const auto elements : {std::span<const CommandElement>(kEverywhere), flowWords()})
+      for (const CommandElement& element : elements) install_element(platformNode(level), &element);
   install_element(platformNode(Level::configuration), &kDebug);
 }
 

@@ -27,6 +27,7 @@ using PlatformAction = std::function<int(const PlatformCall&)>;
 struct PlatformVty : Vty {
   PlatformAction action;
 };
+int leave(Vty* vty, PlatformAction action);  // 0
 
 inline constexpr int moduleNode(Level level) { return level == Level::debug ? DEBUG_NODE : CONFIG_NODE; }
 inline constexpr int platformNode(Level level) { return 1000 + moduleNode(level); }

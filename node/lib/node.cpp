@@ -6,6 +6,7 @@
 
 #include "host/database.h"
 #include "host/faults.h"
+#include "host/flow_store.h"
 #include "host/jobs.h"
 #include "host/links.h"
 #include "host/log.h"
@@ -22,6 +23,7 @@ void emptyPlatform() {
   host::clearLinks();
   host::clearFaults();
   host::clearJobs();
+  host::clearFlowStore();
   host::setMaster(true);
   giOmDebugPrint = 0;
   giOmRunPrint = 0;

@@ -25,8 +25,8 @@ struct FailedLine {
 
 class Node {
  public:
-  // Empties the platform (database, chassis, queues, faults) and loads the module. Throws std::runtime_error if it
-  // can't be loaded, or if msan_Module_Init fails.
+  // Empties the platform (database, chassis, flow store, queues, faults) and loads the module. Throws
+  // std::runtime_error if it can't be loaded, or if msan_Module_Init fails.
   explicit Node(std::string modulePath);
   ~Node();
   Node(const Node&) = delete;

@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <cstring>
 #include <optional>
 
 #include "arguments.h"
@@ -10,6 +11,7 @@
 #include "host/chassis.h"
 #include "host/database.h"
 #include "host/faults.h"
+#include "host/flow_store.h"
 #include "host/hex.h"
 #include "host/jobs.h"
 #include "host/links.h"
@@ -219,11 +221,32 @@ Action readFail(Arguments& arguments) {
 
 // Stores that other modules fill, the role of the control card, database events.
 
-Action readFlowStore(Arguments& arguments) {
-  arguments.number("id", 0, kMostNumber);
-  arguments.word("name");
-  if (!arguments.empty()) arguments.bytes();
-  return notAvailable("the node has no flow store");
+constexpr i64 kMostFlowId = 0x7fff;
+
+// The whole content of a rule or policy, of which the form without bytes gives the rest.
+template <class Content>
+Content readContent(Arguments& arguments, const Content& plain) {
+  if (arguments.empty()) return plain;
+  const std::vector<u8> bytes = arguments.bytes();
+  if (bytes.size() != sizeof(Content))
+    throw BadLine(fmt::format("{} bytes are given, it has {}", bytes.size(), sizeof(Content)));
+  Content content;
+  std::memcpy(&content, bytes.data(), sizeof content);
+  return content;
+}
+
+Action readFlowRule(Arguments& arguments) {
+  const auto id = static_cast<i16>(arguments.number("id", 1, kMostFlowId));
+  const std::string name(arguments.word("name"));
+  const FlowRule rule = readContent(arguments, host::plainFlowRule(name));
+  return preparing([=](Stage&) { host::setFlowRule(id, name, rule); });
+}
+
+Action readFlowPolicy(Arguments& arguments) {
+  const auto id = static_cast<i16>(arguments.number("id", 1, kMostFlowId));
+  const std::string name(arguments.word("name"));
+  const host::FlowPolicyPack pack = readContent(arguments, host::plainFlowPolicy(name));
+  return preparing([=](Stage&) { host::setFlowPolicy(id, name, pack); });
 }
 
 Action readMaster(Arguments& arguments) {
@@ -345,8 +368,8 @@ constexpr Row kTable[] = {
     {"std",            readStd},
     {"answer",         readAnswer},
     {"fail",           readFail},
-    {"flow-rule",      readFlowStore},
-    {"flow-policy",    readFlowStore},
+    {"flow-rule",      readFlowRule},
+    {"flow-policy",    readFlowPolicy},
     {"master",         readMaster},
     {"slave-flush",    readSlaveFlush},
     {"events",         readEvents},

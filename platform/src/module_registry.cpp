@@ -4,6 +4,7 @@
 #include <mutex>
 
 #include "host/agent.h"
+#include "host/flow_store.h"
 #include "host/profile_store.h"
 #include "host/registry.h"
 #include "host/semaphores.h"
@@ -58,6 +59,7 @@ void forgetModules() {
   forgetCommands();
   clearSemaphores();
   clearProfiles();
+  forgetFlowChecks();
   const std::lock_guard lock(mutex);
   records().clear();
 }

@@ -65,5 +65,22 @@ expect "what the chassis can't do" "slot 1 has no card type
 there is no card type eth9" "$out"
 expect "its exit code" 1 "$code"
 
+# Flow rules and policies by hand.
+run ctl -c "flow rule 7 name video entry 1,2,3,65535 01005e ff entry 0,0,0,0 00 00" -c "flow rule 3 name data" \
+  -c "flow policy 2 name gold content 0102" -c "flow show"
+expect "the flow store" "flow       id name                 entries
+rule        3 data                       0
+rule        7 video                      2
+policy      2 gold" "$out"
+run ctl -c "flow rule 7 none" -c "flow rule 7 none" -c "flow rule 8 name x entry 1,2,3 00 00" \
+  -c "flow rule 8 name x entry 1,2,3,4 0 00" -c "flow rule 8 name a-name-of-21-characters" -c "flow show"
+expect "what is refused" "there is none of this id
+entry 1: four numbers as 1,2,3,4 and twice up to 32 hexadecimal digits
+entry 1: four numbers as 1,2,3,4 and twice up to 32 hexadecimal digits
+a name has 20 characters at most
+flow       id name                 entries
+rule        3 data                       0
+policy      2 gold" "$out"
+
 stop
 exit $bad

@@ -123,6 +123,10 @@ TEST(ScenarioReader, ArgumentsOfEveryDirectiveAreChecked) {
                            "fail ngn 3087",
                            "fail gpon 3 1 x",
                            "flow-rule x NAME",
+                           "flow-rule 0 NAME",
+                           "flow-rule 32768 NAME",
+                           "flow-rule 1 NAME 00*343",
+                           "flow-policy 1 NAME 00*98",
                            "master",
                            "events detach",
                            "fault alloc 0",
@@ -135,8 +139,9 @@ TEST(ScenarioReader, ArgumentsOfEveryDirectiveAreChecked) {
                            "log some",
                            "std"})
     EXPECT_NE(problem(line), "0 problems") << line;
-  for (const char* line : {"cli", "cli@10 show msan debug print", "snmp get 0x0c0f null", "fail epon 3 2841 -5",
-                           "flow-rule 1 NAME", "attribute 1 0 285 4", "std std_get 1 2"})
+  for (const char* line :
+       {"cli", "cli@10 show msan debug print", "snmp get 0x0c0f null", "fail epon 3 2841 -5", "flow-rule 1 NAME",
+        "flow-rule 32767 NAME 00*344", "flow-policy 1 NAME 00*97", "attribute 1 0 285 4", "std std_get 1 2"})
     EXPECT_EQ(problem(line), "0 problems") << line;
 }
 
