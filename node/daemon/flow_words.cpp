@@ -25,7 +25,8 @@ Number numberOf(std::string_view digits) {
   return number;
 }
 
-// Bytes from hexadecimal digits, as many as there are, to the front of `bytes`. False for another text, or a longer one.
+// Bytes from hexadecimal digits, as many as there are, to the front of `bytes`. False for another text, or a longer
+// one.
 bool readHex(std::string_view text, std::span<u8> bytes) {
   if (text.size() % 2 != 0 || text.size() / 2 > bytes.size()) return false;
   for (std::size_t i = 0; i < text.size(); i += 2) {
@@ -88,10 +89,12 @@ int ruleCommand(const CommandElement*, Vty* vty, int argc, char** argv) {
   FlowRule rule = host::plainFlowRule(name);
   for (int i = 2; i + 2 < argc; i += 3) {
     FlowRuleEntry& entry = rule.entries[rule.count++];
-    if (readWords(argv[i], entry.words) && readHex(argv[i + 1], entry.blocks[0]) && readHex(argv[i + 2], entry.blocks[1]))
+    if (readWords(argv[i], entry.words) && readHex(argv[i + 1], entry.blocks[0]) &&
+        readHex(argv[i + 2], entry.blocks[1]))
       continue;
     return leave(vty, [number = rule.count](const PlatformCall& call) {
-      return refuse(call, fmt::format("entry {}: four numbers as 1,2,3,4 and twice up to 32 hexadecimal digits", number));
+      return refuse(call,
+                    fmt::format("entry {}: four numbers as 1,2,3,4 and twice up to 32 hexadecimal digits", number));
     });
   }
   return leave(vty, [=, id = numberOf<i16>(argv[0])](const PlatformCall&) {

@@ -4,8 +4,8 @@
 
 #include "platform/types.h"
 
-inline constexpr u16 kFlowEntries = 8;     // of a rule at most
-inline constexpr u8 kFlowName = 20;        // characters of a name that count
+inline constexpr u16 kFlowEntries = 8;      // of a rule at most
+inline constexpr u8 kFlowName = 20;         // characters of a name that count
 inline constexpr u32 kFlowPolicyInfo = 65;  // bytes
 inline constexpr u32 kFlowPolicyPack = 97;  // bytes
 
@@ -33,12 +33,12 @@ int flowRuleGetIdByName(const char* name);
 int flowRuleGetNameById(char* name, u8* length, i16 id);
 int flowPolicyGetNameById(char* name, u8* length, i16 id);
 
-int flowRuleGetPrfInfo(i16 id, FlowRule* rule);               // negative on failure
-int flowPolicyGetPrfInfo(i16 id, u8* info);                   // kFlowPolicyInfo bytes; non-zero on failure
-int fpGetSpcPrfPack(u8* pack, u32* length, i16 id);           // kFlowPolicyPack bytes; negative on failure
+int flowRuleGetPrfInfo(i16 id, FlowRule* rule);      // negative on failure
+int flowPolicyGetPrfInfo(i16 id, u8* info);          // kFlowPolicyInfo bytes; non-zero on failure
+int fpGetSpcPrfPack(u8* pack, u32* length, i16 id);  // kFlowPolicyPack bytes; negative on failure
 
-// A module's answer to whether a rule or policy is bound: 1 yes, 0 no, negative when it can't tell. The store asks ahead
-// of removing one.
+// A module's answer to whether a rule or policy is bound: 1 yes, 0 no, negative when it can't tell. The store asks
+// ahead of removing one.
 using FlowBindCheck = int(i16 type, u16 id);
 int flowRuleRegBindCheck(FlowBindCheck* check);
 int flowPolicyRegBindCheck(FlowBindCheck* check);
