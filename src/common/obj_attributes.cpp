@@ -7,6 +7,7 @@
 #include "common/interface_list.h"
 #include "common/msan_init.h"
 #include "common/trace.h"
+#include "data/port_vlan.h"
 #include "platform/database.h"
 #include "platform/log.h"
 #include "platform/objects.h"
@@ -27,6 +28,7 @@ static int getPlain(u32 objectId, void* data, u32 offset, u32 length) {
 }
 
 static constexpr Attribute attributes[] = {
+    {kVlanAttribute, set_port_vlan_cfg_db_api, get_port_vlan_cfg_db_api},
     {kAdslLineAttribute, set_adsl_prf_att_dbapi, getPlain<get_adsl_prf_att_dbapi>},
     {kPvcAttribute, set_pvc_prf_att_dbapi, getPlain<get_pvc_prf_att_dbapi>},
     {kFeedAttribute, set_post_voltcurrent_db_api, get_post_voltcurrent_db_api},
@@ -34,8 +36,9 @@ static constexpr Attribute attributes[] = {
 };
 
 // What a port and a slot hold, in the order in which it is removed.
-static constexpr int (*portDeletes[])(u32 objectId) = {del_post_voltcurrent_db_api, clr_adsl_prf_att_dbapi,
-                                                       clr_pvc_prf_att_dbapi, clr_vdsl_line_prf_att_db_api};
+static constexpr int (*portDeletes[])(u32 objectId) = {del_port_vlan_cfg_db_api, del_post_voltcurrent_db_api,
+                                                       clr_adsl_prf_att_dbapi, clr_pvc_prf_att_dbapi,
+                                                       clr_vdsl_line_prf_att_db_api};
 
 static const Attribute* findAttribute(u32 number) {
   const auto* row = std::ranges::find(attributes, number, &Attribute::number);

@@ -7,6 +7,7 @@
 #include "platform/types.h"
 
 enum AttributeNumber : u32 {
+  kVlanAttribute = 272,
   kAdslLineAttribute = 281,
   kPvcAttribute = 282,
   kFeedAttribute = 285,

@@ -2,12 +2,18 @@
 
 #include "common/areas.h"
 #include "common/msan_init.h"
+#include "data/port_vlan.h"
 #include "data/vlan_profile.h"
 #include "platform/command_line.h"
 #include "platform/log.h"
+#include "platform/objects.h"
 
 static constexpr Step init[] = {init_port_vlan_cfg_module};
-static constexpr Step install[] = {installVlanProfileCommands, installVlanServiceCommands, installVlanProfileShow};
+static constexpr Step snmpRegister[] = {register_port_vlan_cfg_msg_snmp};
+static constexpr Step install[] = {install_port_vlan_cfg_cli_element};
+static constexpr SlotStep hotplug[] = {recover_port_vlan_cfg};
+// Of each slot with a card of the module's, all items of one slot ahead of the next slot.
+static constexpr int (*slotShowrun[])(Vty* vty, u16 slot) = {showrun_vlan_table};
 
 int msan_data_init() {
   callAll(init);
@@ -16,15 +22,25 @@ int msan_data_init() {
 }
 
 int msan_data_snmp_register() {
+  callAll(snmpRegister);
   ulogPrintf(gModuleId_Msan, 10, "msan data snmp register ok! \n\r");
   return 0;
 }
 
 int msan_data_cli_install() { return callAll(install); }
 
+// The banner of this area stands behind its lines.
 int msan_data_showrun(Vty* vty) {
+  u32 slots[100];
+  u32 count = 0;
+  if (ddGetServeSlotList(slots, 100, &count) != 0) count = 0;
+  for (u32 i = 0; i < count; ++i) {
+    const auto slot = static_cast<u16>(slots[i]);
+    const int card = get_config_card_type(slot);
+    if (card > 0 && caCheckCardTypeIsMsanCard(static_cast<u16>(card)) == 0) callAll(slotShowrun, vty, slot);
+  }
   vty_out(vty, "!msan data config ---------------- %s", "\r\n");
   return 0;
 }
 
-int msan_data_hotplug(u16) { return 0; }
+int msan_data_hotplug(u16 slot) { return callAll(hotplug, slot); }

@@ -93,8 +93,6 @@ void init_vlan_item(VlanItem* item, u16 pvcIndex) {
   std::ranges::fill(item->services, free);
 }
 
-u16 numberOf(const char* text) { return static_cast<u16>(bep_atoiEx(text)); }
-
 bool tooLong(const char* name) { return bep_StrLen(name) > kVlanName; }
 
 VlanProfile* currentProfile(Vty* vty) {
@@ -169,14 +167,14 @@ int cli_enter_vlan_prf_func(const CommandElement*, Vty* vty, int argc, char** ar
 
 // The words behind "enable": tpid, vid, cos, and whether the inner cos is copied.
 static int readTls(Vty* vty, VlanItem& item, char** argv) {
-  const u16 vid = numberOf(argv[2]);
-  const u16 cos = numberOf(argv[3]);
+  const u16 vid = cutNumber(argv[2]);
+  const u16 cos = cutNumber(argv[3]);
   if (vid < kMinVid || vid > kMaxVid) return refuse(vty, "Invalid vlan id %d.\r\n", vid);
   if (cos > kMaxCos) return refuse(vty, "Invalid cos %d.\r\n", cos);
   const auto copy = valueOf(kSwitchWords, argv[4]);
   if (!copy) return refuse(vty, "Unknown command.\r\n");
   item.tlsEnable = 1;
-  item.tlsTpid = numberOf(argv[1]);
+  item.tlsTpid = cutNumber(argv[1]);
   item.tlsVid = vid;
   item.tlsCos = cos;
   item.tlsCosCopy = static_cast<u8>(*copy);
@@ -221,7 +219,7 @@ static CommandHandler cli_delete_vlan_service_func;
 int cli_delete_vlan_service_func(const CommandElement*, Vty* vty, int argc, char** argv) {
   if (argc != 2) return refuse(vty, "Unknown command.\r\n");
   const char* name = argv[0];
-  const u16 service = numberOf(argv[1]);
+  const u16 service = cutNumber(argv[1]);
   if (tooLong(name)) return refuse(vty, "Profile name %.20s is too long.\r\n", name);
   if (isDefaultName(name)) return refuse(vty, "Can't delete system default vlan profile name.\r\n");
   VlanProfile* profile = findOperators(name);

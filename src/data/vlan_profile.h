@@ -80,8 +80,6 @@ void init_vlan_item(VlanItem* item, u16 pvcIndex);
 void leaveTranslation(VlanService* service);  // the values of a service that does not translate
 void leaveQinq(VlanService* service);         // and of one without an outer tag
 
-// The terminal's number: decimal, cut to 16 bits.
-u16 numberOf(const char* text);
 bool tooLong(const char* name);  // for the name of a profile or rule
 
 // The lines of a service, and what stands above the services of a profile or of a port's row.

@@ -14,12 +14,12 @@
 static bool isDigit(char c) { return c >= '0' && c <= '9'; }
 
 static int readVid(Vty* vty, const char* text, u16* vid) {
-  *vid = numberOf(text);
+  *vid = cutNumber(text);
   return *vid >= kMinVid && *vid <= kMaxVid ? 0 : refuse(vty, "Invalid cvlan id %d.\r\n", *vid);
 }
 
 static int readTagVid(Vty* vty, const char* text, u16* vid) {
-  *vid = numberOf(text);
+  *vid = cutNumber(text);
   if (*vid >= kMinVid && *vid <= kMaxVid) return 0;
   return refuse(vty, "Invalid cvlan id %d. vid scope %d-%d\r\n", *vid, kMinVid, kMaxVid);
 }
@@ -32,12 +32,12 @@ static int readVidOrAll(Vty* vty, const char* text, u16* vid) {
   if (strange != word.end()) {
     return refuse(vty, "Invalid vlan id %c, please input 0-4085 or all.\r\n", *strange);
   }
-  *vid = numberOf(text);
+  *vid = cutNumber(text);
   return *vid >= kMinVid && *vid <= kMaxVid ? 0 : refuse(vty, "Invalid vlan id %d.\r\n", *vid);
 }
 
 static int readCos(Vty* vty, const char* text, u16* cos) {
-  *cos = numberOf(text);
+  *cos = cutNumber(text);
   return *cos <= kMaxCos ? 0 : refuse(vty, "Invalid cvlan cos %d.\r\n", *cos);
 }
 
@@ -49,7 +49,7 @@ static int readChoice(Vty* vty, const char* text, u16* cos, Text<const char*> no
     vty_out(vty, noNumber.format, text);
     return -1;
   }
-  *cos = numberOf(text);
+  *cos = cutNumber(text);
   if (*cos <= kMaxCos) return 0;
   vty_out(vty, tooHigh.format, *cos);
   return -1;
@@ -74,8 +74,8 @@ static int readRule(Vty* vty, const char* name, int* id) {
 
 // tpid, vid and cos behind "outvlan".
 static int readOutvlan(Vty* vty, char** words, VlanService* service) {
-  service->transTpid = numberOf(words[0]);
-  service->transVid = numberOf(words[1]);
+  service->transTpid = cutNumber(words[0]);
+  service->transVid = cutNumber(words[1]);
   if (service->transVid < kMinVid || service->transVid > kMaxVid) {
     return refuse(vty, "Invalid outvlan id %d.\r\n", service->transVid);
   }
@@ -86,12 +86,12 @@ static int readOutvlan(Vty* vty, char** words, VlanService* service) {
 // tpid, vid, cos and rule behind "qinq".
 static int readQinq(Vty* vty, char** words, VlanService* service) {
   service->qinqEnable = 1;
-  service->qinqTpid = numberOf(words[0]);
-  service->qinqVid = numberOf(words[1]);
+  service->qinqTpid = cutNumber(words[0]);
+  service->qinqVid = cutNumber(words[1]);
   if (service->qinqVid < kMinVid || service->qinqVid > kMaxVid) {
     return refuse(vty, "Invalid qinq vlan id %d.\r\n", service->qinqVid);
   }
-  service->qinqCos = numberOf(words[2]);
+  service->qinqCos = cutNumber(words[2]);
   if (service->qinqCos > kMaxCos) return refuse(vty, "Invalid qinq cos %d.\r\n", service->qinqCos);
   int rule = 0;
   if (readRule(vty, words[3], &rule) != 0) return -1;
@@ -119,7 +119,7 @@ static int readService(Vty* vty, const AddForm& form, int argc, char** argv, Vla
   service->serviceType = form.type;
   service->vlanMode = form.mode;
   service->entryState = kInUse;
-  service->cvlanTpid = numberOf(argv[0]);
+  service->cvlanTpid = cutNumber(argv[0]);
   leaveTranslation(service);
   leaveQinq(service);
   if (form.readVid(vty, argv[1], &service->cvlanVid) != 0 || form.readCos(vty, argv[2], &service->cvlanCos) != 0) {

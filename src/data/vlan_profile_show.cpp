@@ -58,7 +58,7 @@ int cli_show_vlan_profile_func(const CommandElement*, Vty* vty, int argc, char**
   vty_out(vty, "%-16s%-4d\r\n", "profile id:", id);
   showVlanHead(vty, item);
   if (argc == 2) {
-    const u16 service = numberOf(argv[1]);
+    const u16 service = cutNumber(argv[1]);
     if (service == 0 || service > item.serviceNum) return refuse(vty, "Invalid service id %d.\r\n", service);
     show_vlan_profile_service(vty, item.services[service - 1], service);
     return 0;

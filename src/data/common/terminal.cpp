@@ -1,5 +1,9 @@
 #include "data/common/terminal.h"
 
+#include "platform/wrappers.h"
+
+u16 cutNumber(const char* text) { return static_cast<u16>(bep_atoiEx(text)); }
+
 void vty_err_info(Vty* vty, const SnmpErrInfo& err) { vty_out(vty, "errCode:%d\r\n", static_cast<i16>(err.errCode)); }
 
 int transCliAddr2ObjIndex(Vty* vty, const CliAddr* address, ObjIndex* object) {

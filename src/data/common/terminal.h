@@ -20,6 +20,9 @@ int refuse(Vty* vty, Text<std::type_identity_t<Arguments>...> text, Arguments...
   return -1;
 }
 
+// A number of a command: decimal, cut to 16 bits.
+u16 cutNumber(const char* text);
+
 // "errCode:N": of what a failed step has to tell, the code.
 void vty_err_info(Vty* vty, const SnmpErrInfo& err);
 
