@@ -230,6 +230,7 @@ static constexpr DataItem item = {
     .most = 1024,
     .mostSelected = 1024,
     .wholeSlot = 65535,
+    .leastAnswer = 42,
     .message = 600000,
     .parse = parse_set_port_vlan,
     .set = set_port_vlan_cfg,

@@ -102,7 +102,6 @@ static int checkPort(PortVlanRecord* record, SnmpErrInfo* err) {
   if (checkObjErr(kVlanMessage, kCheckLabel, &record->object, kAnyCard, err) != 0) return -1;
   const u16 slot = record->object.addr[1];
   const u16 port = record->object.addr[2];
-  if (record->object.level != kPortLevel) return reject(err, kPortNumber, {slot, port});
   PortVlanTable& table = record->table;
   bool multiPvc = false;
   if (check_pvcnum(slot, port, &table.pvcNum, &multiPvc, err) != 0) return -1;

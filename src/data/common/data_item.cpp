@@ -188,8 +188,10 @@ int recoverSlot(const DataItem& item, u16 slot) {
 
 // --- Get ---
 
-static int list(ObjIndex* object, LIST* objects, SnmpErrInfo* err) {
-  if (insert_sort_list_by_index(object, objects) == 0) return 0;
+// Refused as well: more objects than an answer holds.
+static int list(const DataItem& item, ObjIndex* object, LIST* objects, SnmpErrInfo* err) {
+  const bool fits = static_cast<u32>(lstCount(objects)) < kMaxPacket / item.leastAnswer;
+  if (fits && insert_sort_list_by_index(object, objects) == 0) return 0;
   mpuFree(object);
   return reject(err, kNoMemory);
 }
@@ -202,19 +204,19 @@ static int selectAll(const DataItem& item, u16 slot, LIST* objects, SnmpErrInfo*
     auto* object = dataOf<ObjIndex>(cell);
     if (!item.holds(object)) continue;
     static_cast<ObjListCell*>(cell)->data = nullptr;
-    if (list(object, objects, err) != 0) return -1;
+    if (list(item, object, objects, err) != 0) return -1;
   }
   return 0;
 }
 
-static int selectOne(u16 slot, u16 port, LIST* objects, SnmpErrInfo* err) {
+static int selectOne(const DataItem& item, u16 slot, u16 port, LIST* objects, SnmpErrInfo* err) {
   auto* object = newRecord<ObjIndex>();
   if (object == nullptr) return reject(err, kNoMemory);
   if (const int code = SlotNoPortConvertObjIndex(slot, port, 0, object)) {
     mpuFree(object);
     return reject(err, code);
   }
-  return list(object, objects, err);
+  return list(item, object, objects, err);
 }
 
 int selectObjects(const DataItem& item, WireIn frame, LIST* objects, SnmpErrInfo* err) {
@@ -229,7 +231,7 @@ int selectObjects(const DataItem& item, WireIn frame, LIST* objects, SnmpErrInfo
     in.skip(kSelector - 4);
     if (isSlotAuthed(slot) != 1) return reject(err, kNoSlot, {slot});
     const bool whole = port == item.wholeSlot;
-    if ((whole ? selectAll(item, slot, objects, err) : selectOne(slot, port, objects, err)) != 0) return -1;
+    if ((whole ? selectAll(item, slot, objects, err) : selectOne(item, slot, port, objects, err)) != 0) return -1;
   }
   return 0;
 }

@@ -28,6 +28,7 @@ struct DataItem {
   u32 least, most;             // objects of a SET
   u32 mostSelected;            // selectors of a GET; none stand for the whole node
   u16 wholeSlot;               // the port of a selector that stands for all of its slot
+  u32 leastAnswer;             // bytes of the smallest object of an answer
   u32 message;                 // room for a message to a card, its envelope included
 
   // An object of a SET into a record. 0, or -1 with `err` filled; a frame that has ended is the road's to tell.
@@ -69,7 +70,7 @@ int sendRecords(const DataItem& item, LIST* records);
 
 // --- Parts ---
 
-enum DataError : int { kCountRange = -1, kNoSlot = -3, kPortNumber = -7, kShortFrame = -18, kNoMemory = -19 };
+enum DataError : int { kCountRange = -1, kNoSlot = -3, kShortFrame = -18, kNoMemory = -19 };
 
 // Fills the record of an error: code, details of 2 bytes each. -1.
 int reject(SnmpErrInfo* err, int code, std::initializer_list<u16> details = {});
