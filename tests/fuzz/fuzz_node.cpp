@@ -7,6 +7,7 @@
 #include <filesystem>
 
 #include "host/database.h"
+#include "host/flow_store.h"
 #include "host/jobs.h"
 #include "host/log.h"
 #include "host/observer.h"
@@ -32,6 +33,9 @@ struct Fixture {
       node.authorise(card.slot, *host::findCardType(card.type));
       node.cardUp(card.slot);
     }
+    FlowRule rule = host::plainFlowRule("r");
+    rule.count = kFlowEntries;
+    host::setFlowRule(1, "r", rule);
     host::runJobs();
     poolInUse = host::poolInUse();
   }

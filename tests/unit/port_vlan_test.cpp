@@ -2,7 +2,7 @@
 
 #include "data/port_vlan.h"
 
-#include <algorithm>
+#include <thread>
 
 #include "common/wire.h"
 #include "host/agent.h"
@@ -132,6 +132,37 @@ TEST_F(PortVlan, AnswersAndListsThatAreTooLargeAreRefused) {
   // 65536 records.
   typed(CONFIG_NODE, "enter vlan profile p");
   EXPECT_EQ(typed(CONFIG_NODE, "attach vlan profile p interface 1-8,11-18/1-64/0-63 pvc 0"), "malloc fail!\r\n = -1");
+}
+
+// Operator, manager and a card that returns, each on its thread, over the same ports.
+TEST_F(PortVlan, DoorsOverlapThreads) {
+  authorise(1, "adsl16");
+  authorise(2, "vdsl16");
+  makeProfile(2, 8);
+  std::thread manager([] {
+    for (int i = 0; i < 30; ++i) {
+      std::vector<u8> set(36 + 42), get(36);
+      set[35] = set[39] = 1;
+      set[37] = 2;
+      set[57] = 1;
+      EXPECT_EQ(host::agentSet(kVlanMessage, true, &set).reply->size(), 4U);
+      EXPECT_GT(host::agentGet(kVlanMessage, &get).reply->size(), 40U);
+    }
+  });
+  std::thread card([] {
+    for (int i = 0; i < 30; ++i) msan_slot_hotplug(i % 2 == 0 ? 1 : 2);
+  });
+  for (int i = 0; i < 30; ++i) {
+    host::setFlowRule(2, "other", host::plainFlowRule("other"));
+    typed(CONFIG_NODE, "enter vlan profile p");
+    EXPECT_EQ(typed(CONFIG_NODE, "attach vlan profile p interface 1-2/1-2 pvc 0"),
+              "Attach vlan profile p(id:1) to slot 2 port 2 pvc 0 success.\r\n = 0");
+    Vty vty;
+    msan_Init_Showrun(&vty);
+    EXPECT_NE(vty.text.find("attach vlan profile defVlanPrf interface 1/1 pvc 0 "), std::string::npos);
+  }
+  manager.join();
+  card.join();
 }
 
 TEST_F(PortVlan, RowsGoByTheirNumberServicesByThePvcThatTheRowNames) {
