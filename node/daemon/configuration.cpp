@@ -38,6 +38,7 @@ class Reader {
   std::vector<SlotConfiguration> slots(const toml::key& key, const toml::node& value) const;
   const toml::table& table(const toml::key& key, const toml::node& value) const;
   const toml::array& array(const toml::key& key, const toml::node& value) const;
+  std::vector<std::string> texts(const toml::key& key, const toml::node& value) const;
   std::string plain(const toml::key& key, const toml::node& value) const;
   std::string secret(const toml::key& key, const toml::node& value) const;
   bool writes(const toml::key& key, const toml::node& value) const;
@@ -137,6 +138,12 @@ const toml::array& Reader::array(const toml::key& key, const toml::node& value) 
   const auto* array = value.as_array();
   if (array == nullptr) fail(value.source(), fmt::format("{} must be a list", key.str()));
   return *array;
+}
+
+std::vector<std::string> Reader::texts(const toml::key& key, const toml::node& value) const {
+  std::vector<std::string> all;
+  for (const toml::node& entry : array(key, value)) all.push_back(text(key, entry));
+  return all;
 }
 
 std::string Reader::plain(const toml::key& key, const toml::node& value) const {
@@ -258,11 +265,13 @@ Configuration Reader::read(const toml::table& table) const {
       log(key, value, configuration);
     else if (key == "slots")
       configuration.slots = slots(key, value);
+    else if (key == "flow")
+      configuration.flow = texts(key, value);
     else if (key == "snmp")
       configuration.snmp = snmp(key, value);
     else
       fail(key.source(),
-           fmt::format("unknown key \"{}\": there are socket, startup, module, log, snmp and slots", key.str()));
+           fmt::format("unknown key \"{}\": there are socket, startup, module, log, flow, snmp and slots", key.str()));
   }
   return configuration;
 }

@@ -25,6 +25,7 @@ struct Configuration {
   host::LogTo logTo = host::LogTo::standardError;
   std::string logFile;
   std::vector<SlotConfiguration> slots;  // ascending
+  std::vector<std::string> flow;         // flow rules and policies: what stands behind "flow" at the terminal
   SnmpSettings snmp;                     // it listens nowhere: no agent
 };
 

@@ -9,6 +9,7 @@
 #include <csignal>
 #include <filesystem>
 #include <optional>
+#include <stdexcept>
 #include <system_error>
 
 #include "agent.h"
@@ -70,6 +71,17 @@ static void announceCards(node::Node& node, const Configuration& configuration) 
   }
 }
 
+// What the startup configuration may cite has to be there ahead of it.
+static void fillFlowStore(Operator& commands, const Configuration& configuration) {
+  for (const std::string& words : configuration.flow) {
+    Terminal terminal;
+    std::string text;
+    const wire::Result result = commands.run(terminal, "flow " + words, text);
+    if (result.good()) continue;
+    throw std::runtime_error(fmt::format("flow \"{}\": {}", words, text.empty() ? "no such words" : text));
+  }
+}
+
 void runDaemon(const Configuration& configuration) {
   const Descriptor stop = stopSignals();
   allowManyTerminals();
@@ -83,10 +95,11 @@ void runDaemon(const Configuration& configuration) {
   for (const SlotConfiguration& slot : configuration.slots)
     if (const int result = node.authorise(slot.slot, *slot.card); result != 0)
       complain(fmt::format("slot {}: card type {} gave {}", slot.slot, slot.card->name, result));
+  Operator commands(node, configuration.startup);
+  fillFlowStore(commands, configuration);
   executeStartup(node, configuration.startup);
   announceCards(node, configuration);
 
-  Operator commands(node, configuration.startup);
   Door door;
   listener.open();
   Server server(listener.descriptor(), door, commands);

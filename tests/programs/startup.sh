@@ -57,4 +57,24 @@ start
 expectMatch "a file that is too long" "*not executed: $folder/startup.cfg: is longer than 16777216 bytes*" \
   "$(cat "$folder/log")"
 stop
+
+# Services that cite a flow rule come back when the configuration file makes the rule.
+rm "$folder/startup.cfg"
+cp "$folder/msand.toml" "$folder/plain.toml"
+{ echo 'flow = ["rule 5 name video entry 1,2,3,4 01 02", "policy 2 name gold"]'; cat "$folder/plain.toml"; } >"$folder/msand.toml"
+start
+ctl -c "chassis slot 5 card vdsl16" -c "add vlan service type unicast mode tag vid 9 crule video interface 5/1" \
+  -c write >/dev/null
+line=$(grep 'rule video' "$folder/startup.cfg")
+stop
+printf '5 = { card = "vdsl16" }\n' >>"$folder/msand.toml"
+: >"$folder/log"
+start
+expectMatch "a service with its rule" "*$line*" "$(ctl -c 'show running-config')"
+expectMatch "without a failed line" "*startup.cfg executed, 0 lines failed" "$(grep executed "$folder/log")"
+stop
+{ echo 'flow = ["rule 5 named video"]'; cat "$folder/plain.toml"; } >"$folder/msand.toml"
+run "$bin/msand" --config "$folder/msand.toml" --snmp none
+expect "exit code of words that are none" 1 "$code"
+expectMatch "and why" '*flow "rule 5 named video": no such words*' "$err"
 exit $bad

@@ -73,8 +73,9 @@ TEST(Configuration, AnEmptyFileIsAnEmptyChassis) {
 TEST(Configuration, ErrorsNameTheirLine) {
   // clang-format off
   const struct { const char* text; const char* complaint; } cases[] = {
-      {"\nsockets = 'a'\n",                      ":2: unknown key \"sockets\": there are socket, startup, module, log, snmp and slots"},
+      {"\nsockets = 'a'\n",                      ":2: unknown key \"sockets\": there are socket, startup, module, log, flow, snmp and slots"},
       {"socket = 3",                              ":1: socket must be a text in quotes"},
+      {"flow = ['a', 1]",                         ":1: flow must be a text in quotes"},
       {"startup = ''",                            ":1: startup must not be empty"},
       {"slots = 5",                               ":1: slots must be a table"},
       {"[slots]\n9 = { card = 'adsl32' }",        ":2: \"9\" is no slot for a service card: these are 1 to 8 and 11 to 18"},
