@@ -46,7 +46,7 @@ enum PortVlanError : int {
 
 // The steps. 0 or -1, with `err` filled where one is given.
 int parse_set_port_vlan(Reader& in, ObjIndex* record, SnmpErrInfo* err);
-int check_port_vlan_cfg(LIST* records, SnmpErrInfo* err);  // changes rows counts and indexes to the port's
+int check_port_vlan_cfg(LIST* records, SnmpErrInfo* err);  // sets row counts and PVC indexes as the port has them
 int save_port_vlan_cfg(LIST* records);
 int send_port_vlan_cfg(LIST* records);
 int set_port_vlan_cfg(LIST* records, SnmpErrInfo* err);

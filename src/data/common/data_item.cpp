@@ -189,7 +189,7 @@ int recoverSlot(const DataItem& item, u16 slot) {
 // --- Get ---
 
 // Refused as well: more objects than an answer holds.
-static int list(const DataItem& item, ObjIndex* object, LIST* objects, SnmpErrInfo* err) {
+static int addObject(const DataItem& item, ObjIndex* object, LIST* objects, SnmpErrInfo* err) {
   const bool fits = static_cast<u32>(lstCount(objects)) < kMaxPacket / item.leastAnswer;
   if (fits && insert_sort_list_by_index(object, objects) == 0) return 0;
   mpuFree(object);
@@ -204,7 +204,7 @@ static int selectAll(const DataItem& item, u16 slot, LIST* objects, SnmpErrInfo*
     auto* object = dataOf<ObjIndex>(cell);
     if (!item.holds(object)) continue;
     static_cast<ObjListCell*>(cell)->data = nullptr;
-    if (list(item, object, objects, err) != 0) return -1;
+    if (addObject(item, object, objects, err) != 0) return -1;
   }
   return 0;
 }
@@ -216,7 +216,7 @@ static int selectOne(const DataItem& item, u16 slot, u16 port, LIST* objects, Sn
     mpuFree(object);
     return reject(err, code);
   }
-  return list(item, object, objects, err);
+  return addObject(item, object, objects, err);
 }
 
 int selectObjects(const DataItem& item, WireIn frame, LIST* objects, SnmpErrInfo* err) {
