@@ -65,7 +65,7 @@ int cli_attach_vlan_profile_func(const CommandElement*, Vty* vty, int argc, char
   ObjList addresses, records;
   if (tooLong(argv[0])) return refuse(vty, "Profile name %.20s is too long.\r\n", argv[0]);
   if (find_vlan_prf_id_by_name(argv[0], &id) != 0) return refuse(vty, "Profile %.20s is not exist.\r\n", argv[0]);
-  if (readInterfaces(vty, argv[1], addresses) != 0 || readPvc(vty, argv[2], &pvc) != 0) return -1;
+  if (readInterfaces(vty, argv[1], addresses) != 0 || readPvc(vty, argc > 2 ? argv[2] : nullptr, &pvc) != 0) return -1;
   VlanProfile& profile = gPortVlanPrf[id];
   profile.item.pvcIndex = pvc;
   if (setRow(vty, addresses, records, pvc, profile.item) != 0) return -1;
@@ -84,7 +84,7 @@ int cli_detach_vlan_profile_func(const CommandElement*, Vty* vty, int argc, char
   if (argc != 1 && argc != 2) return refuse(vty, "Unknown command.\r\n");
   u16 pvc = kNoPvc;
   ObjList addresses, records;
-  if (readInterfaces(vty, argv[0], addresses) != 0 || readPvc(vty, argv[1], &pvc) != 0) return -1;
+  if (readInterfaces(vty, argv[0], addresses) != 0 || readPvc(vty, argc > 1 ? argv[1] : nullptr, &pvc) != 0) return -1;
   VlanItem plain;
   init_vlan_item(&plain, pvc);
   if (setRow(vty, addresses, records, pvc, plain) != 0 || setRecords(vty, records) != 0) return -1;
@@ -187,7 +187,7 @@ int cli_show_service_vlan_func(const CommandElement*, Vty* vty, int argc, char**
   ObjList addresses;
   if (readInterfaces(vty, argv[0], addresses) != 0) return -1;
   for (NODE* cell = lstFirst(addresses); cell != nullptr; cell = lstNext(cell)) {
-    if (showPort(vty, *dataOf<const CliAddr>(cell), argv[1]) != 0) return -1;
+    if (showPort(vty, *dataOf<const CliAddr>(cell), argc > 1 ? argv[1] : nullptr) != 0) return -1;
   }
   return 0;
 }

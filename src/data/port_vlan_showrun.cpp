@@ -50,13 +50,10 @@ static void addRule(Line& line, const char* keyword, i16 id) {
   line.add(" %s %.20s", keyword, name);
 }
 
-static constexpr Word typeWords[] = {{"unicast", kUnicast}, {"multicast", kMulticast}};
-static constexpr Word modeWords[] = {{"tag", kTag}, {"translation", kTranslation}, {"transparent", kTransparent}};
-
 // The line of a service; empty for one of a type or mode that no command makes.
 static void addService(Line& line, const VlanService& s) {
-  const char* type = textOf(typeWords, s.serviceType, nullptr);
-  const char* mode = textOf(modeWords, s.vlanMode, nullptr);
+  const char* type = textOf(kServiceTypeWords, s.serviceType, nullptr);
+  const char* mode = textOf(kVlanModeWords, s.vlanMode, nullptr);
   if (type == nullptr || mode == nullptr) return;
   const bool translates = s.vlanMode == kTranslation;
   const bool hasQinq = s.qinqEnable == 1;

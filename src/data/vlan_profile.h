@@ -6,6 +6,7 @@
 // Profile 0, defVlanPrf, exists for commands only while the startup configuration is executed: the running
 // configuration prints a port's row as the commands that fill profile 0, and an attach that empties it again.
 
+#include "common/words.h"
 #include "platform/command_line.h"
 #include "platform/types.h"
 
@@ -20,6 +21,8 @@ inline constexpr u16 kDefaultTpid = 0x8100;  // also printed as decimal, 33024
 enum ServiceType : u8 { kUnicast = 0, kMulticast = 1 };
 enum VlanMode : u16 { kTag = 1, kTranslation = 2, kTransparent = 3 };
 enum EntryState : u8 { kFree = 0, kInUse = 2 };
+inline constexpr Word kServiceTypeWords[] = {{"unicast", kUnicast}, {"multicast", kMulticast}};
+inline constexpr Word kVlanModeWords[] = {{"tag", kTag}, {"translation", kTranslation}, {"transparent", kTransparent}};
 
 // What a service does with a stream. Stored and copied whole, so the gaps have names.
 struct VlanService {

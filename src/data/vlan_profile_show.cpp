@@ -5,9 +5,6 @@
 #include "data/vlan_profile.h"
 #include "platform/flow_store.h"
 
-static constexpr Word typeWords[] = {{"unicast", kUnicast}, {"multicast", kMulticast}};
-static constexpr Word modeWords[] = {{"tag", kTag}, {"translation", kTranslation}, {"transparent", kTransparent}};
-
 void showVlanHead(Vty* vty, const VlanItem& item) {
   vty_out(vty, "%-20s%-10s%-10s%-10s%-10s%-10s\r\n", "vlan", "flag", "tpid", "vid", "cos", "cos copy");
   vty_out(vty, "%-20s%-10s0x%-8x%-10d%-10d%-10s\r\n", "tls vlan", textOf(kSwitchWords, item.tlsEnable, "--"),
@@ -26,8 +23,8 @@ static void showTag(Vty* vty, const char* what, const char* flag, u16 tpid, u16 
 
 void show_vlan_profile_service(Vty* vty, const VlanService& service, u16 number) {
   vty_out(vty, "****************************service %-2d****************************\r\n", number);
-  const char* type = textOf(typeWords, service.serviceType, nullptr);
-  const char* mode = textOf(modeWords, service.vlanMode, nullptr);
+  const char* type = textOf(kServiceTypeWords, service.serviceType, nullptr);
+  const char* mode = textOf(kVlanModeWords, service.vlanMode, nullptr);
   if (type == nullptr) {
     vty_out(vty, "Error service type %d in profile.\r\n", service.serviceType);
     return;

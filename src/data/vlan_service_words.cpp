@@ -7,18 +7,15 @@
 #include "data/vlan_service_command.h"
 #include "platform/flow_store.h"
 
-static constexpr Word typeWords[] = {{"unicast", kUnicast}, {"multicast", kMulticast}};
-static constexpr Word modeWords[] = {{"tag", kTag}, {"translation", kTranslation}, {"transparent", kTransparent}};
-
 int cli_parse_vlan_service_type(const char* text, u8* type) {
-  const auto value = text != nullptr ? valueOf(typeWords, text) : std::nullopt;
+  const auto value = text != nullptr ? valueOf(kServiceTypeWords, text) : std::nullopt;
   if (!value) return -1;
   *type = static_cast<u8>(*value);
   return 0;
 }
 
 int cli_parse_vlan_mode(const char* text, u16* mode) {
-  const auto value = text != nullptr ? valueOf(modeWords, text) : std::nullopt;
+  const auto value = text != nullptr ? valueOf(kVlanModeWords, text) : std::nullopt;
   if (!value) return -1;
   *mode = static_cast<u16>(*value);
   return 0;
