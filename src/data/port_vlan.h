@@ -2,6 +2,7 @@
 // The VLAN table of a data port: a row for each PVC, or one row for a port without PVCs. Kept here, told to the card in
 // the port's slot, printed as the commands that fill it again.
 
+#include <algorithm>
 #include <cstddef>
 
 #include "common/msan_snmp.h"
@@ -64,7 +65,7 @@ int install_port_vlan_cfg_cli_element();
 // What is stored for a port. 0, or the code of the attribute.
 int readPortVlan(PortVlanRecord* record);
 inline bool isInUse(const VlanService& service) { return service.entryState == kInUse; }
-u16 servicesInUse(const VlanItem& row);
+inline u16 servicesInUse(const VlanItem& row) { return static_cast<u16>(std::ranges::count_if(row.services, isInUse)); }
 
 // Attribute 272; its value moves as a whole. 0; -24 for a null value, -33 for a part, -900 for a connection, start or
 // commit that failed, -1 for any other failure. A port without rows reads as one with nothing configured.

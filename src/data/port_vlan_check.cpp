@@ -89,8 +89,6 @@ static int check_mc_pvc(const PortVlanTable& table, u16 slot, u16 port, SnmpErrI
   return std::ranges::count_if(table.rows, hasMulticast) <= 1 ? 0 : reject(err, kMulticastPvcs, {slot, port});
 }
 
-u16 servicesInUse(const VlanItem& row) { return static_cast<u16>(std::ranges::count_if(row.services, isInUse)); }
-
 // All eight rows count, also those that the port does not use.
 static int check_service_num(const PortVlanTable& table, u16 slot, u16 port, SnmpErrInfo* err) {
   u32 services = 0;
