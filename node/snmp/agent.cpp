@@ -2,8 +2,10 @@
 
 #include <fmt/format.h>
 
+#include <array>
 #include <atomic>
 #include <cerrno>
+#include <chrono>
 #include <cstdlib>
 #include <ctime>
 #include <stdexcept>
@@ -14,6 +16,7 @@
 #include "module_road.h"
 #include "note.h"
 #include "system_group.h"
+#include "turns.h"
 
 namespace msand {
 
@@ -22,6 +25,8 @@ namespace {
 constexpr const char* kApplication = "msan";
 // A frame has 400,000 bytes at most; one that is a little longer is still answered by the module.
 constexpr std::size_t kMostMessage = 1u << 20;
+// A request of the module that takes longer holds nobody else up.
+constexpr std::chrono::milliseconds kPatience{5};
 
 // The library's errors, at most one a second: what a stranger sends must not fill the log.
 int tellError(int, int, void* message, void*) {
@@ -74,12 +79,19 @@ void allowManagers(const SnmpSettings& settings) {
 
 }  // namespace
 
+// Who may ask is the configuration's business alone: the library's own check would read the files of another access
+// control for each message.
+static int countMessage(netsnmp_session*, netsnmp_transport*, void*, int) {
+  snmp_increment_statistic(STAT_SNMPINPKTS);
+  return 1;
+}
+
 struct Agent::Running {
   Running(SnmpSettings wanted, const std::string& folder);
   ~Running();
 
   void listen(const std::string& address);
-  void serve();
+  void serve(int thread);
   static int receive(int operation, netsnmp_session* session, int id, netsnmp_pdu* pdu, void* agent);
 
   // The library, from its first call to its last.
@@ -102,8 +114,9 @@ struct Agent::Running {
   Library library;
   FrameTable table;
   ModuleRoad road{table};
+  Turns turns{kPatience};
   std::atomic<bool> stopped{false};
-  std::thread thread;
+  std::array<std::thread, 2> threads;
 };
 
 Agent::Running* Agent::Running::theAgent = nullptr;
@@ -115,14 +128,16 @@ Agent::Running::Running(SnmpSettings wanted, const std::string& folder) : settin
   theAgent = this;
   for (const std::string& address : settings.listen) listen(address);
   register_readfd(
-      road.descriptor(), [](int, void* of) { static_cast<ModuleRoad*>(of)->finish(); }, &road);
-  thread = std::thread(&Running::serve, this);
+      road.descriptor(), [](int, void* of) { static_cast<ModuleRoad*>(of)->awake(); }, &road);
+  for (int i = 0; i < 2; ++i) threads[i] = std::thread(&Running::serve, this, i);
 }
 
 Agent::Running::~Running() {
   stopped = true;
+  turns.stop();
   road.wake();
-  if (thread.joinable()) thread.join();
+  for (std::thread& thread : threads)
+    if (thread.joinable()) thread.join();
   unregister_readfd(road.descriptor());
   theAgent = nullptr;
 }
@@ -141,7 +156,7 @@ void Agent::Running::listen(const std::string& address) {
   session.callback = receive;
   session.isAuthoritative = SNMP_SESS_AUTHORITATIVE;
   // The transport is the library's from here on, also when this fails.
-  if (snmp_add(&session, transport, netsnmp_agent_check_packet, netsnmp_agent_check_parse) == nullptr)
+  if (snmp_add(&session, transport, countMessage, netsnmp_agent_check_parse) == nullptr)
     throw std::runtime_error(fmt::format("snmp: {}: no session", address));
 }
 
@@ -152,8 +167,14 @@ int Agent::Running::receive(int operation, netsnmp_session* session, int id, net
   return theAgent->road.receive(session, id, pdu);
 }
 
-void Agent::Running::serve() {
-  while (!stopped) agent_check_and_process(1);
+// What the library reads in one turn the module does after it: while the module works, no function of the library is
+// under way, so that another thread may go on with it.
+void Agent::Running::serve(int thread) {
+  while (turns.lead(thread)) {
+    do {
+      agent_check_and_process(road.hasWork() ? 0 : 1);
+    } while (!stopped && road.work(turns, thread));
+  }
 }
 
 Agent::Agent(const SnmpSettings& settings, const std::string& folder)
