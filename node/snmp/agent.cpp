@@ -12,9 +12,11 @@
 #include <system_error>
 #include <thread>
 
+#include "engine.h"
 #include "library.h"
 #include "module_road.h"
 #include "note.h"
+#include "streams.h"
 #include "system_group.h"
 #include "turns.h"
 
@@ -65,6 +67,14 @@ void allowCommunity(const Community& community) {
   if (six || community.source.empty()) configure(fmt::format("{}6 \"{}\" {}", word, community.name, source));
 }
 
+// Ahead of the users, whose keys are made for the name.
+void useEngine(const Engine& engine) {
+  if (set_exact_engineID(engine.id.data(), engine.id.size()) != SNMPERR_SUCCESS)
+    throw std::runtime_error("snmp: the engine id can't be set");
+  configure(fmt::format("engineBoots {}", engine.boots - 1));  // the library counts this start, too
+  set_enginetime(engine.id.data(), static_cast<u32>(engine.id.size()), engine.boots, 0, TRUE);
+}
+
 void allowManagers(const SnmpSettings& settings) {
   for (const Community& community : settings.communities) allowCommunity(community);
   for (const User& user : settings.users) {
@@ -111,6 +121,7 @@ struct Agent::Running {
   static Running* theAgent;
 
   SnmpSettings settings;
+  Streams streams;  // the library closes them
   Library library;
   FrameTable table;
   ModuleRoad road{table};
@@ -124,6 +135,7 @@ Agent::Running* Agent::Running::theAgent = nullptr;
 Agent::Running::Running(SnmpSettings wanted, const std::string& folder) : settings(std::move(wanted)), library(folder) {
   registerSystemGroups(settings);
   init_snmp(kApplication);
+  if (!settings.users.empty()) useEngine(startEngine(folder + "/engine"));
   allowManagers(settings);
   theAgent = this;
   for (const std::string& address : settings.listen) listen(address);
@@ -149,7 +161,10 @@ void Agent::Running::listen(const std::string& address) {
     throw std::runtime_error(
         fmt::format("snmp: {}: can't be listened at: {}", address, std::generic_category().message(errno)));
   const bool stream = (transport->flags & NETSNMP_TRANSPORT_FLAG_STREAM) != 0;
-  if (stream) transport->msgMaxSize = kMostMessage;
+  if (stream) {
+    transport->msgMaxSize = kMostMessage;
+    streams.watch(*transport);
+  }
   netsnmp_session session;
   snmp_sess_init(&session);
   session.version = SNMP_DEFAULT_VERSION;
