@@ -9,6 +9,7 @@
 #include <string>
 
 #include "bench_node.h"
+#include "host/chassis.h"
 #include "host/log.h"
 
 node::Node& benchNode() {
@@ -18,6 +19,29 @@ node::Node& benchNode() {
     return node::Node(program.parent_path().parent_path() / "lib" / "libmsan.so");
   }();
   return node;
+}
+
+void populate(u32 cards, const char* type) {
+  node::Node& node = benchNode();
+  const host::CardType* wanted = host::findCardType(type);
+  for (u32 i = 0; i < std::size(kServiceSlots); ++i) {
+    const u16 slot = kServiceSlots[i];
+    const host::CardType* there = host::authorisedType(slot);
+    if (there != nullptr && (i >= cards || there != wanted)) {
+      node.unauthorise(slot);
+      there = nullptr;
+    }
+    if (i < cards && there == nullptr) node.authorise(slot, *wanted);
+  }
+}
+
+void put(std::vector<u8>& frame, std::size_t at, u32 width, u32 value) {
+  for (u32 i = width; i-- > 0; value >>= 8) frame[at + i] = static_cast<u8>(value);
+}
+
+void perPart(benchmark::State& state, const char* part, u32 count) {
+  using Counter = benchmark::Counter;
+  state.counters[part] = Counter(static_cast<double>(count), Counter::kIsIterationInvariantRate | Counter::kInvert);
 }
 
 namespace {

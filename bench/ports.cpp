@@ -6,40 +6,16 @@
 
 #include "bench_node.h"
 #include "host/agent.h"
-#include "host/chassis.h"
 
 namespace {
 
 constexpr u16 kFeed = 2839;
-constexpr u32 kPorts = 64;   // of a card
 constexpr u32 kRecord = 60;  // bytes
-constexpr u16 kServiceSlots[] = {1, 2, 3, 4, 5, 6, 7, 8, 11, 12, 13, 14, 15, 16, 17, 18};
-
-void put(std::vector<u8>& frame, std::size_t at, u32 width, u32 value) {
-  for (u32 i = width; i-- > 0; value >>= 8) frame[at + i] = static_cast<u8>(value);
-}
-
-// Authorises so many cards, and no more.
-void populate(u32 cards) {
-  node::Node& node = benchNode();
-  for (u32 i = 0; i < std::size(kServiceSlots); ++i) {
-    const u16 slot = kServiceSlots[i];
-    const bool there = host::authorisedType(slot) != nullptr;
-    if (i < cards && !there) node.authorise(slot, *host::findCardType("pots64"));
-    if (i >= cards && there) node.unauthorise(slot);
-  }
-}
-
-void perPort(benchmark::State& state, u32 ports) {
-  using Counter = benchmark::Counter;
-  state.counters["per port"] =
-      Counter(static_cast<double>(ports), Counter::kIsIterationInvariantRate | Counter::kInvert);
-}
 
 // A SET of all ports: a request for each half of the cards, since a request holds 960 records.
 void setAll(benchmark::State& state) {
   const auto cards = static_cast<u32>(state.range(0));
-  populate(cards);
+  populate(cards, "pots64");
   const u32 half = cards > 1 ? cards / 2 : 1;
   std::vector<u8> frame(36 + half * kPorts * kRecord);
   std::vector<u8> reply(host::kReplyCapacity);
@@ -67,7 +43,7 @@ void setAll(benchmark::State& state) {
 // All cards return.
 void hotplug(benchmark::State& state) {
   const auto cards = static_cast<u32>(state.range(0));
-  populate(cards);
+  populate(cards, "pots64");
   for (auto _ : state)
     for (u32 i = 0; i < cards; ++i) benchNode().cardUp(kServiceSlots[i]);
   perPort(state, cards * kPorts);
@@ -75,14 +51,14 @@ void hotplug(benchmark::State& state) {
 
 void showrun(benchmark::State& state) {
   const auto cards = static_cast<u32>(state.range(0));
-  populate(cards);
+  populate(cards, "pots64");
   for (auto _ : state) benchmark::DoNotOptimize(benchNode().runningConfiguration());
   perPort(state, cards * kPorts);
 }
 
 // A line for each of 1024 ports, with values of its own, once and twice.
 void startup(benchmark::State& state) {
-  populate(16);
+  populate(16, "pots64");
   const auto times = static_cast<u32>(state.range(0));
   std::string text;
   for (u32 round = 0; round < times; ++round)
@@ -98,7 +74,7 @@ void startup(benchmark::State& state) {
 
 // An interface string of 64 x 64 entries, which then fails at its first slot: the chassis is empty.
 void interfaceString(benchmark::State& state) {
-  populate(0);
+  populate(0, "pots64");
   host::LineOutcome outcome;
   Vty vty;
   for (auto _ : state) {
@@ -106,7 +82,7 @@ void interfaceString(benchmark::State& state) {
     outcome = host::runLine(vty, CONFIG_NODE, "set pots port feed voltage 40 current 20 interface 1-64/1-64");
   }
   if (outcome.returned != -1) state.SkipWithError("slots without cards were taken");
-  populate(0);
+  populate(0, "pots64");
 }
 
 BENCHMARK(setAll)->Name("SET of feed values")->Arg(1)->Arg(4)->Arg(16)->Unit(benchmark::kMicrosecond);

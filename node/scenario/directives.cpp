@@ -14,6 +14,7 @@
 #include "host/jobs.h"
 #include "host/links.h"
 #include "host/pool.h"
+#include "host/profile_store.h"
 #include "host/registry.h"
 #include "host/terminal.h"
 #include "text.h"
@@ -296,9 +297,17 @@ Action readAttribute(Arguments& arguments) {
   };
 }
 
+constexpr i64 kMostKind = 0x7fff;
+
 Action readProfiles(Arguments& arguments) {
-  arguments.number("store kind", 0, kMostNumber);
-  return notAvailable("the node has no profile store");
+  const auto type = static_cast<i16>(arguments.number("store kind", 0, kMostKind));
+  return [type](Stage&, Outcome& outcome) {
+    std::vector<host::StoredProfile> profiles;
+    if (!host::listProfiles(type, profiles)) return outcome.notAvailable(fmt::format("no store kind {}", type));
+    for (const host::StoredProfile& profile : profiles)
+      outcome.lines.push_back(
+          fmt::format("profile {} \"{}\" {}", profile.id, profile.name, host::hexText(profile.item)));
+  };
 }
 
 void lookIntoPool(Stage&, Outcome& outcome) { outcome.lines.push_back(fmt::format("pool {}", host::poolInUse())); }

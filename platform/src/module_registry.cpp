@@ -4,6 +4,7 @@
 #include <mutex>
 
 #include "host/agent.h"
+#include "host/profile_store.h"
 #include "host/registry.h"
 #include "host/semaphores.h"
 #include "host/terminal.h"
@@ -56,6 +57,7 @@ void forgetModules() {
   forgetAgent();
   forgetCommands();
   clearSemaphores();
+  clearProfiles();
   const std::lock_guard lock(mutex);
   records().clear();
 }

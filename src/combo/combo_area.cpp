@@ -1,25 +1,38 @@
 // The DSL area's lists.
 
+#include "combo/adsl_config_aux.h"
+#include "combo/adsl_config_interface.h"
+#include "combo/adsl_profile.h"
+#include "combo/pvc_profile.h"
+#include "combo/vdsl_config_interface.h"
 #include "common/areas.h"
 #include "common/msan_init.h"
 #include "platform/command_line.h"
 #include "platform/log.h"
 
+static constexpr Step init[] = {init_adsl_cfg, get_sys_max_adsl_port_num, vdsl_init_cfg};
+static constexpr Step snmpRegister[] = {adsl_reg_snmp_inf, vdsl_reg_snmp_info};
+static constexpr Step install[] = {init_adsl_cmd, vdsl_init_cli_cmd};
+static constexpr PrintStep showrun[] = {adsl_showrun_inf, vdsl_showrun_info};
+static constexpr SlotStep hotplug[] = {hotplug_ad_prf_attach, hotplug_pvc_prf_attach, vdsl_hotplug};
+
 int msan_combo_init() {
+  callAll(init);
   ulogPrintf(gModuleId_Msan, 10, "msan combo init ok! \n\r");
   return 0;
 }
 
 int msan_combo_snmp_register() {
+  callAll(snmpRegister);
   ulogPrintf(gModuleId_Msan, 10, "msan combo snmp register ok! \n\r");
   return 0;
 }
 
-int msan_combo_cli_install() { return 0; }
+int msan_combo_cli_install() { return callAll(install); }
 
 int msan_combo_showrun(Vty* vty) {
   vty_out(vty, "!msan combo config ---------------- %s", "\r\n");
-  return 0;
+  return callAll(showrun, vty);
 }
 
-int msan_combo_hotplug(u16) { return 0; }
+int msan_combo_hotplug(u16 slot) { return callAll(hotplug, slot); }

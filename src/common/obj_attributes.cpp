@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdio>
 
+#include "combo/profile_relation.h"
 #include "common/interface_list.h"
 #include "common/msan_init.h"
 #include "common/trace.h"
@@ -19,12 +20,22 @@ struct Attribute {
   int (*get)(u32 objectId, void* data, u32 offset, u32 length);
 };
 
+// Some take one argument more, which has no meaning for them.
+template <int (*Get)(u32, void*, u32, u32, u32)>
+static int getPlain(u32 objectId, void* data, u32 offset, u32 length) {
+  return Get(objectId, data, offset, length, 0);
+}
+
 static constexpr Attribute attributes[] = {
+    {kAdslLineAttribute, set_adsl_prf_att_dbapi, getPlain<get_adsl_prf_att_dbapi>},
+    {kPvcAttribute, set_pvc_prf_att_dbapi, getPlain<get_pvc_prf_att_dbapi>},
     {kFeedAttribute, set_post_voltcurrent_db_api, get_post_voltcurrent_db_api},
+    {kVdslLineAttribute, set_vdsl_line_prf_att_db_api, get_vdsl_line_prf_att_db_api},
 };
 
 // What a port and a slot hold, in the order in which it is removed.
-static constexpr int (*portDeletes[])(u32 objectId) = {del_post_voltcurrent_db_api};
+static constexpr int (*portDeletes[])(u32 objectId) = {del_post_voltcurrent_db_api, clr_adsl_prf_att_dbapi,
+                                                       clr_pvc_prf_att_dbapi, clr_vdsl_line_prf_att_db_api};
 
 static const Attribute* findAttribute(u32 number) {
   const auto* row = std::ranges::find(attributes, number, &Attribute::number);

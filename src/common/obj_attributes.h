@@ -6,7 +6,12 @@
 #include "platform/lists.h"
 #include "platform/types.h"
 
-enum AttributeNumber : u32 { kFeedAttribute = 285 };
+enum AttributeNumber : u32 {
+  kAdslLineAttribute = 281,
+  kPvcAttribute = 282,
+  kFeedAttribute = 285,
+  kVdslLineAttribute = 291
+};
 
 enum AttributeError : int { kReadWithOffset = -53, kNoSuchAttribute = -54 };
 

@@ -31,6 +31,9 @@ class Writer {
   void bytes(WireIn from) {
     if (u8* at = take(from.size()); at != nullptr && !from.empty()) std::memcpy(at, from.data(), from.size());
   }
+  void zeros(std::size_t length) {
+    if (u8* at = take(length)) std::memset(at, 0, length);
+  }
   // Leaves bytes as they are.
   void skip(std::size_t length) { take(length); }
 
@@ -48,6 +51,40 @@ class Writer {
     return at;
   }
   WireOut buffer_;
+  std::size_t length_ = 0;
+  bool failed_ = false;
+};
+
+// Reads from the front of a buffer. What it does not hold is not read, and the reader has failed from then on.
+class Reader {
+ public:
+  explicit Reader(WireIn buffer) : buffer_(buffer) {}
+
+  // 0 once it has failed.
+  u32 number(u32 width) {
+    const u8* at = take(width);
+    return at != nullptr ? getNumber(at, width) : 0;
+  }
+  void bytes(void* to, std::size_t length) {
+    if (const u8* at = take(length); at != nullptr) std::memcpy(to, at, length);
+  }
+  void skip(std::size_t length) { take(length); }
+
+  bool failed() const { return failed_; }
+  u32 length() const { return static_cast<u32>(length_); }
+  WireIn rest() const { return buffer_.subspan(length_); }
+
+ private:
+  const u8* take(std::size_t length) {
+    if (failed_ || length > buffer_.size() - length_) {
+      failed_ = true;
+      return nullptr;
+    }
+    const u8* at = buffer_.data() + length_;
+    length_ += length;
+    return at;
+  }
+  WireIn buffer_;
   std::size_t length_ = 0;
   bool failed_ = false;
 };

@@ -1,0 +1,179 @@
+#include "platform/profile_store.h"
+
+#include <algorithm>
+#include <cstring>
+#include <map>
+#include <mutex>
+#include <optional>
+#include <string_view>
+
+#include "host/profile_store.h"
+
+namespace {
+
+constexpr i16 kRefused = -1;
+
+struct Profile {
+  std::string name;
+  std::vector<u8> item;
+};
+
+struct Kind {
+  u16 itemSize = 0;
+  std::vector<std::optional<Profile>> profiles;  // by id
+  std::map<std::string, i16, std::less<>> ids;   // by name
+  std::size_t lowestFree = 0;                    // no id below it is free
+
+  Profile* find(i16 id) {
+    if (id < 0 || static_cast<std::size_t>(id) >= profiles.size()) return nullptr;
+    auto& place = profiles[static_cast<std::size_t>(id)];
+    return place.has_value() ? &*place : nullptr;
+  }
+};
+
+std::mutex mutex;
+std::vector<Kind>& kinds() {
+  static std::vector<Kind> all;
+  return all;
+}
+
+Kind* findKind(i16 type) {
+  return type >= 0 && static_cast<std::size_t>(type) < kinds().size() ? &kinds()[static_cast<std::size_t>(type)]
+                                                                      : nullptr;
+}
+
+std::string_view nameOf(const char* name) { return {name, strnlen(name, kProfileNameBytes)}; }
+
+// Calls `use` with the kind and the profile, under the lock.
+template <class Use>
+i16 withProfile(i16 type, i16 id, Use use) {
+  const std::lock_guard lock(mutex);
+  Kind* kind = findKind(type);
+  Profile* profile = kind != nullptr ? kind->find(id) : nullptr;
+  return profile != nullptr ? use(*kind, *profile) : kRefused;
+}
+
+i16 storeItem(Profile& profile, const void* data, u16 size) {
+  const u8* from = static_cast<const u8*>(data);
+  profile.item.assign(from, from + size);
+  return 0;
+}
+
+}  // namespace
+
+i16 prfRegNewType(i16 type, u16 profiles, u16 items, u16 itemSize) {
+  const std::lock_guard lock(mutex);
+  if (findKind(type) != nullptr) return type;
+  if (profiles == 0 || profiles > 0x7fff || items != 1 || itemSize == 0 || kinds().size() == 0x7fff) return kRefused;
+  Kind& kind = kinds().emplace_back();
+  kind.itemSize = itemSize;
+  kind.profiles.resize(profiles);
+  return static_cast<i16>(kinds().size() - 1);
+}
+
+i16 prfCreate(i16 type, const char* name, i16 id) {
+  const std::lock_guard lock(mutex);
+  Kind* kind = findKind(type);
+  if (kind == nullptr || name == nullptr || id < 0 || static_cast<std::size_t>(id) >= kind->profiles.size() ||
+      kind->find(id) != nullptr || !kind->ids.emplace(nameOf(name), id).second)
+    return kRefused;
+  kind->profiles[static_cast<std::size_t>(id)] = Profile{std::string(nameOf(name)), {}};
+  return 0;
+}
+
+i16 prfAddItem(i16 type, i16 id, i16 item, const void* data, u16 size) {
+  return withProfile(type, id, [=](const Kind& kind, Profile& profile) {
+    if (item != 0 || data == nullptr || size != kind.itemSize || !profile.item.empty()) return kRefused;
+    return storeItem(profile, data, size);
+  });
+}
+
+i16 prfGetItem(void* to, u16* size, i16 type, i16 id, i16 item) {
+  return withProfile(type, id, [=](const Kind& kind, const Profile& profile) -> i16 {
+    if (item != 0 || to == nullptr || size == nullptr || *size < kind.itemSize || profile.item.empty()) return kRefused;
+    std::memcpy(to, profile.item.data(), kind.itemSize);
+    *size = kind.itemSize;
+    return 0;
+  });
+}
+
+i16 prfModifyItem(i16 type, i16 id, i16 item, const void* data, u16 size) {
+  return withProfile(type, id, [=](const Kind& kind, Profile& profile) {
+    if (item != 0 || data == nullptr || size != kind.itemSize || profile.item.empty()) return kRefused;
+    return storeItem(profile, data, size);
+  });
+}
+
+i16 prfDel(i16 type, i16 id) {
+  return withProfile(type, id, [=](Kind& kind, const Profile& profile) -> i16 {
+    kind.ids.erase(profile.name);
+    kind.profiles[static_cast<std::size_t>(id)].reset();
+    kind.lowestFree = std::min(kind.lowestFree, static_cast<std::size_t>(id));
+    return 0;
+  });
+}
+
+i16 prfGetFreeId(i16 type) {
+  const std::lock_guard lock(mutex);
+  Kind* kind = findKind(type);
+  if (kind == nullptr) return kRefused;
+  std::size_t& at = kind->lowestFree;
+  while (at < kind->profiles.size() && kind->profiles[at].has_value()) ++at;
+  return at < kind->profiles.size() ? static_cast<i16>(at) : kRefused;
+}
+
+i16 prfIsIdUsed(i16 type, i16 id) {
+  return withProfile(type, id, [](const Kind&, const Profile&) -> i16 { return 1; }) == 1 ? 1 : 0;
+}
+
+i16 prfIsNameExist(i16 type, const char* name) { return prfGetPrfIdByName(type, name) >= 0 ? 1 : 0; }
+
+i16 prfGetPrfIdByName(i16 type, const char* name) {
+  const std::lock_guard lock(mutex);
+  Kind* kind = findKind(type);
+  if (kind == nullptr || name == nullptr) return kRefused;
+  const auto found = kind->ids.find(nameOf(name));
+  return found != kind->ids.end() ? found->second : kRefused;
+}
+
+i16 prfGetNameByPrfId(char* to, u8* capacity, i16 type, i16 id) {
+  return withProfile(type, id, [=](const Kind&, const Profile& profile) -> i16 {
+    if (to == nullptr || capacity == nullptr || *capacity < profile.name.size()) return kRefused;
+    std::memset(to, 0, *capacity);
+    std::memcpy(to, profile.name.data(), profile.name.size());
+    *capacity = static_cast<u8>(profile.name.size());
+    return 0;
+  });
+}
+
+i16 prfNameModify(i16 type, const char* name, i16 id) {
+  return withProfile(type, id, [=](Kind& kind, Profile& profile) -> i16 {
+    if (name == nullptr) return kRefused;
+    const std::string_view wanted = nameOf(name);
+    if (wanted == profile.name) return 0;
+    if (!kind.ids.emplace(wanted, id).second) return kRefused;
+    kind.ids.erase(profile.name);
+    profile.name = wanted;
+    return 0;
+  });
+}
+
+namespace host {
+
+bool listProfiles(i16 type, std::vector<StoredProfile>& profiles) {
+  const std::lock_guard lock(mutex);
+  Kind* kind = findKind(type);
+  if (kind == nullptr) return false;
+  for (std::size_t id = 0; id < kind->profiles.size(); ++id) {
+    const auto& profile = kind->profiles[id];
+    if (profile.has_value()) profiles.push_back({static_cast<i16>(id), profile->name, profile->item});
+  }
+  return true;
+}
+
+void clearProfiles() {
+  const std::lock_guard lock(mutex);
+  kinds().clear();
+}
+
+}  // namespace host

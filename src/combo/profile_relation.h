@@ -1,0 +1,18 @@
+#pragma once
+// Where it is stored which port uses which profile: a row for each object that was ever attached. Set and clear write
+// on the master alone and succeed elsewhere; the data is a u16, whatever offset and length say. 0, or -900 when the
+// database fails. Get leaves the id alone unless there is a row; DB_NOT_FOUND and DB_END tell that there is none.
+
+#include "platform/types.h"
+
+int set_adsl_prf_att_dbapi(u32 objectId, const void* id, u32 offset, u32 length);
+int get_adsl_prf_att_dbapi(u32 objectId, void* id, u32 offset, u32 length, u32 flag);
+int clr_adsl_prf_att_dbapi(u32 objectId);
+
+int set_pvc_prf_att_dbapi(u32 objectId, const void* id, u32 offset, u32 length);
+int get_pvc_prf_att_dbapi(u32 objectId, void* id, u32 offset, u32 length, u32 flag);
+int clr_pvc_prf_att_dbapi(u32 objectId);
+
+int set_vdsl_line_prf_att_db_api(u32 objectId, const void* id, u32 offset, u32 length);
+int get_vdsl_line_prf_att_db_api(u32 objectId, void* id, u32 offset, u32 length);
+int clr_vdsl_line_prf_att_db_api(u32 objectId);
