@@ -1,7 +1,7 @@
 #!/bin/bash
 # Connections of managers that say nothing, or do not listen; IPv6.
 . "$(dirname "${BASH_SOURCE[0]}")/snmp_common.sh"
-snmp=[::1]:$port
+snmp="[::1]:$port"
 if ! grep -q '^0*1 .* lo$' /proc/net/if_inet6; then
   echo "no IPv6 here: over IPv4"
   snmp=127.0.0.1:$port
