@@ -10,6 +10,7 @@
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <string>
 #include <vector>
 
@@ -26,17 +27,25 @@ struct Request {
   int command = SNMP_MSG_GET;
   oid name[MAX_OID_LEN];
   std::size_t length = MAX_OID_LEN;
-  std::string value;  // hexadecimal, or "i:NUMBER"
+  u_char type = ASN_NULL;
+  std::vector<u_char> value;  // as it stands in memory
+
+  void read(const std::string& word) {
+    if (word.starts_with("i:")) {
+      const long number = std::atol(word.c_str() + 2);
+      type = ASN_INTEGER;
+      value.resize(sizeof number);
+      std::memcpy(value.data(), &number, sizeof number);
+      return;
+    }
+    type = ASN_OCTET_STR;
+    for (std::size_t i = 0; i + 1 < word.size(); i += 2)
+      value.push_back(static_cast<u_char>(std::strtoul(word.substr(i, 2).c_str(), nullptr, 16)));
+  }
 
   netsnmp_pdu* pdu() const {
     netsnmp_pdu* made = snmp_pdu_create(command);
-    if (command == SNMP_MSG_GET) {
-      snmp_add_null_var(made, name, length);
-    } else {
-      const bool integer = value.starts_with("i:");
-      if (snmp_add_var(made, name, length, integer ? 'i' : 'x', value.c_str() + (integer ? 2 : 0)) != 0)
-        fail("a bad value");
-    }
+    if (snmp_pdu_add_variable(made, name, length, type, value.data(), value.size()) == nullptr) fail("a bad value");
     return made;
   }
 };
@@ -58,7 +67,7 @@ int main(int argc, char** argv) {
   if (argc < 5) fail("AGENT COUNT set|get OID [VALUE]");
   Request request;
   request.command = std::string(argv[3]) == "set" ? SNMP_MSG_SET : SNMP_MSG_GET;
-  if (argc > 5) request.value = argv[5];
+  if (argc > 5) request.read(argv[5]);
   init_snmp("round_trips");
   if (read_objid(argv[4], request.name, &request.length) == 0) fail("a bad OID");
   netsnmp_session session;

@@ -2,18 +2,23 @@
 
 #include <fmt/format.h>
 
+#include <array>
 #include <atomic>
 #include <cerrno>
+#include <chrono>
 #include <cstdlib>
 #include <ctime>
 #include <stdexcept>
 #include <system_error>
 #include <thread>
 
+#include "engine.h"
 #include "library.h"
 #include "module_road.h"
 #include "note.h"
+#include "streams.h"
 #include "system_group.h"
+#include "turns.h"
 
 namespace msand {
 
@@ -22,6 +27,8 @@ namespace {
 constexpr const char* kApplication = "msan";
 // A frame has 400,000 bytes at most; one that is a little longer is still answered by the module.
 constexpr std::size_t kMostMessage = 1u << 20;
+// A request of the module that takes longer holds nobody else up.
+constexpr std::chrono::milliseconds kPatience{5};
 
 // The library's errors, at most one a second: what a stranger sends must not fill the log.
 int tellError(int, int, void* message, void*) {
@@ -60,6 +67,14 @@ void allowCommunity(const Community& community) {
   if (six || community.source.empty()) configure(fmt::format("{}6 \"{}\" {}", word, community.name, source));
 }
 
+// Ahead of the users, whose keys are made for the name.
+void useEngine(const Engine& engine) {
+  if (set_exact_engineID(engine.id.data(), engine.id.size()) != SNMPERR_SUCCESS)
+    throw std::runtime_error("snmp: the engine id can't be set");
+  configure(fmt::format("engineBoots {}", engine.boots - 1));  // the library counts this start, too
+  set_enginetime(engine.id.data(), static_cast<u32>(engine.id.size()), engine.boots, 0, TRUE);
+}
+
 void allowManagers(const SnmpSettings& settings) {
   for (const Community& community : settings.communities) allowCommunity(community);
   for (const User& user : settings.users) {
@@ -74,12 +89,19 @@ void allowManagers(const SnmpSettings& settings) {
 
 }  // namespace
 
+// Who may ask is the configuration's business alone: the library's own check would read the files of another access
+// control for each message.
+static int countMessage(netsnmp_session*, netsnmp_transport*, void*, int) {
+  snmp_increment_statistic(STAT_SNMPINPKTS);
+  return 1;
+}
+
 struct Agent::Running {
   Running(SnmpSettings wanted, const std::string& folder);
   ~Running();
 
   void listen(const std::string& address);
-  void serve();
+  void serve(int thread);
   static int receive(int operation, netsnmp_session* session, int id, netsnmp_pdu* pdu, void* agent);
 
   // The library, from its first call to its last.
@@ -99,11 +121,13 @@ struct Agent::Running {
   static Running* theAgent;
 
   SnmpSettings settings;
+  Streams streams;  // the library closes them
   Library library;
   FrameTable table;
   ModuleRoad road{table};
+  Turns turns{kPatience};
   std::atomic<bool> stopped{false};
-  std::thread thread;
+  std::array<std::thread, 2> threads;
 };
 
 Agent::Running* Agent::Running::theAgent = nullptr;
@@ -111,18 +135,21 @@ Agent::Running* Agent::Running::theAgent = nullptr;
 Agent::Running::Running(SnmpSettings wanted, const std::string& folder) : settings(std::move(wanted)), library(folder) {
   registerSystemGroups(settings);
   init_snmp(kApplication);
+  if (!settings.users.empty()) useEngine(startEngine(folder + "/engine"));
   allowManagers(settings);
   theAgent = this;
   for (const std::string& address : settings.listen) listen(address);
   register_readfd(
-      road.descriptor(), [](int, void* of) { static_cast<ModuleRoad*>(of)->finish(); }, &road);
-  thread = std::thread(&Running::serve, this);
+      road.descriptor(), [](int, void* of) { static_cast<ModuleRoad*>(of)->awake(); }, &road);
+  for (int i = 0; i < 2; ++i) threads[i] = std::thread(&Running::serve, this, i);
 }
 
 Agent::Running::~Running() {
   stopped = true;
+  turns.stop();
   road.wake();
-  if (thread.joinable()) thread.join();
+  for (std::thread& thread : threads)
+    if (thread.joinable()) thread.join();
   unregister_readfd(road.descriptor());
   theAgent = nullptr;
 }
@@ -134,14 +161,17 @@ void Agent::Running::listen(const std::string& address) {
     throw std::runtime_error(
         fmt::format("snmp: {}: can't be listened at: {}", address, std::generic_category().message(errno)));
   const bool stream = (transport->flags & NETSNMP_TRANSPORT_FLAG_STREAM) != 0;
-  if (stream) transport->msgMaxSize = kMostMessage;
+  if (stream) {
+    transport->msgMaxSize = kMostMessage;
+    streams.watch(*transport);
+  }
   netsnmp_session session;
   snmp_sess_init(&session);
   session.version = SNMP_DEFAULT_VERSION;
   session.callback = receive;
   session.isAuthoritative = SNMP_SESS_AUTHORITATIVE;
   // The transport is the library's from here on, also when this fails.
-  if (snmp_add(&session, transport, netsnmp_agent_check_packet, netsnmp_agent_check_parse) == nullptr)
+  if (snmp_add(&session, transport, countMessage, netsnmp_agent_check_parse) == nullptr)
     throw std::runtime_error(fmt::format("snmp: {}: no session", address));
 }
 
@@ -152,8 +182,14 @@ int Agent::Running::receive(int operation, netsnmp_session* session, int id, net
   return theAgent->road.receive(session, id, pdu);
 }
 
-void Agent::Running::serve() {
-  while (!stopped) agent_check_and_process(1);
+// What the library reads in one turn the module does after it: while the module works, no function of the library is
+// under way, so that another thread may go on with it.
+void Agent::Running::serve(int thread) {
+  while (turns.lead(thread)) {
+    do {
+      agent_check_and_process(road.hasWork() ? 0 : 1);
+    } while (!stopped && road.work(turns, thread));
+  }
 }
 
 Agent::Agent(const SnmpSettings& settings, const std::string& folder)

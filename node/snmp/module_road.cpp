@@ -17,24 +17,27 @@ constexpr std::size_t kMostWaiting = 64;
 constexpr std::size_t kMostBytes = 16u << 20;
 
 struct ModuleRoad::Waiting {
-  // the agent's thread only
+  // the leader's
   netsnmp_session* session = nullptr;  // null: it has ended
   int id = 0;
   netsnmp_pdu* pdu = nullptr;
   std::size_t size = 0;
 
-  // the door's thread until it is ready
+  // of the thread that has the module do it
   ModuleRequest request;
   host::Answer answer;
 
+  Waiting() = default;
   ~Waiting() { snmp_free_pdu(pdu); }
+  Waiting(const Waiting&) = delete;
+  Waiting& operator=(const Waiting&) = delete;
 };
 
-ModuleRoad::ModuleRoad(FrameTable& table) : table_(table), done_(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {
-  if (!done_) throw std::system_error(errno, std::generic_category(), "snmp: no descriptor");
+ModuleRoad::ModuleRoad(FrameTable& table) : table_(table), event_(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {
+  if (!event_) throw std::system_error(errno, std::generic_category(), "snmp: no descriptor");
 }
 
-ModuleRoad::~ModuleRoad() { door_.stop(); }
+ModuleRoad::~ModuleRoad() = default;
 
 // The library's own road, with the outcome prepared.
 static int goOn(FrameTable& table, netsnmp_session* session, int id, netsnmp_pdu* pdu) {
@@ -62,24 +65,23 @@ int ModuleRoad::receive(netsnmp_session* session, int id, netsnmp_pdu* pdu) {
     table_.prepareRefusal(*pdu);
     return goOn(table_, session, id, pdu);
   }
-  const auto waiting = std::make_shared<Waiting>();
-  waiting->session = session;
-  waiting->id = id;
-  waiting->size = size;
-  waiting->pdu = snmp_clone_pdu(pdu);
-  if (waiting->pdu == nullptr) return 1;
-  waiting->request = *table_.take(*pdu);
-  waiting_.push_back(waiting);
+  netsnmp_pdu* const own = snmp_clone_pdu(pdu);
+  if (own == nullptr) return 1;
+  Waiting& waiting = waiting_.emplace_back();
+  waiting.session = session;
+  waiting.id = id;
+  waiting.pdu = own;
+  waiting.size = size;
+  waiting.request = *table_.take(*pdu);
   bytes_ += size;
-  door_.post([this, waiting] { work(waiting); });
   return 1;
 }
 
 // A manager that has lost patience asks again: it is answered once, as what it asked last.
 bool ModuleRoad::isRepeated(netsnmp_session* session, netsnmp_pdu* pdu) {
-  for (const WaitingPtr& one : waiting_) {
-    const netsnmp_pdu& other = *one->pdu;
-    if (one->session != session || other.reqid != pdu->reqid || other.command != pdu->command ||
+  for (Waiting& one : waiting_) {
+    const netsnmp_pdu& other = *one.pdu;
+    if (one.session != session || other.reqid != pdu->reqid || other.command != pdu->command ||
         other.version != pdu->version || other.transport_data_length != pdu->transport_data_length ||
         (pdu->transport_data_length != 0 &&
          std::memcmp(other.transport_data, pdu->transport_data, static_cast<u32>(pdu->transport_data_length)) != 0) ||
@@ -87,54 +89,68 @@ bool ModuleRoad::isRepeated(netsnmp_session* session, netsnmp_pdu* pdu) {
                          pdu->variables->name_length) != 0)
       continue;
     if (netsnmp_pdu* again = snmp_clone_pdu(pdu); again != nullptr) {
-      snmp_free_pdu(one->pdu);
-      one->pdu = again;
+      snmp_free_pdu(one.pdu);
+      one.pdu = again;
     }
     return true;
   }
   return false;
 }
 
-void ModuleRoad::work(const WaitingPtr& waiting) {
-  ModuleRequest& request = waiting->request;
+// Jobs are reports of what the request changed, and short.
+static host::Answer askModule(ModuleRequest& request) {
+  host::Answer answer;
   {
     const std::shared_lock gate(host::requestGate());
-    waiting->answer = request.column == kAnswer ? host::agentGet(request.id, &request.bytes)
-                                                : host::agentSet(request.id, request.column == kFrame, &request.bytes);
+    answer = request.column == kAnswer ? host::agentGet(request.id, &request.bytes)
+                                       : host::agentSet(request.id, request.column == kFrame, &request.bytes);
   }
-  {
-    const std::lock_guard lock(mutex_);
-    ready_.push_back(waiting);
-  }
-  wake();
   host::runJobs();
+  return answer;
 }
 
-void ModuleRoad::wake() { eventfd_write(done_.get(), 1); }
-
-void ModuleRoad::finish() {
-  eventfd_t count = 0;
-  eventfd_read(done_.get(), &count);
-  std::vector<WaitingPtr> ready;
-  {
-    const std::lock_guard lock(mutex_);
-    ready.swap(ready_);
-  }
-  for (const WaitingPtr& one : ready) {
-    waiting_.remove(one);
-    bytes_ -= one->size;
-    if (one->session == nullptr) {
-      table_.keepPiece(one->request, std::move(one->answer));
-      continue;
+bool ModuleRoad::work(Turns& turns, int thread) {
+  if (!hasWork()) return true;
+  if (!underWay_) {
+    underWay_ = true;
+    Waiting& first = waiting_.front();
+    turns.begin();
+    first.answer = askModule(first.request);
+    if (!turns.end(thread)) {
+      done_ = true;
+      wake();
+      return false;
     }
-    table_.prepare(one->request, std::move(one->answer));
-    goOn(table_, one->session, one->id, one->pdu);
   }
+  underWay_ = false;
+  done_ = false;
+  answerFirst();
+  return true;
+}
+
+void ModuleRoad::answerFirst() {
+  Waiting& first = waiting_.front();
+  bytes_ -= first.size;
+  if (first.session == nullptr) {
+    table_.keepPiece(first.request, std::move(first.answer));
+  } else {
+    table_.prepare(first.request, std::move(first.answer));
+    goOn(table_, first.session, first.id, first.pdu);
+  }
+  waiting_.pop_front();
+  host::zeroReply();
+}
+
+void ModuleRoad::wake() { eventfd_write(event_.get(), 1); }
+
+void ModuleRoad::awake() {
+  eventfd_t count = 0;
+  eventfd_read(event_.get(), &count);
 }
 
 void ModuleRoad::leave(const netsnmp_session* session) {
-  for (const WaitingPtr& one : waiting_)
-    if (one->session == session) one->session = nullptr;
+  for (Waiting& one : waiting_)
+    if (one.session == session) one.session = nullptr;
 }
 
 }  // namespace msand

@@ -1,16 +1,14 @@
 #pragma once
-// A manager's request for the module waits here while a thread of its own has the module do it, one request after the
-// other. Meanwhile the agent goes on; when it is done, the request goes the library's ordinary road. All functions
-// belong to the agent's thread.
+// A manager's request for the module is kept here until the library is through with what it does now; then the module
+// does it, one request after the other, and the request goes the library's ordinary road. All functions belong to the
+// thread that leads.
 
+#include <atomic>
 #include <list>
-#include <memory>
-#include <mutex>
-#include <vector>
 
 #include "descriptor.h"
-#include "door.h"
 #include "frame_table.h"
+#include "turns.h"
 
 namespace msand {
 
@@ -26,26 +24,29 @@ class ModuleRoad {
   // A session has ended.
   void leave(const netsnmp_session* session);
 
-  // Readable when something is done; then call finish().
-  int descriptor() const { return done_.get(); }
-  void finish();
-  // Wakes the agent, from any thread.
+  // There is something to do; no need to wait for more.
+  bool hasWork() const { return underWay_ ? done_.load() : !waiting_.empty(); }
+  // Has the module do one request, if it has none, and answers it. Outside the library. False: it took long, another
+  // thread has the lead now and will answer.
+  bool work(Turns& turns, int thread);
+
+  // Readable when there may be something to do; wake() makes it so, from any thread.
+  int descriptor() const { return event_.get(); }
   void wake();
+  void awake();
 
  private:
   struct Waiting;
-  using WaitingPtr = std::shared_ptr<Waiting>;
 
   bool isRepeated(netsnmp_session* session, netsnmp_pdu* pdu);
-  void work(const WaitingPtr& waiting);
+  void answerFirst();
 
   FrameTable& table_;
-  Descriptor done_;
-  std::list<WaitingPtr> waiting_;
-  std::size_t bytes_ = 0;  // of all that wait
-  std::mutex mutex_;
-  std::vector<WaitingPtr> ready_;  // under the lock
-  Door door_;                      // last: its thread uses the others
+  Descriptor event_;
+  std::list<Waiting> waiting_;
+  std::size_t bytes_ = 0;          // of all that wait
+  bool underWay_ = false;          // the first of them is the module's,
+  std::atomic<bool> done_{false};  // which has answered it, to a thread that does not lead
 };
 
 }  // namespace msand

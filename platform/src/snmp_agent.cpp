@@ -20,11 +20,28 @@ std::vector<host::Announced>& announced() {
   return all;
 }
 
-// The thread's reply buffer, zeroed.
+// The thread's reply buffer.
+struct ReplyBuffer {
+  const std::unique_ptr<u8[]> bytes{new u8[host::kReplyCapacity]()};
+  bool zeroed = true;
+
+  void zero() {
+    if (!zeroed) std::memset(bytes.get(), 0, host::kReplyCapacity);
+    zeroed = true;
+  }
+};
+
+ReplyBuffer& replyBuffer() {
+  thread_local ReplyBuffer buffer;
+  return buffer;
+}
+
+// It, zeroed, to be written to.
 u8* freshReply() {
-  thread_local const std::unique_ptr<u8[]> buffer(new u8[host::kReplyCapacity]);
-  std::memset(buffer.get(), 0, host::kReplyCapacity);
-  return buffer.get();
+  ReplyBuffer& buffer = replyBuffer();
+  buffer.zero();
+  buffer.zeroed = false;
+  return buffer.bytes.get();
 }
 
 // A frame as the hooks get it. An empty one has an address, too, and ends where its memory ends.
@@ -109,6 +126,8 @@ Answer agentGet(u16 id, std::vector<u8>* bytes) {
   answer.reply = takeReply(id, reply, length);
   return answer;
 }
+
+void zeroReply() { replyBuffer().zero(); }
 
 void forgetAgent() {
   const std::lock_guard lock(mutex);

@@ -68,6 +68,22 @@ export MSAN_AUTH_SECRET=authentication-1 MSAN_PRIV_SECRET="privacy secret 1"
 run "$bin/msan-frame" --agent "$udp" --user writer --auth SHA-512 get 3087
 expect "msan-frame as a user" 0 "$code"
 stop
+
+# A name for good, and a number for each start.
+record=$(cat "$folder/snmp/engine")
+expectMatch "the first start" "80001f8805???????????????? 1" "$record"
+engine=${record% *}
+snmp=$udp
+start
+snmp=127.0.0.1:$port
+expect "the next one" "$engine 2" "$(cat "$folder/snmp/engine")"
+reader=(-v3 -l authPriv -u reader -a SHA-256 -A authentication-2 -x AES -X privacy-secret-2 -r 0 -t 5 -On)
+expectMatch "a manager that knows it needs no discovery" "*node 7*" \
+  "$(snmpget "${reader[@]}" -e "0x$engine" "$udp" .1.3.6.1.2.1.1.5.0 2>&1)"
+# What the agent calls itself, and behind it the number as an integer.
+said=$(snmpget "${reader[@]}" -d "$udp" .1.3.6.1.2.1.1.5.0 2>&1 | sed -n 's/^[0-9]\{4\}: \([0-9A-F ]\{1,50\}\)  .*/\1/p' | tr -d ' \n')
+expectMatch "what it says" "*${engine^^}020102*" "$said"
+stop
 expect "secrets in the log" 0 "$(grep -cE 'authentication-|secret|reads-all|writes all' "$folder/log" || true)"
 expect "files of the agent" "" "$(find "$folder" -name '*.conf')"
 exit $bad

@@ -37,6 +37,9 @@ struct Answer {
 Answer agentSet(u16 id, bool last, std::vector<u8>* frame);
 Answer agentGet(u16 id, std::vector<u8>* frame);
 
+// Zeroes the thread's reply buffer already now, while nobody waits.
+void zeroReply();
+
 void forgetAgent();
 
 }  // namespace host
