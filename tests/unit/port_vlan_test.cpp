@@ -88,6 +88,20 @@ TEST_F(PortVlan, ARuleOfMoreEntriesThanARuleHasCannotBeSent) {
   EXPECT_EQ(sent.take(), "1:0/4 crc 1 ");
 }
 
+TEST_F(PortVlan, EntriesAreSentOfRulesUpTo1024) {
+  authorise(1, "vdsl16");
+  FlowRule rule = host::plainFlowRule("r");
+  rule.count = 2;
+  host::setFlowRule(1024, "last", rule);
+  host::setFlowRule(1025, "beyond", rule);
+  Sent sent;
+  // A port of one row and one service is 22 + 20 + 34 bytes, an entry 42.
+  typed(CONFIG_NODE, "add vlan service type unicast mode tag vid 1 crule last interface 1/1");
+  EXPECT_EQ(sent.take(), "1:1/164 crc 1 ");
+  typed(CONFIG_NODE, "add vlan service type unicast mode tag vid 1 crule beyond interface 1/2");
+  EXPECT_EQ(sent.take(), "1:1/80 crc 1 ");
+}
+
 TEST_F(PortVlan, AThousandAndTwentyFourPortsInARequest) {
   std::vector<u8> set(36 + 1024 * 42), get(32 + 4);
   std::string messages, reports;
@@ -203,6 +217,11 @@ TEST_F(PortVlan, RowsGoByTheirNumberServicesByThePvcThatTheRowNames) {
   table.rows[0].pvcIndex = 65535;
   EXPECT_EQ(store(), 0);
   EXPECT_EQ(services(), "0:100 2:500 ");
+  table.pvcNum = 8;
+  table.rows[0].serviceNum = 0;
+  table.rows[5].pvcIndex = 65535;
+  EXPECT_EQ(store(), 0);
+  EXPECT_EQ(services(), "0:500 ");  // row 2 has had its turn, too
   EXPECT_EQ(del_port_vlan_cfg_db_api(7), 0);
   EXPECT_EQ(services(), "");
   std::vector<std::string> rows;

@@ -134,6 +134,27 @@ TEST_F(ProfileTest, AttachmentsThatAreCutAnywhereAreRefused) {
   }
 }
 
+TEST_F(ProfileTest, ANameInUseStopsABatchAheadOfItsFirstRecord) {
+  EXPECT_EQ(set(34801, frame(1, item(7, "taken", vdslBody()))), 0);
+  const Bytes batch = join({item(8, "free", vdslBody()), item(9, "taken", vdslBody())});
+  EXPECT_EQ(set(34801, frame(2, batch)), 1);
+  EXPECT_EQ(stored(2), 2U);
+}
+
+TEST_F(ProfileTest, AFlushReachesThePortsOfItsProfileOnly) {
+  authorise(3, "adsl16");
+  const Bytes body = adslBody();
+  set(34661, frame(3, join({item(5, "five", body), item(6, "six", body), item(7, "seven", body)})));
+  typed(CONFIG_NODE, "attach adslLine profile id 5 interface 3/1");
+  typed(CONFIG_NODE, "attach adslLine profile id 6 interface 3/2,4");
+  typed(CONFIG_NODE, "attach adslLine profile id 7 interface 3/3");
+  recorder_.take();
+  EXPECT_EQ(typed(CONFIG_NODE, "flush adslLine profile id 6"), " = 0");
+  ASSERT_EQ(recorder_.lines.size(), 1U);
+  // Two ports; the first is port 2.
+  EXPECT_EQ(recorder_.lines[0].substr(0, 29), "slot 3 2837 0000000200030002 ");
+}
+
 // 81 times the 16 ports of a slot are 1296, more than the node's 1280.
 TEST_F(ProfileTest, AReadThatWidensBeyondTheNodeIsRefused) {
   authorise(6, "dsl16");
