@@ -78,98 +78,50 @@ static bool readNumber(Vty* vty, const char* text, u32 most, const char* refusal
   return false;
 }
 
+// Edits of a field that is one number.
+static int editField(Vty* vty, u32 selector, u32 value) {
+  AdslPrfRecord values{};
+  setAdslField(&values.item, selector, value);
+  return edit(vty, values, selector);
+}
+
+static int editNumber(Vty* vty, const char* text, u32 most, const char* refusal, u32 selector) {
+  u32 value = 0;
+  return readNumber(vty, text, most, refusal, value) ? editField(vty, selector, value) : -1;
+}
+
+// Of a pair of selectors, the downstream one's is first.
+static u32 selector(const char* direction, u32 down) { return isDown(direction) ? down : down + 1; }
+
 #define EDIT(name) static int name(const CommandElement*, Vty* vty, [[maybe_unused]] int argc, char** argv)
 
-EDIT(cli_set_adslLine_transmode_func) {
-  AdslPrfRecord values{};
-  values.item.transmode = valueOfAny(transmodeWords, argv[0]);
-  return edit(vty, values, 1);
-}
-
-EDIT(cli_set_adslLine_UpRateMode_func) {
-  AdslPrfRecord values{};
-  values.item.UpRateMode = valueOfAny(rateModeWords, argv[0]);
-  return edit(vty, values, 2);
-}
-
-EDIT(cli_set_adslLine_DownRateMode_func) {
-  AdslPrfRecord values{};
-  values.item.DownRateMode = valueOfAny(rateModeWords, argv[0]);
-  return edit(vty, values, 3);
-}
-
-EDIT(cli_set_adslLine_LineType_func) {
-  AdslPrfRecord values{};
-  values.item.AdslLineType = valueOfAny(lineTypeWords, argv[0]);
-  return edit(vty, values, 4);
-}
+EDIT(cli_set_adslLine_transmode_func) { return editField(vty, 1, valueOfAny(transmodeWords, argv[0])); }
+EDIT(cli_set_adslLine_UpRateMode_func) { return editField(vty, 2, valueOfAny(rateModeWords, argv[0])); }
+EDIT(cli_set_adslLine_DownRateMode_func) { return editField(vty, 3, valueOfAny(rateModeWords, argv[0])); }
+EDIT(cli_set_adslLine_LineType_func) { return editField(vty, 4, valueOfAny(lineTypeWords, argv[0])); }
 
 EDIT(cli_set_adslLine_SnrmMargin_func) {
   u32 value = 0;
   if (!readNumber(vty, argv[1], 31, "SnrmMargin must between 0.0-31.0", value)) return -1;
   AdslPrfRecord values{};
   values.item.SnrmDn = values.item.SnrmUp = {0, 1, static_cast<i32>(value) * 10};
-  return edit(vty, values, isDown(argv[0]) ? 5 : 6);
+  return edit(vty, values, selector(argv[0], 5));
 }
 
 EDIT(cli_set_adslLine_MaxInterLeaveDelay_func) {
-  u32 value = 0;
-  if (!readNumber(vty, argv[1], 63, "MaxInterLeaveDelay must between 0-63", value)) return -1;
-  AdslPrfRecord values{};
-  values.item.MaxInterLeaveDelayDn = values.item.MaxInterLeaveDelayUp = static_cast<u16>(value);
-  return edit(vty, values, isDown(argv[0]) ? 7 : 8);
+  return editNumber(vty, argv[1], 63, "MaxInterLeaveDelay must between 0-63", selector(argv[0], 7));
 }
-
 EDIT(cli_set_adslLine_MinInp_func) {
-  u32 value = 0;
-  if (!readNumber(vty, argv[1], 18, "MinInp must between 0-18", value)) return -1;
-  AdslPrfRecord values{};
-  values.item.MinInpDn = values.item.MinInpUp = static_cast<u16>(value);
-  return edit(vty, values, isDown(argv[0]) ? 9 : 10);
+  return editNumber(vty, argv[1], 18, "MinInp must between 0-18", selector(argv[0], 9));
 }
-
-EDIT(cli_set_adslLine_BitSwap_func) {
-  AdslPrfRecord values{};
-  values.item.BitSwapDn = values.item.BitSwapUp = static_cast<u8>(valueOfAny(enableWords, argv[1]));
-  return edit(vty, values, isDown(argv[0]) ? 11 : 12);
-}
-
-EDIT(cli_set_adslLine_PowerMode_func) {
-  AdslPrfRecord values{};
-  values.item.PowerMode = valueOfAny(powerModeWords, argv[0]);
-  return edit(vty, values, 13);
-}
-
-EDIT(cli_set_adslLine_PmL0Time_func) {
-  u32 value = 0;
-  if (!readNumber(vty, argv[0], 65534, "PmL0Time must between 0-65534", value)) return -1;
-  AdslPrfRecord values{};
-  values.item.PmL0Time = static_cast<u16>(value);
-  return edit(vty, values, 14);
-}
-
-EDIT(cli_set_adslLine_PmL2Time_func) {
-  u32 value = 0;
-  if (!readNumber(vty, argv[0], 65534, "PmL2Time must between 0-65534", value)) return -1;
-  AdslPrfRecord values{};
-  values.item.PmL2Time = static_cast<u16>(value);
-  return edit(vty, values, 15);
-}
-
-EDIT(cli_set_adslLine_PmL2Atprt_func) {
-  u32 value = 0;
-  if (!readNumber(vty, argv[0], 15, "PmL2Atprt must between 0-15", value)) return -1;
-  AdslPrfRecord values{};
-  values.item.PmL2Atprt = static_cast<u16>(value);
-  return edit(vty, values, 16);
-}
-
-EDIT(cli_set_adslLine_PmL2Rate_func) {
-  u32 value = 0;
-  if (!readNumber(vty, argv[0], 1024, "PmL2Rate must between 0-1024", value)) return -1;
-  AdslPrfRecord values{};
-  values.item.PmL2Rate = value;
-  return edit(vty, values, 17);
+EDIT(cli_set_adslLine_BitSwap_func) { return editField(vty, selector(argv[0], 11), valueOfAny(enableWords, argv[1])); }
+EDIT(cli_set_adslLine_PowerMode_func) { return editField(vty, 13, valueOfAny(powerModeWords, argv[0])); }
+EDIT(cli_set_adslLine_PmL0Time_func) { return editNumber(vty, argv[0], 65534, "PmL0Time must between 0-65534", 14); }
+EDIT(cli_set_adslLine_PmL2Time_func) { return editNumber(vty, argv[0], 65534, "PmL2Time must between 0-65534", 15); }
+EDIT(cli_set_adslLine_PmL2Atprt_func) { return editNumber(vty, argv[0], 15, "PmL2Atprt must between 0-15", 16); }
+EDIT(cli_set_adslLine_PmL2Rate_func) { return editNumber(vty, argv[0], 1024, "PmL2Rate must between 0-1024", 17); }
+EDIT(cli_set_adslLine_MinRate_func) {
+  return editNumber(vty, argv[1], 100000, "MinRate must between 0-100000", selector(argv[0], 25));
 }
 
 // Two writes, the maximum first: each is checked against the other half as it is stored.
@@ -187,14 +139,6 @@ EDIT(cli_set_adslLine_Snrm_func) {
   if (modify(vty, values, down ? 21 : 22) != 0 || modify(vty, values, down ? 23 : 24) != 0) return -1;
   reportChange(adslLineKind);
   return 0;
-}
-
-EDIT(cli_set_adslLine_MinRate_func) {
-  u32 value = 0;
-  if (!readNumber(vty, argv[1], 100000, "MinRate must between 0-100000", value)) return -1;
-  AdslPrfRecord values{};
-  values.item.MinRateDn = values.item.MinRateUp = value;
-  return edit(vty, values, isDown(argv[0]) ? 25 : 26);
 }
 
 EDIT(cli_set_adslLine_toneblackout_func) {

@@ -200,6 +200,11 @@ static constexpr ItemPart parts[] = {
     ITEM_PART(AdslPrfItem, MinRateUp),
 };
 
+void setAdslField(AdslPrfItem* item, u32 selector, u32 value) {
+  const ItemPart part = parts[selector];
+  setField({.at = part.at, .width = static_cast<u8>(part.size)}, item, value);
+}
+
 int modify_spc_adsl_prf_para(SnmpErrInfo* err, const AdslPrfRecord* values, u32 selector) {
   if (err == nullptr || values == nullptr) {
     ulogPrintf(gModuleId_Msan, 10, "%s: input parameter error!\r\n", __func__);

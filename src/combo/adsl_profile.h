@@ -64,6 +64,8 @@ int set_adsl_line_prf(SnmpErrInfo* err, AdslPrfRecord* records, u16 count);
 int del_spc_adsl_line_prf(SnmpErrInfo* err, const u16* ids, u16 count);
 // Changes one field of the selected profile to what it is in `values`. Selectors 1 to 26, of which 20 is none.
 int modify_spc_adsl_prf_para(SnmpErrInfo* err, const AdslPrfRecord* values, u32 selector);
+// Puts a value where a selector of a single number has its field.
+void setAdslField(AdslPrfItem* item, u32 selector, u32 value);
 int attach_adsl_line_prf(SnmpErrInfo* err, LIST* nodes, u16 count);
 int attach_adsl_prf_adapt(LIST* nodes, u16 count);
 int flush_adsl_prf(SnmpErrInfo* err, u16 id, int flag);

@@ -50,6 +50,20 @@ static int findByName(const ProfileKind& kind, Vty* vty, const char* name, u16* 
   return idByName(kind, name, id) == 0 ? 0 : unknownName(vty, name);
 }
 
+// Any profile, by id or name. Whether there is one of the id is not looked at.
+static int findAny(const ProfileKind& kind, Vty* vty, char** argv, u16* id) {
+  if (!isWord("id", argv[0])) return findByName(kind, vty, argv[1], id);
+  const auto number = numberOf(argv[1]);
+  if (!number) return badId(vty);
+  SnmpErrInfo err;
+  if (checkIdLegal(kind, &err, *number) != 0) {
+    vty_out(vty, "there is no profile with id %d%s", static_cast<int>(*number), "\r\n");
+    return -1;
+  }
+  *id = static_cast<u16>(*number);
+  return 0;
+}
+
 // A profile other than the default one, by id or name.
 static int findOther(const ProfileKind& kind, Vty* vty, char** argv, const char* refuseDefault, u16* id) {
   if (!isWord("id", argv[0])) {
@@ -127,17 +141,7 @@ int cliShowProfile(const ProfileKind& kind, Vty* vty, int argc, char** argv) {
   if (argc < 2) return -1;
   u16 id = 0;
   SnmpErrInfo err;
-  if (byId) {
-    const auto number = numberOf(argv[1]);
-    if (!number) return badId(vty);
-    if (checkIdLegal(kind, &err, *number) != 0) {
-      vty_out(vty, "there is no profile with id %d%s", static_cast<int>(*number), "\r\n");
-      return -1;
-    }
-    id = static_cast<u16>(*number);
-  } else if (findByName(kind, vty, argv[1], &id) != 0) {
-    return -1;
-  }
+  if (findAny(kind, vty, argv, &id) != 0) return -1;
   AnyProfile record;
   if (getProfile(kind, &err, &record, id) != 0) {
     return complain(vty, byId ? kind.texts.readFailedById : kind.texts.readFailedByName, err.errCode);
@@ -186,17 +190,7 @@ int cliAttachProfile(const ProfileKind& kind, Vty* vty, int argc, char** argv) {
   const ProfileLock lock(kind);
   u16 id = 0;
   SnmpErrInfo err;
-  if (isWord("id", argv[0])) {
-    const auto number = numberOf(argv[1]);
-    if (!number) return badId(vty);
-    if (checkIdLegal(kind, &err, *number) != 0) {
-      vty_out(vty, "there is no profile with id %d%s", static_cast<int>(*number), "\r\n");
-      return -1;
-    }
-    id = static_cast<u16>(*number);
-  } else if (findByName(kind, vty, argv[1], &id) != 0) {
-    return -1;
-  }
+  if (findAny(kind, vty, argv, &id) != 0) return -1;
   ObjList addresses, nodes;
   if (CliInputConvertObjIndex(argv[2], addresses) != 0) return badInterface(vty);
   if (makeNodes(vty, addresses, id, nodes) != 0) return -1;
