@@ -42,22 +42,22 @@ int adsl_showrun_inf(Vty* vty) {
 // --- Messages ---
 
 int snmp_set_adsl_prf(u16 id, u8, u8* data, i32 length, u8* reply, u32* replyLen, void*, void*) {
-  return snmpWriteProfiles(adslLineKind, {id, data, length, reply, replyLen});
+  return snmpWriteProfiles(adslLineKind, {id, nullptr, data, length, reply, replyLen});
 }
 int snmp_del_adsl_prf(u16 id, u8, u8* data, i32 length, u8* reply, u32* replyLen, void*, void*) {
-  return snmpDeleteProfiles(adslLineKind, {id, data, length, reply, replyLen});
+  return snmpDeleteProfiles(adslLineKind, {id, nullptr, data, length, reply, replyLen});
 }
 int snmp_get_adsl_prf(u16 id, u8* last, u8* data, i32 length, u8* reply, u32* replyLen, void*, void*) {
-  return snmpReadProfiles(adslLineKind, {id, data, length, reply, replyLen}, last);
+  return snmpReadProfiles(adslLineKind, {id, last, data, length, reply, replyLen});
 }
 int snmp_set_pvc_prf(u16 id, u8, u8* data, i32 length, u8* reply, u32* replyLen, void*, void*) {
-  return snmpWriteProfiles(pvcKind, {id, data, length, reply, replyLen});
+  return snmpWriteProfiles(pvcKind, {id, nullptr, data, length, reply, replyLen});
 }
 int snmp_del_pvc_prf(u16 id, u8, u8* data, i32 length, u8* reply, u32* replyLen, void*, void*) {
-  return snmpDeleteProfiles(pvcKind, {id, data, length, reply, replyLen});
+  return snmpDeleteProfiles(pvcKind, {id, nullptr, data, length, reply, replyLen});
 }
 int snmp_get_pvc_prf(u16 id, u8* last, u8* data, i32 length, u8* reply, u32* replyLen, void*, void*) {
-  return snmpReadProfiles(pvcKind, {id, data, length, reply, replyLen}, last);
+  return snmpReadProfiles(pvcKind, {id, last, data, length, reply, replyLen});
 }
 
 // The PVC attachment has two numbers.
@@ -66,11 +66,11 @@ static u16 attachmentOf(u16 id) { return id == 2860 ? pvcKind.attachId : id; }
 int snmp_set_ad_pvc_prf_attach(u16 id, u8, u8* data, i32 length, u8* reply, u32* replyLen, void*, void*) {
   const u16 attachment = attachmentOf(id);
   const ProfileKind& kind = attachment == pvcKind.attachId ? pvcKind : adslLineKind;
-  return snmpAttachPorts(kind, {attachment, data, length, reply, replyLen});
+  return snmpAttachPorts(kind, {attachment, nullptr, data, length, reply, replyLen});
 }
 
 int snmp_get_pvc_prf_attach(u16 id, u8* last, u8* data, i32 length, u8* reply, u32* replyLen, void*, void*) {
-  return snmpReadPorts(pvcKind, {attachmentOf(id), data, length, reply, replyLen}, last);
+  return snmpReadPorts(pvcKind, {attachmentOf(id), last, data, length, reply, replyLen});
 }
 
 // The ports of a read of ADSL attachments: those of a slot if its one item names port 65535, else those named.
@@ -102,14 +102,13 @@ static int parse_get_port_info(LIST* list, SnmpErrInfo* err, u32 count, WireIn i
 }
 
 int snmp_get_adsl_port_info(u16 id, u8* last, u8* data, i32 length, u8* reply, u32* replyLen, void*, void*) {
-  const SnmpCall call{id, data, length, reply, replyLen};
   *last = 1;
   Reader from(data != nullptr && length >= 32 ? WireIn(data + 32, static_cast<u32>(length) - 32) : WireIn());
   const u32 count = from.number(4);
   SnmpErrInfo err;
   if (from.failed()) {
     err.errCode = kRequestTooShort;
-    return answerError(call, err);
+    return answerError(id, err, reply, replyLen);
   }
   if (count == 0) {
     *replyLen = 0;
@@ -117,12 +116,12 @@ int snmp_get_adsl_port_info(u16 id, u8* last, u8* data, i32 length, u8* reply, u
   }
   if (!is_item_legal(count)) return -1;
   ObjList ports;
-  if (parse_get_port_info(ports, &err, count, from.rest()) != 0) return answerError(call, err);
+  if (parse_get_port_info(ports, &err, count, from.rest()) != 0) return answerError(id, err, reply, replyLen);
   Writer to(WireOut(reply, kMaxPacket));
   to.number(4, 1);
   to.zeros(32);
   const ProfileLock lock(adslLineKind);
-  if (encodePorts(adslLineKind, ports, to) != 0) return answerError(call, err);
+  if (encodePorts(adslLineKind, ports, to) != 0) return answerError(id, err, reply, replyLen);
   *replyLen = to.length();
   return 0;
 }

@@ -43,11 +43,7 @@ int addPortNode(LIST* list, SnmpErrInfo* err, const ObjIndex& port, u16 id) {
 
 static int checkAttach(const ProfileKind& kind, SnmpErrInfo* err, u16 id) {
   if (checkIdLegal(kind, err, id) != 0) return -1;
-  if (profileExists(kind, id)) return 0;
-  err->errCode = kNoSuchProfile;
-  putNumber(err->errData, 2, id);
-  err->errDataLen = 2;
-  return -1;
+  return profileExists(kind, id) ? 0 : reject(err, kNoSuchProfile, {id});
 }
 
 int attachPorts(const ProfileKind& kind, SnmpErrInfo* err, LIST* list, u16 count) {

@@ -132,12 +132,7 @@ int writeEach(const ProfileKind& kind, SnmpErrInfo* err, ProfileHead* records, u
 
 static int checkDelete(const ProfileKind& kind, SnmpErrInfo* err, u16 id) {
   if (checkIdLegalExp0(kind, err, id) != 0) return -1;
-  if (!profileExists(kind, id)) {
-    err->errCode = kNoSuchProfile;
-    putNumber(err->errData, 2, id);
-    err->errDataLen = 2;
-    return -1;
-  }
+  if (!profileExists(kind, id)) return reject(err, kNoSuchProfile, {id});
   char name[sizeof ProfileHead::name];
   if (readProfileName(kind, name, id) != 0) return -1;
   if (isAttached(kind, err, id) == 1) {

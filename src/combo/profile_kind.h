@@ -189,26 +189,18 @@ int attachedProfile(const ProfileKind& kind, const ObjIndex* port, u16* id);
 
 // --- Messages (profile_snmp.cpp) ---
 
-struct SnmpCall {
-  u16 id;
-  u8* data;
-  i32 length;
-  u8* reply;
-  u32* replyLen;
-};
-
 // Slot and port of an item as an object; port 65535 is the slot itself.
 int get_adsl_obj_lable(SnmpErrInfo* err, ObjIndex* object, WireIn item);
 bool is_item_legal(u32 count);
 
 int snmpWriteProfiles(const ProfileKind& kind, const SnmpCall& call);
 int snmpDeleteProfiles(const ProfileKind& kind, const SnmpCall& call);
-int snmpReadProfiles(const ProfileKind& kind, const SnmpCall& call, u8* last);
+int snmpReadProfiles(const ProfileKind& kind, const SnmpCall& call);
 // The same for a request that must be the envelope and nothing else.
-int snmpReadProfilesBare(const ProfileKind& kind, const SnmpCall& call, u8* last);
+int snmpReadProfilesBare(const ProfileKind& kind, const SnmpCall& call);
 int snmpAttachPorts(const ProfileKind& kind, const SnmpCall& call);
 // All ports of the kind, of a slot, or those named.
-int snmpReadPorts(const ProfileKind& kind, const SnmpCall& call, u8* last);
+int snmpReadPorts(const ProfileKind& kind, const SnmpCall& call);
 
 struct ProfileMessage {
   const char* name;         // in the log
@@ -224,7 +216,6 @@ int registerProfileMessages(std::span<const ProfileMessage> messages);
 u32 attachmentReply(const ProfileKind& kind);
 
 // The parts of an attachment read.
-int answerError(const SnmpCall& call, const SnmpErrInfo& err);
 int encodePorts(const ProfileKind& kind, LIST* list, Writer& to);
 
 // --- Commands (profile_cli.cpp) ---

@@ -15,24 +15,26 @@ static constexpr u32 kReplyArea = 36;  // and a reply's
 static constexpr u16 kNode = 9;        // the whole node, in a report of a change
 static constexpr u32 kReadItem = 20;
 
-int answerError(const SnmpCall& call, const SnmpErrInfo& err) {
-  buildSnmpErrRetPkt(call.reply, call.replyLen, call.id, &err);
-  return -1;
+static int answerError(const SnmpCall& call, const SnmpErrInfo& err) {
+  return answerError(call.id, err, call.reply, call.replyLen);
 }
 
 static int answerCode(const SnmpCall& call, u16 code) { return answerError(call, {code, {}, 0}); }
 
-static int answerCount(const SnmpCall& call, u16 code, u32 width, u32 count) {
-  SnmpErrInfo err{code, {}, width};
-  putNumber(err.errData, width, count);
+// The count is told in as many bytes as it was read from: 2 of profiles, 4 of ports.
+static int answerProfileCount(const SnmpCall& call, u32 count) {
+  SnmpErrInfo err;
+  reject(&err, kTooManyProfiles, {static_cast<u16>(count)});
   return answerError(call, err);
 }
 
-static int answerSuccess(const SnmpCall& call) {
-  putNumber(call.reply, 4, 1);
-  *call.replyLen = 4;
-  return 0;
+static int answerPortCount(const SnmpCall& call, u32 count) {
+  SnmpErrInfo err;
+  rejectLong(&err, kTooManyItems, count);
+  return answerError(call, err);
 }
+
+static int answerSuccess(const SnmpCall& call) { return answerSuccess(call.reply, call.replyLen); }
 
 static WireIn areaOf(const SnmpCall& call) {
   if (call.data == nullptr || call.length < static_cast<i32>(kArea)) return {};
@@ -83,7 +85,7 @@ int snmpWriteProfiles(const ProfileKind& kind, const SnmpCall& call) {
   const u32 count = from.number(2);
   if (from.failed()) return answerCode(call, kRequestTooShort);
   if (count == 0) return answerSuccess(call);
-  if (count > kind.count()) return answerCount(call, kTooManyProfiles, 2, count);
+  if (count > kind.count()) return answerProfileCount(call, count);
   const PoolBytes records(static_cast<u8*>(mpuAlloc_(g_MsanMemPoolId, kind.recordSize() * count, __FILE__, __LINE__)));
   if (records == nullptr) return answerCode(call, kNoMemory);
   SnmpErrInfo err;
@@ -99,7 +101,7 @@ int snmpDeleteProfiles(const ProfileKind& kind, const SnmpCall& call) {
   const u32 count = from.number(2);
   if (from.failed()) return answerCode(call, kRequestTooShort);
   if (count == 0) return answerSuccess(call);
-  if (count > kind.count()) return answerCount(call, kTooManyProfiles, 2, count);
+  if (count > kind.count()) return answerProfileCount(call, count);
   const PoolBytes memory(
       static_cast<u8*>(mpuAlloc_(g_MsanMemPoolId, count * static_cast<u32>(sizeof(u16)), __FILE__, __LINE__)));
   if (memory == nullptr) return answerCode(call, kNoMemory);
@@ -116,18 +118,18 @@ int snmpDeleteProfiles(const ProfileKind& kind, const SnmpCall& call) {
   return result == 0 ? answerSuccess(call) : answerError(call, err);
 }
 
-int snmpReadProfiles(const ProfileKind& kind, const SnmpCall& call, u8* last) {
-  *last = 1;
+int snmpReadProfiles(const ProfileKind& kind, const SnmpCall& call) {
+  *call.lastFlagOut = 1;
   Writer to = beginReply(call);
   const ProfileLock lock(kind);
   if (encodeAll(kind, to) != 0) return answerCode(call, kNoMemory);
   return endReply(call, to);
 }
 
-int snmpReadProfilesBare(const ProfileKind& kind, const SnmpCall& call, u8* last) {
-  *last = 1;
+int snmpReadProfilesBare(const ProfileKind& kind, const SnmpCall& call) {
+  *call.lastFlagOut = 1;
   if (call.length != static_cast<i32>(kArea)) return answerCode(call, kRequestTooShort);
-  return snmpReadProfiles(kind, call, last);
+  return snmpReadProfiles(kind, call);
 }
 
 // --- Ports ---
@@ -137,13 +139,6 @@ bool is_item_legal(u32 count) { return count <= maxAdPortNum; }
 // A port of 0xFFFF names the slot itself in a write, and all its ports in a read.
 static constexpr u32 kNoPort = 65535;
 
-static int slotRefused(SnmpErrInfo* err, u32 slot) {
-  err->errCode = kSlotNotAuthorised;
-  putNumber(err->errData, 2, slot);
-  err->errDataLen = 2;
-  return -1;
-}
-
 int get_adsl_obj_lable(SnmpErrInfo* err, ObjIndex* object, WireIn item) {
   Reader from(item);
   const u32 slot = from.number(2);
@@ -152,7 +147,7 @@ int get_adsl_obj_lable(SnmpErrInfo* err, ObjIndex* object, WireIn item) {
     err->errCode = kRequestTooShort;
     return -1;
   }
-  if (isSlotAuthed(static_cast<u16>(slot)) != 1) return slotRefused(err, slot);
+  if (isSlotAuthed(static_cast<u16>(slot)) != 1) return reject(err, kSlotNotAuthorised, {static_cast<u16>(slot)});
   const u32 portNo = port == kNoPort ? 0 : port;
   return SlotNoPortConvertObjIndex(static_cast<u16>(slot), static_cast<u16>(portNo), 0, object) == 0 ? 0 : -1;
 }
@@ -179,7 +174,7 @@ int snmpAttachPorts(const ProfileKind& kind, const SnmpCall& call) {
   const u32 count = from.number(4);
   if (from.failed()) return answerCode(call, kRequestTooShort);
   if (count == 0) return answerSuccess(call);
-  if (!is_item_legal(count)) return answerCount(call, kTooManyItems, 4, count);
+  if (!is_item_legal(count)) return answerPortCount(call, count);
   ObjList nodes;
   SnmpErrInfo err;
   for (u32 i = 0; i < count; ++i) {
@@ -225,7 +220,8 @@ static int moveCells(LIST* from, LIST* to, u32& total) {
 static int widen(const ProfileKind& kind, SnmpErrInfo* err, WireIn item, LIST* ports, u32& total) {
   Reader from(item);
   const u32 slot = from.number(2);
-  if (!from.failed() && isSlotAuthed(static_cast<u16>(slot)) != 1) return slotRefused(err, slot);
+  if (!from.failed() && isSlotAuthed(static_cast<u16>(slot)) != 1)
+    return reject(err, kSlotNotAuthorised, {static_cast<u16>(slot)});
   const u32 port = from.number(2);
   if (item.size() < kReadItem) {
     err->errCode = kRequestTooShort;
@@ -250,12 +246,12 @@ static int widen(const ProfileKind& kind, SnmpErrInfo* err, WireIn item, LIST* p
   return moveCells(some, ports, total);
 }
 
-int snmpReadPorts(const ProfileKind& kind, const SnmpCall& call, u8* last) {
-  *last = 1;
+int snmpReadPorts(const ProfileKind& kind, const SnmpCall& call) {
+  *call.lastFlagOut = 1;
   Reader from(areaOf(call));
   const u32 count = from.number(4);
   if (from.failed()) return answerCode(call, kRequestTooShort);
-  if (!is_item_legal(count)) return answerCount(call, kTooManyItems, 4, count);
+  if (!is_item_legal(count)) return answerPortCount(call, count);
   ObjList ports;
   SnmpErrInfo err;
   u32 total = 0;
@@ -264,7 +260,7 @@ int snmpReadPorts(const ProfileKind& kind, const SnmpCall& call, u8* last) {
     if (widen(kind, &err, from.rest(), ports, total) != 0) return answerError(call, err);
     from.skip(kReadItem);
   }
-  if (!is_item_legal(total)) return answerCount(call, kTooManyItems, 4, total);
+  if (!is_item_legal(total)) return answerPortCount(call, total);
   const ProfileLock lock(kind);
   Writer to = beginReply(call);
   if (encodePorts(kind, ports, to) != 0) return answerError(call, err);

@@ -35,13 +35,13 @@ int vdsl_hotplug(u16 slot) { return callAll(hotplug, slot); }
 // --- Messages ---
 
 static int snmp_set_vdsl_line_prf(u16 id, u8, u8* data, i32 length, u8* reply, u32* replyLen, void*, void*) {
-  return snmpWriteProfiles(vdslLineKind, {id, data, length, reply, replyLen});
+  return snmpWriteProfiles(vdslLineKind, {id, nullptr, data, length, reply, replyLen});
 }
 static int snmp_del_vdsl_line_prf(u16 id, u8, u8* data, i32 length, u8* reply, u32* replyLen, void*, void*) {
-  return snmpDeleteProfiles(vdslLineKind, {id, data, length, reply, replyLen});
+  return snmpDeleteProfiles(vdslLineKind, {id, nullptr, data, length, reply, replyLen});
 }
 static int snmp_get_vdsl_line_prf(u16 id, u8* last, u8* data, i32 length, u8* reply, u32* replyLen, void*, void*) {
-  return snmpReadProfiles(vdslLineKind, {id, data, length, reply, replyLen}, last);
+  return snmpReadProfiles(vdslLineKind, {id, last, data, length, reply, replyLen});
 }
 
 // The kind that an attachment message is of. The messages below are registered, so there is one.
@@ -50,10 +50,10 @@ static const ProfileKind& kindOf(u16 attachId) {
 }
 
 static int snmp_set_vdsl_prf_attach(u16 id, u8, u8* data, i32 length, u8* reply, u32* replyLen, void*, void*) {
-  return snmpAttachPorts(kindOf(id), {id, data, length, reply, replyLen});
+  return snmpAttachPorts(kindOf(id), {id, nullptr, data, length, reply, replyLen});
 }
 static int snmp_get_vdsl_prf_attach(u16 id, u8* last, u8* data, i32 length, u8* reply, u32* replyLen, void*, void*) {
-  return snmpReadPorts(kindOf(id), {id, data, length, reply, replyLen}, last);
+  return snmpReadPorts(kindOf(id), {id, last, data, length, reply, replyLen});
 }
 
 int vdsl_reg_snmp_info() {

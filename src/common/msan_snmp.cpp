@@ -34,6 +34,31 @@ void buildSnmpErrRetPkt(u8* reply, u32* replyLen, u16 id, const SnmpErrInfo* err
   *replyLen = 16 + detail;
 }
 
+int answerSuccess(u8* reply, u32* replyLen) {
+  putNumber(reply, 4, 1);
+  *replyLen = 4;
+  return 0;
+}
+
+int answerError(u16 id, const SnmpErrInfo& err, u8* reply, u32* replyLen) {
+  buildSnmpErrRetPkt(reply, replyLen, id, &err);
+  return -1;
+}
+
+int reject(SnmpErrInfo* err, int code, std::initializer_list<u16> details) {
+  err->errCode = static_cast<u16>(code);
+  err->errDataLen = 0;
+  for (const u16 detail : details) {
+    putNumber(err->errData + err->errDataLen, 2, detail);
+    err->errDataLen += 2;
+  }
+  return -1;
+}
+
+int rejectLong(SnmpErrInfo* err, int code, u32 detail) {
+  return reject(err, code, {static_cast<u16>(detail >> 16), static_cast<u16>(detail)});
+}
+
 namespace {
 
 // A call of a hook: its parameters, and how it ends.

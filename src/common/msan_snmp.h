@@ -1,6 +1,8 @@
 #pragma once
 // The SNMP gateway: the registry of messages, the two hooks that the agent calls, and the error packet.
 
+#include <initializer_list>
+
 #include "platform/snmp_agent.h"
 #include "platform/types.h"
 
@@ -66,6 +68,24 @@ SnmpRead snmpSystemRead;
 // Writes the error packet: 00 00 00 41, u16 1, u16 8 + n, u16 id, u16 code, 4 bytes left alone, n bytes of detail.
 // Without a record, or with code 0, the first four bytes alone.
 void buildSnmpErrRetPkt(u8* reply, u32* replyLen, u16 id, const SnmpErrInfo* err);
+
+// The arguments of a message's handler.
+struct SnmpCall {
+  u16 id;
+  u8* lastFlagOut;  // GET
+  u8* data;
+  i32 length;
+  u8* reply;
+  u32* replyLen;
+};
+
+// What a handler ends with: 0 behind 00 00 00 01, -1 behind the error packet.
+int answerSuccess(u8* reply, u32* replyLen);
+int answerError(u16 id, const SnmpErrInfo& err, u8* reply, u32* replyLen);
+
+// Fills the record of an error: code, details of 2 bytes each. -1.
+int reject(SnmpErrInfo* err, int code, std::initializer_list<u16> details = {});
+int rejectLong(SnmpErrInfo* err, int code, u32 detail);  // one of 4 bytes
 
 // Make the registry and give the agent the hooks; install the registry's command. 0 or -1.
 int initAgentIfEnv();

@@ -225,8 +225,8 @@ int volt_current_callback_after_cardauth_db(u16 slot) { return verase_pots_voltc
 
 // --- SNMP ---
 
-static int answerError(u16 id, const SnmpErrInfo& err, u8* reply, u32* replyLen) {
-  vBuildErrorInfo(id, &err, reply, replyLen);
+static int answerAndDump(u16 id, const SnmpErrInfo& err, u8* reply, u32* replyLen) {
+  answerError(id, err, reply, replyLen);
   dumpGated(reply, 32);
   return -1;
 }
@@ -234,7 +234,7 @@ static int answerError(u16 id, const SnmpErrInfo& err, u8* reply, u32* replyLen)
 static int answerFailed(u16 id, u8* reply, u32* replyLen) {
   SnmpErrInfo err;
   vSetErrorInfo(kStepFailed, nullptr, 0, &err);
-  return answerError(id, err, reply, replyLen);
+  return answerAndDump(id, err, reply, replyLen);
 }
 
 int vsnmp_set_pots_voltcurrent(u16 id, u8, u8* data, i32 length, u8* reply, u32* replyLen, void*, void*) {
@@ -245,14 +245,14 @@ int vsnmp_set_pots_voltcurrent(u16 id, u8, u8* data, i32 length, u8* reply, u32*
   SnmpErrInfo err;
   WireIn area;
   if (checkListFrame(data, length, kUnit, kMaxRecords, area, &err) != 0) {
-    return answerError(id, err, reply, replyLen);
+    return answerAndDump(id, err, reply, replyLen);
   }
   DataList list;
   u32 count = 0;
   if (vparse_set_pots_voltcurrent(area, &count, list) != 0) {
     return answerFailed(id, reply, replyLen);
   }
-  if (vcheck_pots_voltcurrent_handle(list, &err) != 0) return answerError(id, err, reply, replyLen);
+  if (vcheck_pots_voltcurrent_handle(list, &err) != 0) return answerAndDump(id, err, reply, replyLen);
   if (vSetObjManageData(kPotsPort, list) != 0) return answerFailed(id, reply, replyLen);
   msan_cfg_sync_trigger(list, kFeedMessage, 1, kDataNodeList);
   buildAndSend(list);
@@ -268,7 +268,7 @@ int vsnmp_get_pots_voltcurrent(u16 id, u8* last, u8* data, i32 length, u8* reply
   SnmpErrInfo err;
   WireIn area;
   if (checkListFrame(data, length, kLocation, kMaxRecords, area, &err) != 0) {
-    return answerError(id, err, reply, replyLen);
+    return answerAndDump(id, err, reply, replyLen);
   }
   DataList locations, records;
   u32 count = 0;
@@ -279,10 +279,10 @@ int vsnmp_get_pots_voltcurrent(u16 id, u8* last, u8* data, i32 length, u8* reply
   count = static_cast<u32>(lstCount(locations));
   if (count > kMaxRecords) {
     vSetErrorInfo(kBadCount, &count, sizeof count, &err);
-    return answerError(id, err, reply, replyLen);
+    return answerAndDump(id, err, reply, replyLen);
   }
   if (vCheckPOTSPortLocationHandle(kFeedMessage, kPotsCardKind, locations, &err) != 0) {
-    return answerError(id, err, reply, replyLen);
+    return answerAndDump(id, err, reply, replyLen);
   }
   u32 bytes = 0;
   const WireOut out(reply + kReplyArea, kMaxPacket - kReplyArea);

@@ -328,8 +328,9 @@ TEST_F(ProfileTest, RecordsThatAreStoredOneByOne) {
   ASSERT_EQ(createDefault(oddKind), 0);
   std::vector<u8> reply(host::kReplyCapacity);
   u32 length = 0;
+  u8 last = 0;
   const auto call = [&](Bytes& request) {
-    return SnmpCall{34807, request.data(), static_cast<i32>(request.size()), reply.data(), &length};
+    return SnmpCall{34807, &last, request.data(), static_cast<i32>(request.size()), reply.data(), &length};
   };
   const auto answer = [&] { return codeOf({reply.begin(), reply.begin() + length}); };
   const auto odd = [](u32 id, const char* label, u32 value) {
@@ -358,13 +359,12 @@ TEST_F(ProfileTest, RecordsThatAreStoredOneByOne) {
   EXPECT_EQ(snmpWriteProfiles(oddKind, call(twin)), -1);
   EXPECT_EQ(answer(), 1);
 
-  u8 last = 0;
   Bytes read = zeros(32);
-  EXPECT_EQ(snmpReadProfilesBare(oddKind, call(read), &last), 0);
+  EXPECT_EQ(snmpReadProfilesBare(oddKind, call(read)), 0);
   EXPECT_EQ(Bytes(reply.begin() + 36, reply.begin() + length),
             join({number(2, 3), odd(0, "DEFODD", 0), odd(1, "one", 2), odd(4, "four", 7)}));
   read.push_back(0);
-  EXPECT_EQ(snmpReadProfilesBare(oddKind, call(read), &last), -1);
+  EXPECT_EQ(snmpReadProfilesBare(oddKind, call(read)), -1);
   EXPECT_EQ(answer(), -18);
 }
 

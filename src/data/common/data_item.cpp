@@ -12,20 +12,6 @@ static constexpr u32 kEnvelope = sizeof(MscHeader);
 
 // --- Parts ---
 
-int reject(SnmpErrInfo* err, int code, std::initializer_list<u16> details) {
-  err->errCode = static_cast<u16>(code);
-  err->errDataLen = 0;
-  for (const u16 detail : details) {
-    putNumber(err->errData + err->errDataLen, 2, detail);
-    err->errDataLen += 2;
-  }
-  return -1;
-}
-
-int rejectLong(SnmpErrInfo* err, int code, u32 detail) {
-  return reject(err, code, {static_cast<u16>(detail >> 16), static_cast<u16>(detail)});
-}
-
 static int tooShort(SnmpErrInfo* err, WireIn frame) {
   return rejectLong(err, kShortFrame, static_cast<u32>(frame.size()));
 }
@@ -34,17 +20,6 @@ int readCount(WireIn frame, u32 least, u32 most, u32* count, SnmpErrInfo* err) {
   if (frame.size() < kObjects) return tooShort(err, frame);
   *count = getNumber(frame.data() + kObjects - 4, 4);
   return *count >= least && *count <= most ? 0 : rejectLong(err, kCountRange, *count);
-}
-
-int answerSuccess(u8* reply, u32* replyLen) {
-  putNumber(reply, 4, 1);
-  *replyLen = 4;
-  return 0;
-}
-
-int answerError(u16 id, const SnmpErrInfo& err, u8* reply, u32* replyLen) {
-  buildSnmpErrRetPkt(reply, replyLen, id, &err);
-  return -1;
 }
 
 void ChangedSlots::add(u16 slot) {

@@ -72,19 +72,12 @@ int sendRecords(const DataItem& item, LIST* records);
 
 enum DataError : int { kCountRange = -1, kNoSlot = -3, kShortFrame = -18, kNoMemory = -19 };
 
-// Fills the record of an error: code, details of 2 bytes each. -1.
-int reject(SnmpErrInfo* err, int code, std::initializer_list<u16> details = {});
-int rejectLong(SnmpErrInfo* err, int code, u32 detail);  // one of 4 bytes
-
 // The count of a request, which has to lie within its limits. 0 or -1.
 int readCount(WireIn frame, u32 least, u32 most, u32* count, SnmpErrInfo* err);
 inline constexpr u32 kObjects = 36;  // offset of what is counted
 
 // The objects that the selectors of a GET name, sorted. 0 or -1.
 int selectObjects(const DataItem& item, WireIn frame, LIST* objects, SnmpErrInfo* err);
-
-int answerSuccess(u8* reply, u32* replyLen);                                // 0
-int answerError(u16 id, const SnmpErrInfo& err, u8* reply, u32* replyLen);  // -1
 
 // Reports to the platform that the configuration of slots has changed, once for each, up to 16 of them.
 class ChangedSlots {

@@ -90,15 +90,6 @@ int encodeUnits(const VoiceItem& item, LIST* list, WireOut buffer, u32* length, 
 // --- Roads ------------------------------------------------------------------------------------------------------
 
 // An SNMP request as its handler got it.
-struct SnmpCall {
-  u16 id;
-  u8* lastFlagOut;  // GET
-  u8* data;
-  i32 length;
-  u8* reply;
-  u32* replyLen;
-};
-
 // A SET: frame, parse, check all, store all, forward from the label's end on, reply, report. 0 or -1.
 int snmpSet(const VoiceItem& item, const SnmpCall& call, Where where = Where::here());
 // A SET that is an order: checked and forwarded, nothing is stored or reported, and a message that can't be built is a
