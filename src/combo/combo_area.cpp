@@ -1,10 +1,10 @@
 // The DSL area's lists.
 
-#include "combo/adsl_config_aux.h"
-#include "combo/adsl_config_interface.h"
-#include "combo/adsl_profile.h"
-#include "combo/pvc_profile.h"
-#include "combo/vdsl_config_interface.h"
+#include "combo/adsl/adsl_config_aux.h"
+#include "combo/adsl/adsl_config_interface.h"
+#include "combo/adsl/adsl_profile.h"
+#include "combo/pvc/pvc_profile.h"
+#include "combo/vdsl/vdsl_config_interface.h"
 #include "common/areas.h"
 #include "common/msan_init.h"
 #include "platform/command_line.h"

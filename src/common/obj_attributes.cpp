@@ -3,11 +3,11 @@
 #include <algorithm>
 #include <cstdio>
 
-#include "combo/profile_relation.h"
+#include "combo/profile/profile_relation.h"
 #include "common/interface_list.h"
 #include "common/msan_init.h"
 #include "common/trace.h"
-#include "data/port_vlan.h"
+#include "data/vlan/port_vlan.h"
 #include "platform/database.h"
 #include "platform/log.h"
 #include "platform/objects.h"

@@ -2,8 +2,8 @@
 
 #include "common/areas.h"
 #include "common/msan_init.h"
-#include "data/port_vlan.h"
-#include "data/vlan_profile.h"
+#include "data/vlan/port_vlan.h"
+#include "data/vlan/vlan_profile.h"
 #include "platform/command_line.h"
 #include "platform/log.h"
 #include "platform/objects.h"

@@ -1,6 +1,6 @@
 #include "data/port_rows.h"
 
-#include "combo/dsl_port_mode.h"
+#include "combo/port/dsl_port_mode.h"
 #include "data/common/data_item.h"
 #include "platform/objects.h"
 

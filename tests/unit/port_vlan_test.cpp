@@ -1,6 +1,6 @@
 // Tables of ports where a scenario would be long: messages and lists that are full, and the rows of the database.
 
-#include "data/port_vlan.h"
+#include "data/vlan/port_vlan.h"
 
 #include <thread>
 

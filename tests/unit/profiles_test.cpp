@@ -3,11 +3,11 @@
 #include <string>
 #include <thread>
 
-#include "combo/adsl_config_aux.h"
-#include "combo/adsl_profile.h"
-#include "combo/dsl_port_mode.h"
-#include "combo/pvc_profile.h"
-#include "combo/vdsl_line_func_prf.h"
+#include "combo/adsl/adsl_config_aux.h"
+#include "combo/adsl/adsl_profile.h"
+#include "combo/port/dsl_port_mode.h"
+#include "combo/pvc/pvc_profile.h"
+#include "combo/vdsl/vdsl_line_func_prf.h"
 #include "host/agent.h"
 #include "host/chassis.h"
 #include "host/profile_store.h"

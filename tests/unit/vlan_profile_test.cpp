@@ -1,6 +1,6 @@
 // VLAN profiles where a scenario would be long: the whole table, a table that could not be had, profile 0.
 
-#include "data/vlan_profile.h"
+#include "data/vlan/vlan_profile.h"
 
 #include "module_fixture.h"
 

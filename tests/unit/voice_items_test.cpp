@@ -6,12 +6,12 @@
 #include "host/agent.h"
 #include "module_fixture.h"
 #include "ppda/volt_current.h"
-#include "voice/cidMode.h"
 #include "voice/common/voice_msc.h"
-#include "voice/phoneNumber.h"
-#include "voice/potsGeneral.h"
-#include "voice/rfc2833.h"
-#include "voice/voiceMD5.h"
+#include "voice/globals/cidMode.h"
+#include "voice/globals/phoneNumber.h"
+#include "voice/globals/potsGeneral.h"
+#include "voice/globals/rfc2833.h"
+#include "voice/globals/voiceMD5.h"
 
 namespace {
 

@@ -8,13 +8,6 @@
 #include "platform/log.h"
 #include "platform/ngn.h"
 
-int buildMscHeader(u8* buffer, u16 id, u8) {
-  if (buffer == nullptr) return -1;
-  const MscHeader header{{}, id, {}};
-  std::memcpy(buffer, &header, sizeof header);
-  return 0;
-}
-
 int sendMscMsg(u16 slot, const u8* buffer, u32 length) {
   if (buffer == nullptr) return -1;
   if (length < sizeof(MscHeader)) {

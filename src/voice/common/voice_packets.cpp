@@ -1,5 +1,7 @@
 // Data nodes, and the messages that are built on them.
 
+#include "voice/common/voice_packets.h"
+
 #include <cstring>
 #include <limits>
 
@@ -7,7 +9,6 @@
 #include "common/trace.h"
 #include "common/wire.h"
 #include "platform/pool.h"
-#include "voice/common/voice_msc.h"
 
 static constexpr u32 kHeader = sizeof(MscHeader);
 static constexpr u32 kLargest = std::numeric_limits<u32>::max() - 64;
@@ -129,6 +130,13 @@ int nSetDataList(const void* data, u32 size, LIST* list) {
     return -1;
   }
   std::memcpy(node->data, data, size);
+  return 0;
+}
+
+int buildMscHeader(u8* buffer, u16 id, u8) {
+  if (buffer == nullptr) return -1;
+  const MscHeader header{{}, id, {}};
+  std::memcpy(buffer, &header, sizeof header);
   return 0;
 }
 

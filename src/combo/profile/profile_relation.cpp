@@ -1,0 +1,108 @@
+#include "combo/profile/profile_relation.h"
+
+#include "common/store.h"
+#include "platform/module_registry.h"
+#include "platform/tables.h"
+
+// The functions of a table with the object's id for its key.
+template <class Row>
+struct Relation {
+  int (*cursor)(mco_trans_h, mco_cursor_t*);
+  int (*search)(mco_trans_h, mco_cursor_t*, int, u32);
+  int (*compare)(mco_trans_h, const mco_cursor_t*, u32, int*);
+  int (*fromCursor)(mco_trans_h, const mco_cursor_t*, Row*);
+  int (*create)(mco_trans_h, Row*);
+  int (*remove)(Row*);
+  int (*putKey)(Row*, u32);
+  int (*putId)(Row*, u16);
+  int (*getId)(Row*, u16*);
+};
+
+// Moves the cursor to the row of the object. DB_END for an empty table, DB_NOT_FOUND without a row.
+template <class Row>
+static int find(const Relation<Row>& table, mco_trans_h transaction, mco_cursor_t& cursor, u32 objectId) {
+  if (const int code = table.cursor(transaction, &cursor)) return code;
+  return table.search(transaction, &cursor, DB_EQUAL, objectId);
+}
+
+template <class Row>
+static int setRelation(const Relation<Row>& table, u32 objectId, const void* id, Where where = Where::here()) {
+  if (hss_IsSmuMaster() != 1) return 0;
+  Transaction transaction(Access::write, where);
+  if (!transaction) return kStoreFailed;
+  mco_cursor_t cursor;
+  Row row;
+  int code = 0;
+  if (find(table, transaction, cursor, objectId) == 0) {
+    code = table.fromCursor(transaction, &cursor, &row);
+  } else {
+    code = table.create(transaction, &row);
+    if (code == 0) code = table.putKey(&row, objectId);
+  }
+  if (code == 0) code = table.putId(&row, *static_cast<const u16*>(id));
+  // A row that was begun stays, too: it stands for the default profile.
+  const int committed = transaction.commit();
+  return code == 0 && committed == 0 ? 0 : kStoreFailed;
+}
+
+template <class Row>
+static int getRelation(const Relation<Row>& table, u32 objectId, void* id, Where where = Where::here()) {
+  Transaction transaction(Access::read, where);
+  if (!transaction) return kStoreFailed;
+  mco_cursor_t cursor;
+  const int code = find(table, transaction, cursor, objectId);
+  if (code == DB_NOT_FOUND || code == DB_END) return code;
+  int order = 0;
+  if (code != 0 || table.compare(transaction, &cursor, objectId, &order) != 0) return kStoreFailed;
+  if (order != 0) return 0;
+  Row row;
+  if (table.fromCursor(transaction, &cursor, &row) != 0) return kStoreFailed;
+  return table.getId(&row, static_cast<u16*>(id)) == 0 ? 0 : kStoreFailed;
+}
+
+template <class Row>
+static int clearRelation(const Relation<Row>& table, u32 objectId, Where where = Where::here()) {
+  if (hss_IsSmuMaster() != 1) return 0;
+  Transaction transaction(Access::write, where);
+  if (!transaction) return kStoreFailed;
+  mco_cursor_t cursor;
+  const int code = find(table, transaction, cursor, objectId);
+  if (code == DB_NOT_FOUND || code == DB_END) return 0;
+  Row row;
+  if (code != 0 || table.fromCursor(transaction, &cursor, &row) != 0 || table.remove(&row) != 0) return kStoreFailed;
+  return transaction.commit();
+}
+
+// clang-format off
+#define RELATION(T)                                                                                             \
+  static constexpr Relation<T> T##_relation{T##_reTree_index_cursor, T##_reTree_search, T##_reTree_compare,     \
+                                            T##_from_cursor, T##_new, T##_delete, T##_ulObjId_put, T##_prfId_put, \
+                                            T##_prfId_get}
+// clang-format on
+RELATION(AD_PRF_ATT_RELATION);
+RELATION(PVC_PRF_ATT_RELATION);
+RELATION(VD_LINE_PRF_ATT_RELATION);
+
+int set_adsl_prf_att_dbapi(u32 objectId, const void* id, u32, u32) {
+  return setRelation(AD_PRF_ATT_RELATION_relation, objectId, id);
+}
+int get_adsl_prf_att_dbapi(u32 objectId, void* id, u32, u32, u32) {
+  return getRelation(AD_PRF_ATT_RELATION_relation, objectId, id);
+}
+int clr_adsl_prf_att_dbapi(u32 objectId) { return clearRelation(AD_PRF_ATT_RELATION_relation, objectId); }
+
+int set_pvc_prf_att_dbapi(u32 objectId, const void* id, u32, u32) {
+  return setRelation(PVC_PRF_ATT_RELATION_relation, objectId, id);
+}
+int get_pvc_prf_att_dbapi(u32 objectId, void* id, u32, u32, u32) {
+  return getRelation(PVC_PRF_ATT_RELATION_relation, objectId, id);
+}
+int clr_pvc_prf_att_dbapi(u32 objectId) { return clearRelation(PVC_PRF_ATT_RELATION_relation, objectId); }
+
+int set_vdsl_line_prf_att_db_api(u32 objectId, const void* id, u32, u32) {
+  return setRelation(VD_LINE_PRF_ATT_RELATION_relation, objectId, id);
+}
+int get_vdsl_line_prf_att_db_api(u32 objectId, void* id, u32, u32) {
+  return getRelation(VD_LINE_PRF_ATT_RELATION_relation, objectId, id);
+}
+int clr_vdsl_line_prf_att_db_api(u32 objectId) { return clearRelation(VD_LINE_PRF_ATT_RELATION_relation, objectId); }

@@ -1,0 +1,311 @@
+#include "voice/globals/potsGeneral.h"
+
+#include "common/memory.h"
+#include "common/msan_init.h"
+#include "common/obj_attributes.h"
+#include "platform/log.h"
+#include "platform/tables.h"
+#include "voice/common/voice_item.h"
+#include "voice/common/voice_msc.h"
+#include "voice/service/ngn_vo_common.h"
+
+static constexpr u16 kMessage = 2841;
+static constexpr u32 kLabel = 22;         // bytes of the unit ahead of its fields
+static constexpr u32 kForward = 32 + 22;  // from here on a request is forwarded: the last 4 bytes of the label
+static constexpr u32 kSent = 542;         // bytes to a card: the unit from the end of its label on
+static constexpr u16 kCards = 30;
+
+// clang-format off
+static constexpr Field fields[] = {
+    field<&PotsGeneral::pulseWidth, PotsGeneralPara_pulseWidth_get, PotsGeneralPara_pulseWidth_put>(
+        {.offset = 22, .initial = 40, .allowed = {{30, 2500}}, .code = 65385, .complaint = "invalid pulse width: %d"}),
+    field<&PotsGeneral::pulseInterval, PotsGeneralPara_pulseInterval_get, PotsGeneralPara_pulseInterval_put>(
+        {.offset = 24, .initial = 60, .allowed = {{50, 2500}}, .code = 65384, .complaint = "invalid pulse interval: %d"}),
+    field<&PotsGeneral::flashWidth, PotsGeneralPara_flashWidth_get, PotsGeneralPara_flashWidth_put>(
+        {.offset = 26, .initial = 90, .allowed = {{90, 2500}}, .code = 65383, .complaint = "invalid flash width: %d"}),
+    field<&PotsGeneral::billType, PotsGeneralPara_billType_get, PotsGeneralPara_billType_put>(
+        {.offset = 28, .initial = 0, .allowed = {{0, 2}}, .code = 65382, .complaint = "invalid bill type: %d"}),
+    field<&PotsGeneral::billPulseVoltage, PotsGeneralPara_billPulseVoltage_get, PotsGeneralPara_billPulseVoltage_put>(
+        {.offset = 30, .initial = 20, .allowed = {{4, 30}}, .code = 65381, .complaint = "invalid bill pulse voltage: %d"}),
+    field<&PotsGeneral::POTSImpMode, PotsGeneralPara_POTSImpMode_get, PotsGeneralPara_POTSImpMode_put>(
+        {.offset = 34, .initial = 0, .allowed = {{0, 2}}, .code = 65380, .complaint = "invalid POTS impedance interface mode: %d"}),
+    field<&PotsGeneral::offHookCheckTime, PotsGeneralPara_offHookCheckTime_get, PotsGeneralPara_offHookCheckTime_put>(
+        {.offset = 36, .initial = 20, .allowed = {{10, 400}}, .code = 65379, .complaint = "invalid off hook check time: %d"}),
+    field<&PotsGeneral::onHookCheckTime, PotsGeneralPara_onHookCheckTime_get, PotsGeneralPara_onHookCheckTime_put>(
+        {.offset = 38, .initial = 200, .allowed = {{90, 2500}}, .code = 65378, .complaint = "invalid on hook check time: %d"}),
+    field<&PotsGeneral::sendCODECGain, PotsGeneralPara_sendCODECGain_get, PotsGeneralPara_sendCODECGain_put>(
+        {.offset = 40, .initial = 0, .allowed = {{0, 100}}, .code = 65377, .complaint = "invalid send CODEC gain: %d"}),
+    // -100 to -1, and 0.
+    field<&PotsGeneral::recvCODECGain, PotsGeneralPara_recvCODECGain_get, PotsGeneralPara_recvCODECGain_put>(
+        {.offset = 44, .initial = static_cast<u32>(-35), .allowed = {{static_cast<u32>(-100), static_cast<u32>(-1)}, {0, 0}},
+         .code = 65376, .complaint = "invalid receive CODEC gain: %d"}),
+};
+// clang-format on
+static constexpr Record shape(560, fields);
+static constexpr Table<PotsGeneralPara> table{
+    "PotsGeneralPara", "treeIdx", PotsGeneralPara_treeIdx_find, PotsGeneralPara_new, PotsGeneralPara_recordid_put,
+    ownConnection};
+
+// --- Wire and store ---
+
+int parse_pots_general_para_code(WireIn unit, PotsGeneral* cfg) {
+  u32 length = 0;
+  return parseUnit(shape, unit, cfg, &length);
+}
+
+int parse_set_pots_general_para(WireIn area, u32* count, LIST* list) {
+  if (area.size() < 4 || count == nullptr || list == nullptr) return -1;
+  *count = 1;
+  if (vCreateDataNode(list, 1, sizeof(PotsGeneral)) != 0) return -1;
+  return parse_pots_general_para_code(area.subspan(4), recordOf<PotsGeneral>(lstLast(list)));
+}
+
+int encode_pots_general_para(const PotsGeneral* cfg, WireOut unit, u32* length) {
+  return encodeUnit(shape, cfg, unit, length);
+}
+
+int encode_pots_general_para_handle(LIST* list, WireOut buffer, u32* length) {
+  NODE* node = list != nullptr ? lstFirst(list) : nullptr;
+  if (node == nullptr || buffer.size() < 4 || length == nullptr) return -1;
+  putNumber(buffer.data(), 4, 1);
+  if (encode_pots_general_para(recordOf<PotsGeneral>(node), buffer.subspan(4), length) != 0) return -1;
+  *length += 4;
+  return 0;
+}
+
+int db_set_general_prf(const PotsGeneral* cfg, u32 key) { return storeRow(table, fields, cfg, key); }
+int db_get_general_prf(PotsGeneral* cfg, u32 key) { return loadRow(table, fields, cfg, key); }
+int set_pots_general_para(const PotsGeneral* cfg) { return db_set_general_prf(cfg, 0); }
+int get_pots_gerneral_para(PotsGeneral* cfg) { return db_get_general_prf(cfg, 0); }
+int set_pots_general_para_list(const PotsGeneral* cfg, LIST* list) { return nSetDataList(cfg, sizeof *cfg, list); }
+
+int set_pots_general_para_handle(LIST* list) {
+  for (NODE* at = lstFirst(list); at != nullptr; at = lstNext(at)) {
+    if (set_pots_general_para(recordOf<PotsGeneral>(at)) != 0) return -1;
+  }
+  return 0;
+}
+
+int get_pots_gerneral_para_handle(LIST* list) {
+  if (vCreateDataNode(list, 1, sizeof(PotsGeneral)) != 0) return -1;
+  NODE* node = lstLast(list);
+  static_cast<DataNode*>(node)->slot = 18;
+  return get_pots_gerneral_para(recordOf<PotsGeneral>(node)) == 0 ? 0 : -1;
+}
+
+// --- Check ---
+
+// Ranges in their order, and two relations: the interval's stands behind the range of the interval, the flash's with
+// its own.
+int check_pots_general_para(const PotsGeneral* cfg, SnmpErrInfo* err) {
+  const Fields all = fields;
+  if (checkFields(all.first(2), cfg, err) != 0) return -1;
+  if (cfg->pulseInterval - cfg->pulseWidth < 10) {
+    vSetErrorInfo(65375, &cfg->pulseInterval, sizeof cfg->pulseInterval, err);
+    trace("pulse interval must be 10ms more than pulse width");
+    return -1;
+  }
+  if (checkFields(all.subspan(2, 1), cfg, err) != 0) return -1;
+  if (cfg->flashWidth >= cfg->onHookCheckTime) {
+    vSetErrorInfo(65383, &cfg->flashWidth, sizeof cfg->flashWidth, err);
+    trace("invalid flash width: %d", cfg->flashWidth);
+    return -1;
+  }
+  return checkFields(all.subspan(3), cfg, err);
+}
+
+int check_pots_general_para_handle(LIST* list, SnmpErrInfo* err) {
+  for (NODE* at = lstFirst(list); at != nullptr; at = lstNext(at)) {
+    if (check_pots_general_para(recordOf<PotsGeneral>(at), err) != 0) return -1;
+  }
+  return 0;
+}
+
+// --- Send ---
+
+// The record as a card gets it, in a buffer of 4 + 560 bytes: from its offset 22 on. Null without memory, or when it
+// can't be encoded.
+static PoolBytes encoded(const PotsGeneral& cfg, Where where = Where::here()) {
+  u8* memory = nullptr;
+  if (vMemAlloc(&memory, static_cast<i32>(4 + shape.unit)) != 0) {
+    printTrace(where, "malloc for encode buffer failed");
+    return nullptr;
+  }
+  PoolBytes owner(memory);
+  u32 length = 0;
+  if (encode_pots_general_para(&cfg, WireOut(memory, 4 + shape.unit).subspan(4), &length) != 0) {
+    printTrace(where, "encode POTS general para configuration failed");
+    return nullptr;
+  }
+  putNumber(memory + kLabel, 4, 1);
+  return owner;
+}
+
+// The slots of the POTS cards. 0, or the code for what is wrong with them.
+static u16 potsSlots(u16* slots, u16& count, Where where = Where::here()) {
+  count = kCards;
+  if (get_msan_card_slot_list(slots, &count) != 0) {
+    printTrace(where, "get POTS slots No failed");
+    return kEncodeFailed;
+  }
+  if (count != 0) return 0;
+  printTrace(where, "there is no any POTS card");
+  return kEncodeFailed;
+}
+
+// Encodes and sends to all POTS cards. 0, or the code of the step that failed.
+static u16 sendToAll(const PotsGeneral& cfg) {
+  const PoolBytes buffer = encoded(cfg);
+  if (buffer == nullptr) return kEncodeFailed;
+  u16 slots[kCards];
+  u16 count = 0;
+  if (const u16 code = potsSlots(slots, count)) return code;
+  DataList sends;
+  if (vBuildMscPacketD(slots, count, kMessage, 0, buffer.get() + kLabel, kSent, sends) != 0) return kBuildFailed;
+  return vSendMscPacket(sends) == 0 ? u16{0} : u16{kSendFailed};
+}
+
+int distrib_pots_general_parax(const PotsGeneral* cfg, SnmpErrInfo* err) {
+  if (cfg == nullptr || err == nullptr) return -1;
+  DataList list;
+  if (set_pots_general_para_list(cfg, list) != 0) {
+    trace("set POTS general para configuration list failed");
+    return -1;
+  }
+  if (inRecoverConfProcess() != 1 && check_pots_general_para_handle(list, err) != 0) return -1;
+  if (set_pots_general_para_handle(list) != 0) {
+    vSetErrorInfo(kNotStored, nullptr, 0, err);
+    trace("set POTS general para configuration failed");
+    return -1;
+  }
+  if (const u16 code = sendToAll(*cfg)) vSetErrorInfo(code, nullptr, 0, err);
+  return 0;
+}
+
+int distrib_pots_general_para(u16 slot) {
+  PotsGeneral cfg;
+  {
+    DataList list;
+    if (get_pots_gerneral_para_handle(list) != 0) {
+      trace("get POTS general para configuration failed");
+      return -1;
+    }
+    cfg = *recordOf<PotsGeneral>(lstFirst(list));
+  }
+  const PoolBytes buffer = encoded(cfg);
+  DataList sends;
+  if (buffer == nullptr || vBuildMscPacketS(slot, kMessage, 0, buffer.get() + kLabel, kSent, sends) != 0) {
+    trace("build MSC msg 0x%04X failed", kMessage);
+    return -1;
+  }
+  return vSendMscPacket(sends);
+}
+
+int init_pots_gerneral_para() {
+  PotsGeneral cfg;
+  resetRecord(fields, &cfg);
+  const int result = db_set_general_prf(&cfg, 0);
+  if (result == 0) return 0;
+  trace("db_set_general_prf error iRet = %d", result);
+  return -1;
+}
+
+int erase_pots_general_para() {
+  PotsGeneral cfg;
+  SnmpErrInfo err;
+  if (init_pots_gerneral_para() != 0) {
+    trace("initialize POTS general configuration failed");
+  } else if (get_pots_gerneral_para(&cfg) != 0) {
+    trace("get default POTS general configuration failed");
+  } else if (distrib_pots_general_parax(&cfg, &err) != 0) {
+    trace("distribute POTS general configuration failed");
+  } else {
+    return 0;
+  }
+  return -1;
+}
+
+// --- SNMP ---
+
+// Checks and stores a SET. 0, or the answered failure.
+static int acceptSet(const SnmpCall& call, Where where) {
+  SnmpErrInfo err;
+  WireIn area;
+  if (checkListFrame(call.data, call.length, shape.unit, 1, area, &err, where) != 0) {
+    return answerError(call, err, "invalid snmp command para", where);
+  }
+  DataList list;
+  u32 count = 0;
+  if (parse_set_pots_general_para(area, &count, list) != 0) {
+    return answerFailed(call, "parse snmp command failed", where);
+  }
+  if (check_pots_general_para_handle(list, &err) != 0) {
+    return answerError(call, err, "check POTS general configuration failed", where);
+  }
+  if (set_pots_general_para_handle(list) != 0) {
+    return answerFailed(call, "set POTS general configuration failed", where);
+  }
+  return 0;
+}
+
+int snmp_set_pots_general_para(u16 id, u8, u8* data, i32 length, u8* reply, u32* replyLen, void*, void*) {
+  if (id != kMessage) {
+    trace("invalid snmp command ID: 0x%04X", id);
+    return -1;
+  }
+  if (vCheckSnmpSetCmdPara(data, reply, replyLen) != 0) {
+    trace("snmp set command para is NULL");
+    return -1;
+  }
+  if (length > 0) ulogTypePkt(gModuleId_Msan, 10, data, static_cast<u32>(length));
+  const SnmpCall call{id, nullptr, data, length, reply, replyLen};
+  if (acceptSet(call, Where::here()) != 0) return -1;
+  u16 slots[kCards];
+  u16 count = kCards;
+  if (get_msan_card_slot_list(slots, &count) != 0) {
+    trace("get MSC msg destination slots No failed");
+    return answerSuccess(call, 0);
+  }
+  // What follows the label travels to its end, whatever the request's length.
+  u8* forward = data + kForward;
+  putNumber(forward, 4, 1);
+  DataList sends;
+  if (vBuildMscPacketD(slots, count, kMessage, 0, forward, static_cast<u32>(length) - kForward, sends) != 0) {
+    trace("build MSC msg 0x%04X failed", kMessage);
+    return answerSuccess(call, 0);
+  }
+  if (vSendMscPacket(sends) != 0) {
+    trace("send MSC msg 0x%04X failed", kMessage);
+    return answerSuccess(call, 0);
+  }
+  answerSuccess(call, 0);
+  trigger_obj_crc(9, 0, 0, kMessage, 1);
+  return 0;
+}
+
+int snmp_get_pots_general_para(u16 id, u8* last, u8* data, i32 length, u8* reply, u32* replyLen, void*, void*) {
+  if (id != kMessage) {
+    trace("invalid snmp command ID: 0x%04X", id);
+    return -1;
+  }
+  if (vCheckSnmpOutPara(last, reply, replyLen) != 0) {
+    trace("snmp command output para is NULL");
+    return -1;
+  }
+  const SnmpCall call{id, last, data, length, reply, replyLen};
+  DataList list;
+  if (get_pots_gerneral_para_handle(list) != 0) {
+    return answerFailed(call, "get POTS general para configuration failed", Where::here());
+  }
+  u32 bytes = 0;
+  if (encode_pots_general_para_handle(list, WireOut(reply, kMaxPacket).subspan(36), &bytes) != 0) {
+    return answerFailed(call, "encode POTS general para configuration failed", Where::here());
+  }
+  *last = 1;
+  return answerSuccess(call, bytes + 32);
+}
+
+static constexpr SnmpMsgReg message{
+    kMessage, {0, 0}, snmp_set_pots_general_para, snmp_get_pots_general_para, 564, "Set POTS general parameters"};
+
+int registerPotsGeneralMessage() { return registerMessage(message); }
