@@ -64,6 +64,13 @@ constexpr Field field(FieldRow row) {
   return {row, sizeof(Value), std::is_array_v<Value>, MemberOf<Member>::in, C::get, C::put};
 }
 
+// A field of a record that is not stored.
+template <auto Member>
+constexpr Field field(FieldRow row) {
+  using Value = typename MemberOf<Member>::Value;
+  return {row, sizeof(Value), std::is_array_v<Value>, MemberOf<Member>::in, nullptr, nullptr};
+}
+
 using Fields = std::span<const Field>;
 
 // The fields of a unit on the wire. Rows that overlap, leave the unit, break the downward order of the codes or

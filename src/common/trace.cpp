@@ -3,6 +3,7 @@
 #include <cstdarg>
 #include <cstdio>
 #include <cstring>
+#include <iterator>
 
 #include "common/debug_control.h"
 #include "common/msan_init.h"
@@ -11,6 +12,21 @@
 const char* fileName(Where where) {
   const char* slash = std::strrchr(where.file, '/');
   return slash != nullptr ? slash + 1 : where.file;
+}
+
+FunctionName::FunctionName(Where where) {
+  char* to = text;
+  const auto append = [&](char c) {
+    if (to + 1 < std::end(text)) *to++ = c;
+  };
+  for (const char* at = where.function; *at != '\0'; ++at) {
+    if (*at != '*') {
+      append(*at);
+    } else {
+      for (const char* stem = where.stem; *stem != '\0'; ++stem) append(*stem);
+    }
+  }
+  *to = '\0';
 }
 
 // A text with its arguments filled in, as much of it as a line takes.
@@ -26,7 +42,7 @@ void printTrace(Where where, const char* words, ...) {
   const Words line(words, arguments);
   va_end(arguments);
   // In one call, so that lines of two doors do not mix.
-  std::printf("\r\n %s, %s %d, %s. \r\n", where.function, fileName(where), where.line, line.text);
+  std::printf("\r\n %s, %s %d, %s. \r\n", FunctionName(where).text, fileName(where), where.line, line.text);
 }
 
 void printTrace(Area area, Where where, const char* words, ...) {
@@ -35,5 +51,6 @@ void printTrace(Area area, Where where, const char* words, ...) {
   va_start(arguments, words);
   const Words line(words, arguments);
   va_end(arguments);
-  ulogPrintf(gModuleId_Msan, 10, "\r\n %s, %s %d, %s. \r\n", where.function, fileName(where), where.line, line.text);
+  ulogPrintf(gModuleId_Msan, 10, "\r\n %s, %s %d, %s. \r\n", FunctionName(where).text, fileName(where), where.line,
+             line.text);
 }

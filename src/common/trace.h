@@ -7,19 +7,27 @@
 #include "common/debug_control.h"
 #include "platform/types.h"
 
-// The place that a trace or log line names: the caller's, when taken as a default argument.
+// The place that a trace or log line names: the caller's, when taken as a default argument. A step that an item takes
+// as all do is named by its family's spelling ("nParse*") and the item's stem, at the item's row.
 struct Where {
   const char* function = "";
   const char* file = "";
   int line = 0;
+  const char* stem = "";  // for a * in the function
   static constexpr Where here(const char* function = __builtin_FUNCTION(), const char* file = __builtin_FILE(),
                               int line = __builtin_LINE()) {
-    return {function, file, line};
+    return {function, file, line, ""};
   }
 };
 
 // The source file of a place, without its folders.
 const char* fileName(Where where);
+
+// The function of a place, as a line prints it.
+struct FunctionName {
+  explicit FunctionName(Where where);
+  char text[64];
+};
 
 // The next conversion of a printf text: 's' for a text, 'd' for a number, 0 at the end.
 constexpr char nextConversion(std::string_view& text) {

@@ -34,8 +34,8 @@ class Writer {
   void zeros(std::size_t length) {
     if (u8* at = take(length)) std::memset(at, 0, length);
   }
-  // Leaves bytes as they are.
-  void skip(std::size_t length) { take(length); }
+  // Leaves bytes as they are, for the caller to fill; null without room.
+  u8* skip(std::size_t length) { return take(length); }
 
   bool failed() const { return failed_; }
   u32 length() const { return static_cast<u32>(length_); }

@@ -17,47 +17,45 @@
 #include "voice/globals/voiceMD5.h"
 #include "voice/globals/voiceTimer.h"
 
-// The node's global items: what they do at load, at registration, in the running configuration and at the end of
-// recovery.
-static constexpr Step ngnDataInit[] = {nInitCIDMode,    nInitPOTSNumber,   nInitIPTNumber, nInitRFC2833,
-                                       nInitROHTimeout, nInitSGNToneTimer, nInitVoiceMD5,  nInitVoiceTimer};
-static constexpr Step ngnSnmpRegister[] = {
-    SnmpMsgRegisterCIDMode,      SnmpMsgRegisterPhoneNumber, SnmpMsgRegisterRFC2833,   SnmpMsgRegisterROHTimeout,
-    SnmpMsgRegisterSGNToneTimer, SnmpMsgRegisterVoiceMD5,    SnmpMsgRegisterVoiceTimer};
-static constexpr PrintStep ngnShowrun[] = {nShowRunCIDMode,  nShowRunPOTSNumber, nShowRunIPTNumber,
-                                           nShowRunRFC2833,  nShowRunROHTimeout, nShowRunSGNToneTimer,
-                                           nShowRunVoiceMD5, nShowRunVoiceTimer};
-static constexpr Step afterConfiguration[] = {distrib_mgc,          nDistribCIDMode,  nDistribPOTSNumber,
-                                              nDistribIPTNumber,    nDistribRFC2833,  nDistribROHTimeout,
-                                              nDistribSGNToneTimer, nDistribVoiceMD5, nDistribVoiceTimer};
+// The node's global items, in the order in which they store their defaults, register, install their commands and print
+// their lines of the running configuration.
+static constexpr const VoiceItem* ngnItems[] = {&cidMode,    &potsNumber,      &iptNumber, &rfc2833,
+                                                &rohTimeout, &signalToneTimer, &voiceMD5,  &voiceTimer};
+static constexpr const VoiceItem* mgcRegisterItems[] = {&mgcRegister};
+// The gateway controllers and the POTS parameters stand apart from the others.
+static constexpr const VoiceItem* ngnConfiguration[] = {&mgc, &potsGeneral};
 
-static int installShowrun();
-static constexpr Step ngnCommands[] = {
-    installCidModeCommands,         installPhoneNumberCommands, installRfc2833Commands,    installRohTimeoutCommands,
-    installSignalToneTimerCommands, installVoiceMD5Commands,    installVoiceTimerCommands, installShowrun};
+// At the end of recovery the voice side is told all of it once more.
+static constexpr Step afterConfiguration[] = {
+    distributeOf<mgc>,       distributeOf<cidMode>,    distributeOf<potsNumber>,      distributeOf<iptNumber>,
+    distributeOf<rfc2833>,   distributeOf<rohTimeout>, distributeOf<signalToneTimer>, distributeOf<voiceMD5>,
+    distributeOf<voiceTimer>};
 
-static int msanNGNDataInit() { return callAll(ngnDataInit); }
-static int msanNGNSnmpMsgRegister() { return callAll(ngnSnmpRegister); }
-static int msan_cmd_init() { return callAll(ngnCommands); }
-int msan_ngn_showrun(Vty* vty) { return callAll(ngnShowrun, vty); }
+int msan_ngn_showrun(Vty* vty) { return showrunItems(ngnItems, vty); }
 
 static int cli_msan_ngn_showrun(const CommandElement*, Vty* vty, int, char**) { return msan_ngn_showrun(vty); }
 static constexpr Command commands[] = {
     command(CONFIG_NODE, "showrun msan ngn", cli_msan_ngn_showrun, "running configuration of the voice side"),
 };
-static int installShowrun() { return installCommands(commands); }
 
-// The gateway controllers and the POTS parameters, which stand apart from the others.
-static constexpr Step ngnConfigurationInit[] = {init_mgc, init_pots_gerneral_para};
-static constexpr Step dataSnmpRegister[] = {registerMgcMessage, registerPotsGeneralMessage};
-static constexpr Step simulationCommands[] = {installMgcCommands, installPotsGeneralCommands};
-static constexpr PrintStep ngnConfigurationShowrun[] = {showrun_mgc, showrun_pots_general_para};
+static int msanNGNDataInit() { return initItems(ngnItems); }
+static int msanNGNSnmpMsgRegister() { return registerItems(ngnItems); }
+static int msan_cmd_init() {
+  installItems(ngnItems);
+  return installCommands(commands);
+}
+
+static int msan_ngn_cfg_init() { return initItems(ngnConfiguration); }
+static int mgc_reg_cfg_regsnmpcmd_handle() { return registerItems(mgcRegisterItems); }
+static int reg_snmp_cmd_data() { return registerItems(ngnConfiguration); }
+static int ninstall_mgc_register_cmdline() { return installItems(mgcRegisterItems); }
+static int install_sim_cmd_line() {
+  installItems(ngnConfiguration);
+  return installPotsGeneralCommands();
+}
+static int install_msan_ngncfg_showrun(Vty* vty) { return showrunItems(ngnConfiguration, vty); }
+
 static constexpr SlotStep ngnDataDistribute[] = {distrib_pots_general_para};
-
-static int msan_ngn_cfg_init() { return callAll(ngnConfigurationInit); }
-static int reg_snmp_cmd_data() { return callAll(dataSnmpRegister); }
-static int install_sim_cmd_line() { return callAll(simulationCommands); }
-static int install_msan_ngncfg_showrun(Vty* vty) { return callAll(ngnConfigurationShowrun, vty); }
 static int ngn_data_distribute(u16 slot) { return callAll(ngnDataDistribute, slot); }
 
 static constexpr Step init[] = {msanNGNDataInit, msan_ngn_cfg_init};

@@ -6,7 +6,7 @@
 #include "host/agent.h"
 #include "module_fixture.h"
 #include "ppda/volt_current.h"
-#include "voice/common/voice_msc.h"
+#include "voice/common/voice_packets.h"
 #include "voice/globals/cidMode.h"
 #include "voice/globals/phoneNumber.h"
 #include "voice/globals/potsGeneral.h"
@@ -15,7 +15,12 @@
 
 namespace {
 
-// The code that a check gives a record, 0 when it passes.
+// The code that an item's check gives a record, 0 when it passes.
+template <class R>
+u16 codeFor(const VoiceItem& item, const R& cfg) {
+  SnmpErrInfo err;
+  return checkItem(item, &cfg, &err) == 0 ? 0 : err.errCode;
+}
 template <class R>
 u16 codeFor(int (*check)(const R*, SnmpErrInfo*), const R& cfg) {
   SnmpErrInfo err;
@@ -24,28 +29,28 @@ u16 codeFor(int (*check)(const R*, SnmpErrInfo*), const R& cfg) {
 
 TEST(CidMode, TwoModes) {
   for (const u16 mode : std::initializer_list<u16>{0, 1, 2, 3}) {
-    EXPECT_EQ(codeFor(nCheckCIDMode, CIDMode{mode}), mode == 1 || mode == 2 ? 0 : 65416) << mode;
+    EXPECT_EQ(codeFor(cidMode, CIDMode{mode}), mode == 1 || mode == 2 ? 0 : 65416) << mode;
   }
 }
 
 TEST(Rfc2833, PayloadTypesLeaveOutOneTo95) {
   for (const auto& [value, good] :
        {std::pair<u16, bool>{0, true}, {1, false}, {95, false}, {96, true}, {127, true}, {128, false}}) {
-    EXPECT_EQ(codeFor(nCheckRFC2833, RFC2833{0, 1, value, 96}), good ? 0 : 65414) << value;
-    EXPECT_EQ(codeFor(nCheckRFC2833, RFC2833{0, 1, 96, value}), good ? 0 : 65413) << value;
+    EXPECT_EQ(codeFor(rfc2833, RFC2833{0, 1, value, 96}), good ? 0 : 65414) << value;
+    EXPECT_EQ(codeFor(rfc2833, RFC2833{0, 1, 96, value}), good ? 0 : 65413) << value;
   }
-  EXPECT_EQ(codeFor(nCheckRFC2833, RFC2833{2, 2, 1, 1}), 65416) << "the first bad field alone";
-  EXPECT_EQ(codeFor(nCheckRFC2833, RFC2833{1, 2, 1, 1}), 65415);
+  EXPECT_EQ(codeFor(rfc2833, RFC2833{2, 2, 1, 1}), 65416) << "the first bad field alone";
+  EXPECT_EQ(codeFor(rfc2833, RFC2833{1, 2, 1, 1}), 65415);
 }
 
 // The edges of each field, with the others good; the field's own code just outside.
 TEST(PotsGeneral, EdgesAndRelations) {
   const PotsGeneral good{40, 60, 90, 0, 20, 0, 20, 200, 0, -35};
-  EXPECT_EQ(codeFor(check_pots_general_para, good), 0);
+  EXPECT_EQ(codeFor(potsGeneral, good), 0);
   const auto with = [good](auto member, auto value) {
     PotsGeneral cfg = good;
     cfg.*member = value;
-    return codeFor(check_pots_general_para, cfg);
+    return codeFor(potsGeneral, cfg);
   };
   using G = PotsGeneral;
   EXPECT_EQ(with(&G::pulseWidth, u16{29}), 65385);
@@ -74,20 +79,20 @@ TEST_F(VoiceMD5Test, KeysCountWhileTheSwitchIsOn) {
   VoiceMD5 cfg;
   std::memset(cfg.exchangedBase, 'x', sizeof cfg.exchangedBase);
   cfg.authSwitch = 2;
-  EXPECT_EQ(codeFor(nCheckVoiceMD5, cfg), 65416);
+  EXPECT_EQ(codeFor(voiceMD5, cfg), 65416);
   cfg.authSwitch = 0;
-  EXPECT_EQ(codeFor(nCheckVoiceMD5, cfg), 0);
+  EXPECT_EQ(codeFor(voiceMD5, cfg), 0);
   cfg.authSwitch = 1;
   SnmpErrInfo err;
-  EXPECT_EQ(nCheckVoiceMD5(&cfg, &err), -1);
+  EXPECT_EQ(checkItem(voiceMD5, &cfg, &err), -1);
   EXPECT_EQ(err.errCode, 65412);
   EXPECT_EQ(host::hexText({err.errData, err.errDataLen}), "78*16");
   std::memset(cfg.exchangedBase, 'f', sizeof cfg.exchangedBase);
-  EXPECT_EQ(codeFor(nCheckVoiceMD5, cfg), 0) << "a text that fills its field";
+  EXPECT_EQ(codeFor(voiceMD5, cfg), 0) << "a text that fills its field";
   cfg.exchangedPrime[0] = 'g';
-  EXPECT_EQ(codeFor(nCheckVoiceMD5, cfg), 65410);
+  EXPECT_EQ(codeFor(voiceMD5, cfg), 65410);
   host::failNth(host::Fault::alloc, 1);
-  EXPECT_EQ(codeFor(nCheckVoiceMD5, cfg), 65426) << "no memory to check with";
+  EXPECT_EQ(codeFor(voiceMD5, cfg), 65426) << "no memory to check with";
 }
 
 TEST_F(VoiceMD5Test, UnitOnTheWire) {
@@ -97,56 +102,40 @@ TEST_F(VoiceMD5Test, UnitOnTheWire) {
   std::memset(cfg.sharedKey, 'k', sizeof cfg.sharedKey);
   cfg.exchangedBase[0] = 'b';
   cfg.exchangedPrime[255] = 'p';
+  DataList list;
+  nSetDataList(&cfg, sizeof cfg, list);
   std::vector<u8> wire(849, 0xEE);
-  u32 length = 0;
-  ASSERT_EQ(nEncodeVoiceMD5(&cfg, wire, &length), 0);
-  EXPECT_EQ(length, 849U);
+  Writer out(wire);
+  ASSERT_EQ(encodeArea(voiceMD5, list, out), 0);
   // Switch, 32 bytes of id, 32 of key, 16 of base, 256 of prime, 512 that are left alone.
   EXPECT_EQ(host::hexText(wire), "016777 00*30 6b*32 62 00*270 70 ee*512");
-  VoiceMD5 again;
-  ASSERT_EQ(nParseVoiceMD5(wire, &again, &length), 0);
-  EXPECT_EQ(std::memcmp(&cfg, &again, sizeof cfg), 0);
-  EXPECT_EQ(nParseVoiceMD5(WireIn(wire).first(848), &again, &length), -1);
-  EXPECT_EQ(nEncodeVoiceMD5(&cfg, WireOut(wire).first(848), &length), -1);
+  DataList again;
+  ASSERT_EQ(parseUnits(voiceMD5, wire, again), 0);
+  EXPECT_EQ(std::memcmp(&cfg, recordOf<VoiceMD5>(lstFirst(again)), sizeof cfg), 0);
+  EXPECT_EQ(parseUnits(voiceMD5, WireIn(wire).first(848), again), -1);
+  Writer narrow(WireOut(wire).first(848));
+  EXPECT_EQ(encodeArea(voiceMD5, list, narrow), -1);
 }
 
 // What the command line's grammar lets nobody type.
 TEST_F(VoiceMD5Test, HandlersRefuseWhatTheGrammarWouldNotPass) {
-  const auto call = [](CommandHandler* handler, std::vector<std::string> words) {
+  const auto call = [](const VoiceItem& item, std::size_t command, std::vector<std::string> words) {
     std::vector<char*> argv;
     for (std::string& word : words) argv.push_back(word.data());
     Vty vty;
-    const int result = handler(nullptr, &vty, static_cast<int>(argv.size()), argv.data());
+    const int result =
+        item.commands[command].element.handler(nullptr, &vty, static_cast<int>(argv.size()), argv.data());
     return vty.text + std::to_string(result);
   };
   const std::string quantity = "\r\n invalid parameter quantity. \r\n-1";
-  EXPECT_EQ(call(cli_set_cid_mode_config_func, {}), quantity);
-  EXPECT_EQ(call(cli_set_cid_mode_config_func, {"pulse"}), "\r\n invalid CID mode. \r\n-1");
-  EXPECT_EQ(call(cli_distribute_erase_cid_mode_config_func, {"erase", "now"}), quantity);
-  EXPECT_EQ(call(cli_distribute_erase_cid_mode_config_func, {"drop"}), "\r\n invalid configuration operation. \r\n-1");
-  EXPECT_EQ(call(cli_set_rfc2833_config_func, {"auto", "97", "auto"}), quantity);
-  EXPECT_EQ(call(cli_set_rfc2833_config_func, {"auto", "97", "often", "97"}),
-            "\r\n invalid RFC2198 negotiation. \r\n-1");
-  EXPECT_EQ(call(cli_set_voice_md5_config_func, {"open", "1", "2", "3", "4", "5"}), quantity);
-  EXPECT_EQ(call(cli_set_voice_md5_config_func, {"ajar"}), "\r\n invalid MD5 authentication switch. \r\n-1");
-}
-
-TEST_F(VoiceMD5Test, NullArgumentsAreRefused) {
-  SnmpErrInfo err;
-  u32 length = 0;
-  u8 wire[34] = {};
-  CIDMode cfg{1};
-  EXPECT_EQ(nParseCIDMode(wire, nullptr, &length), -1);
-  EXPECT_EQ(nParseCIDMode({}, &cfg, &length), -1);
-  EXPECT_EQ(nCheckCIDMode(nullptr, &err), -1);
-  EXPECT_EQ(nCheckCIDMode(&cfg, nullptr), -1);
-  EXPECT_EQ(nSetCIDMode(nullptr), -1);
-  EXPECT_EQ(nGetCIDMode(nullptr), -1);
-  EXPECT_EQ(nEncodeCIDMode(&cfg, wire, nullptr), -1);
-  EXPECT_EQ(nCheckCIDModeHandle(nullptr, &err), -1);
-  EXPECT_EQ(nDistribCIDModeX(&cfg, nullptr), -1);
-  EXPECT_EQ(nSnmpSetCIDMode(3087, 1, wire, 34, nullptr, &length, nullptr, nullptr), -1);
-  EXPECT_EQ(nSnmpGetCIDMode(3088, wire, wire, 34, wire, &length, nullptr, nullptr), -1);
+  EXPECT_EQ(call(cidMode, 0, {}), quantity);
+  EXPECT_EQ(call(cidMode, 0, {"pulse"}), "\r\n invalid CID mode. \r\n-1");
+  EXPECT_EQ(call(cidMode, 2, {"erase", "now"}), quantity);
+  EXPECT_EQ(call(cidMode, 2, {"drop"}), "\r\n invalid configuration operation. \r\n-1");
+  EXPECT_EQ(call(rfc2833, 0, {"auto", "97", "auto"}), quantity);
+  EXPECT_EQ(call(rfc2833, 0, {"auto", "97", "often", "97"}), "\r\n invalid RFC2198 negotiation. \r\n-1");
+  EXPECT_EQ(call(voiceMD5, 0, {"open", "1", "2", "3", "4", "5"}), quantity);
+  EXPECT_EQ(call(voiceMD5, 0, {"ajar"}), "\r\n invalid MD5 authentication switch. \r\n-1");
 }
 
 TEST(PotsFeed, EdgesOfBothValues) {
@@ -174,15 +163,6 @@ TEST_F(VoiceMD5Test, NumbersAreEqualInAllTwentyCharacters) {
   nSetDataList(&one, sizeof one, list);
   EXPECT_EQ(nIsPHNNumberDuplicate(list, number), 1);
   EXPECT_EQ(std::string(number, 20), "01234567890123456789");
-}
-
-TEST_F(VoiceMD5Test, RowsOfNumbersHaveIndexes) {
-  PHNNumber cfg;
-  EXPECT_EQ(nGetPOTSNumber(9, &cfg), 0);
-  EXPECT_EQ(nGetPOTSNumber(10, &cfg), -1);
-  EXPECT_EQ(nSetIPTNumber(10, &cfg), -1);
-  char number[20];
-  EXPECT_EQ(nIsPHNNumberDuplicate(nullptr, number), -1);
 }
 
 // All that is registered so far, by hand: what a manager and an operator find.

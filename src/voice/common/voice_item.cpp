@@ -17,106 +17,77 @@ static constexpr u16 kNodeSlot = 9;    // reported for items of the whole node
 static constexpr u16 kSendSlot = 18;   // for the trace lines of a message to the NGN side
 enum Origin { kSnmp = 1, kCommand = 3 };
 
-static int isNull(Where where) {
-  printTrace(where, "configuration para is NULL");
-  return -1;
-}
+// A zeroed record of any item.
+struct AnyRecord {
+  alignas(u32) u8 bytes[kLargestRecord] = {};
+  operator void*() { return bytes; }
+};
 
 // --- Steps ---
 
-int parseUnit(const Record& shape, WireIn unit, void* cfg, u32* length, Where where) {
-  if (unit.data() == nullptr || cfg == nullptr || length == nullptr) return isNull(where);
-  if (unit.size() < shape.unit) {
-    printTrace(where, "invalid item unit length");
-    return -1;
+int checkFields(const VoiceItem& item, const void* cfg, SnmpErrInfo* err) {
+  return checkRecord(item.kept.shape->fields, cfg, err, item.at(item.names->check));
+}
+
+int checkItem(const VoiceItem& item, const void* cfg, SnmpErrInfo* err) {
+  return item.check != nullptr ? item.check(cfg, err) : checkFields(item, cfg, err);
+}
+
+int storeItem(const VoiceItem& item, const void* cfg, u32 key) {
+  return item.kept.store(item.kept.table, item.kept.shape->fields, cfg, key, item.at(item.names->store));
+}
+
+int loadItem(const VoiceItem& item, void* cfg, u32 key) {
+  return item.kept.load(item.kept.table, item.kept.shape->fields, cfg, key, item.at(item.names->load));
+}
+
+int parseUnits(const VoiceItem& item, WireIn area, LIST* list) {
+  const u32 unit = item.kept.shape->unit;
+  Reader in(area);
+  const u32 count = item.countWidth != 0 ? in.number(item.countWidth) : 1;
+  if (in.failed() || count > item.maximum || in.rest().size() / unit < count) return -1;
+  if (count == 0) return 0;
+  if (vCreateDataNode(list, static_cast<i32>(count), item.kept.bytes) != 0) return -1;
+  const u8* wire = in.rest().data();
+  for (NODE* at = lstFirst(list); at != nullptr; at = lstNext(at), wire += unit) {
+    parseRecord(item.kept.shape->fields, wire, recordOf<void>(at));
   }
-  parseRecord(shape.fields, unit.data(), cfg);
-  *length = shape.unit;
   return 0;
 }
 
-int encodeUnit(const Record& shape, const void* cfg, WireOut unit, u32* length, Where where) {
-  if (unit.data() == nullptr || cfg == nullptr || length == nullptr) return isNull(where);
-  if (unit.size() < shape.unit) {
-    printTrace(where, "invalid item unit length");
-    return -1;
-  }
-  encodeRecord(shape.fields, cfg, unit.data());
-  *length = shape.unit;
-  return 0;
-}
-
-int checkFields(Fields fields, const void* cfg, SnmpErrInfo* err, Where where) {
-  if (cfg == nullptr || err == nullptr) return isNull(where);
-  return checkRecord(fields, cfg, err, where);
-}
-
-int parseUnits(const VoiceItem& item, WireIn area, u32* count, LIST* list, Where where) {
-  if (area.data() == nullptr || count == nullptr || list == nullptr) return isNull(where);
-  if (area.size() < item.countWidth) {
-    printTrace(where, "invalid item unit length");
-    return -1;
-  }
-  *count = item.countWidth != 0 ? getNumber(area.data(), item.countWidth) : 1;
-  if (*count == 0) return 0;
-  if (*count > item.maximum || vCreateDataNode(list, static_cast<i32>(*count), item.recordBytes) != 0) return -1;
-  WireIn rest = area.subspan(item.countWidth);
+int checkUnits(const VoiceItem& item, LIST* list, SnmpErrInfo* err) {
   for (NODE* at = lstFirst(list); at != nullptr; at = lstNext(at)) {
-    u32 length = 0;
-    if (item.parse(rest, recordOf<void>(at), &length) != 0) return -1;
-    rest = rest.subspan(length);
+    if (checkItem(item, recordOf<void>(at), err) != 0) return -1;
   }
-  return 0;
+  return item.checkHandle != nullptr ? item.checkHandle(list, err) : 0;
 }
 
-int checkUnits(const VoiceItem& item, LIST* list, SnmpErrInfo* err, Where where) {
-  if (list == nullptr || err == nullptr) return isNull(where);
+int setUnits(const VoiceItem& item, LIST* list) {
+  if (item.setHandle != nullptr) return item.setHandle(list);
   for (NODE* at = lstFirst(list); at != nullptr; at = lstNext(at)) {
-    if (item.check(recordOf<void>(at), err) != 0) return -1;
+    if (storeItem(item, recordOf<void>(at)) != 0) return -1;
   }
   return 0;
 }
 
-int setUnits(const VoiceItem& item, LIST* list, Where where) {
-  if (list == nullptr) return isNull(where);
-  for (NODE* at = lstFirst(list); at != nullptr; at = lstNext(at)) {
-    if (item.set(recordOf<void>(at)) != 0) return -1;
-  }
-  return 0;
+int getUnits(const VoiceItem& item, LIST* list) {
+  if (item.getHandle != nullptr) return item.getHandle(list);
+  if (vCreateDataNode(list, 1, item.kept.bytes) != 0) return -1;
+  return loadItem(item, recordOf<void>(lstLast(list))) == 0 ? 0 : -1;
 }
 
-int getUnit(const VoiceItem& item, LIST* list, Where where) {
-  if (list == nullptr) return isNull(where);
-  if (vCreateDataNode(list, 1, item.recordBytes) != 0) return -1;
-  return item.get(recordOf<void>(lstLast(list))) == 0 ? 0 : -1;
+// A unit; its reserved bytes are left as they are.
+static void encodeUnit(const VoiceItem& item, const void* cfg, Writer& out) {
+  if (u8* unit = out.skip(item.kept.shape->unit)) encodeRecord(item.kept.shape->fields, cfg, unit);
 }
 
-int encodeArea(const VoiceItem& item, LIST* list, WireOut buffer, u32* length, Where where) {
-  if (list == nullptr || buffer.data() == nullptr || length == nullptr) return isNull(where);
-  Writer head(buffer);
-  if (item.countWidth != 0) head.number(item.countWidth, static_cast<u32>(lstCount(list)));
-  if (head.failed()) return -1;
-  u32 at = head.length();
-  for (NODE* node = lstFirst(list); node != nullptr; node = lstNext(node)) {
-    u32 unit = 0;
-    if (item.encode(recordOf<void>(node), buffer.subspan(at), &unit) != 0) return -1;
-    at += unit;
-  }
-  *length = at;
-  return 0;
+int encodeArea(const VoiceItem& item, LIST* list, Writer& out) {
+  if (item.countWidth != 0) out.number(item.countWidth, static_cast<u32>(lstCount(list)));
+  for (NODE* at = lstFirst(list); at != nullptr; at = lstNext(at)) encodeUnit(item, recordOf<void>(at), out);
+  return out.failed() ? -1 : 0;
 }
 
-int encodeUnits(const VoiceItem& item, LIST* list, WireOut buffer, u32* length, Where where) {
-  if (buffer.data() == nullptr || length == nullptr) return isNull(where);
-  Writer head(buffer);
-  head.number(4, 1);
-  head.skip(item.label);
-  if (head.failed() || encodeArea(item, list, buffer.subspan(head.length()), length, where) != 0) return -1;
-  *length += head.length();
-  return 0;
-}
-
-// --- Roads ---
+// --- SNMP ---
 
 static void dump(const u8* packet, u32 length) { ulogTypePkt(gModuleId_Msan, 10, packet, length); }
 
@@ -159,14 +130,14 @@ static int acceptSet(const VoiceItem& item, const SnmpCall& call, LIST* list, Wh
   const u32 at = kLabelAt + item.label;
   const i32 rest = call.length - static_cast<i32>(at);
   if (nCheckSnmpItemsLengthPre(call.data, call.length, item.label, &err, where) != 0 ||
-      nCheckSnmpItemsLength(call.data + at, rest, item.shape->unit, static_cast<u8>(item.countWidth), item.minimum,
+      nCheckSnmpItemsLength(call.data + at, rest, item.kept.shape->unit, static_cast<u8>(item.countWidth), item.minimum,
                             item.maximum, &err, where) != 0) {
     return answerError(call, err, "invalid SNMP command para", where);
   }
-  u32 units = 0;
-  const WireIn area(call.data + at, static_cast<u32>(rest));
-  if (item.parseHandle(area, &units, list) != 0) return answerFailed(call, "parse configuration failed", where);
-  if (item.checkHandle(list, &err) != 0) return answerError(call, err, "check configuration failed", where);
+  if (parseUnits(item, WireIn(call.data + at, static_cast<u32>(rest)), list) != 0) {
+    return answerFailed(call, "parse configuration failed", where);
+  }
+  if (checkUnits(item, list, &err) != 0) return answerError(call, err, "check configuration failed", where);
   return 0;
 }
 
@@ -176,29 +147,29 @@ static int forwardSet(const VoiceItem& item, const SnmpCall& call, u32 units) {
   u8* forward = call.data + kLabelAt + item.label - 4;
   putNumber(forward, 4, 1);
   DataList sends;
-  if (vBuildMscPacketI(kSendSlot, item.id, 0, forward, 4 + item.countWidth + units * item.shape->unit, sends) != 0) {
-    return -1;
-  }
+  const u32 length = 4 + item.countWidth + units * item.kept.shape->unit;
+  if (vBuildMscPacketI(kSendSlot, item.id, 0, forward, length, sends) != 0) return -1;
   vSendMscPacketI(sends);
   return 0;
 }
 
-int snmpSet(const VoiceItem& item, const SnmpCall& call, Where where) {
+int snmpSet(const VoiceItem& item, const SnmpCall& call) {
+  const Where where = item.at(item.names->snmpSet);
   if (beginSet(item, call, where) != 0) return -1;
   u32 units = 0;
   {
     DataList list;
     if (acceptSet(item, call, list, where) != 0) return -1;
-    if (item.setHandle(list) != 0) return answerFailed(call, "set configuration failed", where);
+    if (setUnits(item, list) != 0) return answerFailed(call, "set configuration failed", where);
     units = static_cast<u32>(lstCount(list));
   }
-  if (forwardSet(item, call, units) != 0) {
-    answerSuccess(call, 0);
-    printTrace(where, "build MSC msg 0x%04X failed", item.id);
-    return 0;
-  }
+  const int built = forwardSet(item, call, units);
   answerSuccess(call, 0);
-  trigger_obj_crc(kNodeSlot, 0, 0, item.id, kSnmp);
+  if (built == 0) {
+    trigger_obj_crc(kNodeSlot, 0, 0, item.id, kSnmp);
+  } else {
+    printTrace(where, "build MSC msg 0x%04X failed", item.id);
+  }
   return 0;
 }
 
@@ -214,7 +185,8 @@ int snmpOrder(const VoiceItem& item, const SnmpCall& call, Where where) {
   return answerSuccess(call, 0);
 }
 
-int snmpGet(const VoiceItem& item, const SnmpCall& call, Where where) {
+int snmpGet(const VoiceItem& item, const SnmpCall& call) {
+  const Where where = item.at(item.names->snmpGet);
   if (call.id != item.id) {
     printTrace(where, "invalid SNMP command ID: 0x%04X", call.id);
     return -1;
@@ -224,31 +196,35 @@ int snmpGet(const VoiceItem& item, const SnmpCall& call, Where where) {
     return -1;
   }
   DataList list;
-  if (item.getHandle(list) != 0) return answerFailed(call, "get configuration failed", where);
-  u32 length = 0;
-  const WireOut buffer(call.reply + kReplyArea, kMaxPacket - kReplyArea);
-  if (item.encodeHandle(list, buffer, &length) != 0) {
-    return answerFailed(call, "SNMP confirm encode failed", where);
-  }
+  if (getUnits(item, list) != 0) return answerFailed(call, "get configuration failed", where);
+  Writer out(WireOut(call.reply + kReplyArea, kMaxPacket - kReplyArea));
+  out.number(4, 1);
+  out.skip(item.label);
+  if (encodeArea(item, list, out) != 0) return answerFailed(call, "SNMP confirm encode failed", where);
   *call.lastFlagOut = 1;
-  return answerSuccess(call, length + 32);
+  return answerSuccess(call, out.length() + 32);
 }
 
-u16 encodeAndSend(const VoiceItem& item, const void* from, EncodeStep encode, u32 bytes, Where where) {
+// --- Store and send ---
+
+// Lets `encode` write so many bytes behind 00 00 00 01, and sends them.
+template <class Encode>
+static u16 sendEncoded(const VoiceItem& item, u32 bytes, Encode encode, Where where) {
   u8* memory = nullptr;
   if (vMemAlloc(&memory, static_cast<i32>(4 + bytes)) != 0) {
     printTrace(where, "malloc for %s configuration encode buffer failed", item.words);
     return kEncodeFailed;
   }
   const PoolBytes owner(memory);
-  u32 length = 0;
-  if (encode(from, WireOut(memory, 4 + bytes).subspan(4), &length) != 0) {
+  Writer out(WireOut(memory, 4 + bytes));
+  out.number(4, 1);
+  encode(out);
+  if (out.failed()) {
     printTrace(where, "encode %s configuration failed", item.words);
     return kEncodeFailed;
   }
-  putNumber(memory, 4, 1);
   DataList sends;
-  if (vBuildMscPacketI(kSendSlot, item.id, 0, memory, length + 4, sends) != 0) {
+  if (vBuildMscPacketI(kSendSlot, item.id, 0, memory, out.length(), sends) != 0) {
     printTrace(where, "build MSC message 0x%04X failed", item.id);
     return kBuildFailed;
   }
@@ -256,43 +232,66 @@ u16 encodeAndSend(const VoiceItem& item, const void* from, EncodeStep encode, u3
   return 0;
 }
 
-int storeAndSend(const VoiceItem& item, const void* cfg, SnmpErrInfo* err, Where where) {
-  if (cfg == nullptr || err == nullptr) return isNull(where);
-  if (inRecoverConfProcess() != 1 && item.check(cfg, err) != 0) return -1;
-  if (item.set(cfg) != 0) {
+u16 encodeAndSend(const VoiceItem& item, const void* cfg, Where where) {
+  return sendEncoded(
+      item, item.kept.shape->unit, [&](Writer& out) { encodeUnit(item, cfg, out); }, where);
+}
+
+u16 encodeAndSend(const VoiceItem& item, LIST* list, Where where) {
+  const u32 bytes = item.countWidth + item.kept.shape->unit * static_cast<u32>(lstCount(list));
+  return sendEncoded(
+      item, bytes, [&](Writer& out) { encodeArea(item, list, out); }, where);
+}
+
+int storeAndSend(const VoiceItem& item, const void* cfg, SnmpErrInfo* err) {
+  const Where where = item.at(item.names->distributeX);
+  if (inRecoverConfProcess() != 1 && checkItem(item, cfg, err) != 0) return -1;
+  if (storeItem(item, cfg) != 0) {
     vSetErrorInfo(kNotStored, nullptr, 0, err);
     printTrace(where, "set %s configuration failed", item.words);
     return -1;
   }
-  if (const u16 code = encodeAndSend(item, cfg, item.encode, item.shape->unit, where))
-    vSetErrorInfo(code, nullptr, 0, err);
+  if (const u16 code = encodeAndSend(item, cfg, where)) vSetErrorInfo(code, nullptr, 0, err);
   return 0;
 }
 
-int sendRecord(const VoiceItem& item, void* cfg, Where where) {
-  if (item.get(cfg) != 0) {
+int distributeItem(const VoiceItem& item) {
+  if (item.distribute != nullptr) return item.distribute();
+  const Where where = item.at(item.names->distribute);
+  AnyRecord cfg;
+  if (loadItem(item, cfg) != 0) {
     printTrace(where, "get %s configuration failed", item.words);
     return -1;
   }
-  return encodeAndSend(item, cfg, item.encode, item.shape->unit, where) == 0 ? 0 : -1;
+  return encodeAndSend(item, static_cast<const void*>(cfg), where) == 0 ? 0 : -1;
 }
 
-int eraseItem(const VoiceItem& item, Where where) {
-  if (item.init() != 0) return -1;
-  if (item.distribute() == 0) return 0;
-  printTrace(where, "distribute %s configuration failed", item.words);
-  return -1;
-}
-
-int initRecord(const VoiceItem& item, void* cfg, Where where) {
-  resetRecord(item.shape->fields, cfg);
-  const int result = item.set(cfg);
+int initItem(const VoiceItem& item) {
+  if (item.init != nullptr) return item.init();
+  AnyRecord cfg;
+  resetRecord(item.kept.shape->fields, cfg);
+  const int result = storeItem(item, cfg);
   if (result == 0) return 0;
-  printTrace(where, "%s error iRet = %d", item.setName, result);
+  const FunctionName set(item.at(item.setName));
+  printTrace(item.at(item.names->init), "%s error iRet = %d", set.text, result);
   return -1;
 }
 
-int finishSet(Vty* vty, const VoiceItem& item, const char* done, int result, const SnmpErrInfo& err) {
+int eraseItem(const VoiceItem& item) {
+  if (initItem(item) != 0) return -1;
+  if (distributeItem(item) == 0) return 0;
+  printTrace(item.at(item.names->erase), "distribute %s configuration failed", item.words);
+  return -1;
+}
+
+// --- Commands ---
+
+int finishSet(Vty* vty, const VoiceItem& item, int result, const SnmpErrInfo& err, const char* done) {
+  char words[80];
+  if (done == nullptr) {
+    std::snprintf(words, sizeof words, "set %s configuration", item.words);
+    done = words;
+  }
   const int code = static_cast<i16>(err.errCode);
   vty_out(vty, "\r\n %s %s(%d). \r\n", done, result == -1 ? "failed" : "successfully", code);
   if (result == -1) return -1;
@@ -300,19 +299,19 @@ int finishSet(Vty* vty, const VoiceItem& item, const char* done, int result, con
   return 0;
 }
 
-int finishSet(Vty* vty, const VoiceItem& item, int result, const SnmpErrInfo& err) {
-  char done[80];
-  std::snprintf(done, sizeof done, "set %s configuration", item.words);
-  return finishSet(vty, item, done, result, err);
+int configure(Vty* vty, const VoiceItem& item, const void* cfg, const char* done) {
+  SnmpErrInfo err;
+  const int result = storeAndSend(item, cfg, &err);
+  return finishSet(vty, item, result, err, done);
 }
 
-int cliDistributeErase(const VoiceItem& item, Vty* vty, int argc, char** argv) {
+int distributeErase(Vty* vty, const VoiceItem& item, int argc, char** argv) {
   if (argc != 1) return refuse(vty, "invalid parameter quantity");
   int result = 0;
   if (bep_StrCmp(argv[0], "distribute") == 0) {
-    result = item.distribute();
+    result = distributeItem(item);
   } else if (bep_StrCmp(argv[0], "erase") == 0) {
-    result = item.erase();
+    result = eraseItem(item);
   } else {
     return refuse(vty, "invalid configuration operation");
   }
@@ -323,6 +322,13 @@ int cliDistributeErase(const VoiceItem& item, Vty* vty, int argc, char** argv) {
   vty_out(vty, "\r\n %s %s configuration successfully. \r\n", argv[0], item.viewWords);
   trigger_obj_crc(kNodeSlot, 0, 0, item.id, kCommand);
   return 0;
+}
+
+int showItem(Vty* vty, const VoiceItem& item) {
+  AnyRecord cfg;
+  const int result = loadItem(item, cfg);
+  if (result == 0) item.show(vty, cfg);
+  return finishShow(vty, item, result);
 }
 
 int finishShow(Vty* vty, const VoiceItem& item, int result) {
@@ -337,7 +343,41 @@ int refuse(Vty* vty, const char* why) {
 
 int registerMessage(const SnmpMsgReg& message, Where where) {
   if (SnmpMsgRegister(&message) == 0) return 0;
-  ulogPrintf(gModuleId_Msan, 13, "\r\n %s, %s %d, register SNMP command 0x%04X failed. \r\n", where.function,
+  ulogPrintf(gModuleId_Msan, 13, "\r\n %s, %s %d, register SNMP command 0x%04X failed. \r\n", FunctionName(where).text,
              fileName(where), where.line, message.msgType);
   return -1;
+}
+
+// --- Lists of items ---
+
+// Calls `step` for all, also behind one that failed; the last one's result.
+template <class Step>
+static int eachItem(VoiceItems items, Step step) {
+  int result = 0;
+  for (const VoiceItem* item : items) result = step(*item);
+  return result;
+}
+
+int initItems(VoiceItems items) { return eachItem(items, initItem); }
+
+int registerItems(VoiceItems items) {
+  return eachItem(items, [](const VoiceItem& item) {
+    const ItemMessage& m = item.message;
+    return registerMessage({item.id, {0, 0}, m.set, m.get, m.mostReply, m.text}, item.at(item.names->registrar));
+  });
+}
+
+int installItems(VoiceItems items) {
+  return eachItem(items, [](const VoiceItem& item) { return installCommands(item.commands); });
+}
+
+int showrunItems(VoiceItems items, Vty* vty) {
+  return eachItem(items, [vty](const VoiceItem& item) {
+    if (item.showrunHandle != nullptr) return item.showrunHandle(vty);
+    // Of a record that can't be read the line of a zeroed one is printed.
+    AnyRecord cfg;
+    loadItem(item, cfg);
+    item.showrun(vty, cfg);
+    return 0;
+  });
 }

@@ -2,12 +2,13 @@
 // The road of a global voice item: one record that holds for the whole node, with a table of one row, an SNMP SET and
 // GET, a set, a show and a distribute/erase command, a line of the running configuration, a default and a replay.
 //
-// A step that an item does not have is null; no road of its takes it.
-//
-// An item is a row, VoiceItem, of which its source holds the data and the steps. The steps are functions of the item's
-// own under the names of the pattern (nParseX, nCheckX ...), one-line calls of what stands here where the item does as
-// all do. The roads below go through the row, so a step that an item does in its own way is taken everywhere.
+// An item is a row, VoiceItem. What an item does as all do is the road's own and stands here alone; where an item
+// differs, its source has a function under the step's name and the row names it. Trace lines name each step by the
+// item's stem: nCheckCIDMode is "nCheck*" of the CID mode, whether it has a function or not.
 
+#include <span>
+
+#include "common/commands.h"
 #include "common/msan_snmp.h"
 #include "common/record.h"
 #include "common/store.h"
@@ -17,86 +18,134 @@
 #include "platform/lists.h"
 #include "voice/common/voice_snmp.h"
 
-struct VoiceItem {
-  u16 id;                 // message id, for SNMP and for the NGN side
-  const char* setName;    // of the function that stores a record, for the trace of a default that could not be stored
-  const char* words;      // "set <words> configuration ..." and the traces
-  const char* viewWords;  // in the lines of show, distribute and erase
+// How a family of items spells its steps; the * is the item's stem.
+struct StepNames {
+  const char *check, *checkHandle, *set, *snmpSet, *snmpGet, *distributeX, *distribute, *erase, *init, *store, *load,
+      *registrar;
+};
+// clang-format off
+inline constexpr StepNames kNodeItem{  // nCheckCIDMode
+    .check = "nCheck*", .checkHandle = "nCheck*Handle", .set = "nSet*", .snmpSet = "nSnmpSet*", .snmpGet = "nSnmpGet*",
+    .distributeX = "nDistrib*X", .distribute = "nDistrib*", .erase = "nErase*", .init = "nInit*", .store = "ngnSet*db", .load = "ngnGet*db",
+    .registrar = "SnmpMsgRegister*"};
+inline constexpr StepNames kPlainItem{  // check_mgc
+    .check = "check_*", .checkHandle = "check_*_handle", .set = "set_*", .snmpSet = "snmp_set_*", .snmpGet = "snmp_get_*",
+    .distributeX = "distrib_*x", .distribute = "distrib_*", .erase = "erase_*", .init = "init_*", .store = "db_set_*_prf",
+    .load = "db_get_*_prf", .registrar = "reg_snmp_cmd_data"};
+inline constexpr StepNames kServiceItem{  // ncheck_sip_server
+    .check = "ncheck_*", .checkHandle = "ncheck_*_handle", .set = "nset_*", .snmpSet = "nsnmp_set_*",
+    .snmpGet = "nsnmp_get_*", .distributeX = "ndistrib_*x", .distribute = "ndistrib_*", .erase = "nerase_*", .init = "ninit_*",
+    .store = "db_set_*_cfg", .load = "db_get_*_cfg", .registrar = "*_regsnmpcmdhandle"};
+// clang-format on
+
+inline constexpr u32 kLargestRecord = 2112;
+
+// A record in memory and how it is kept: on the wire, and as a row of a table.
+struct Kept {
   const Record* shape;
-  u32 recordBytes;  // of the record in memory
-  u32 label = 22;   // bytes of the object label in a frame
+  u32 bytes;  // of the record in memory
+  const void* table = nullptr;
+  int (*store)(const void* table, Fields fields, const void* cfg, u32 key, Where where) = nullptr;
+  int (*load)(const void* table, Fields fields, void* cfg, u32 key, Where where) = nullptr;
+};
+template <class R, class Row>
+constexpr Kept kept(const Record& shape, const Table<Row>& table) {
+  static_assert(sizeof(R) <= kLargestRecord && alignof(R) <= alignof(u32));
+  return {&shape, sizeof(R), &table,
+          [](const void* t, Fields all, const void* cfg, u32 key, Where where) {
+            return storeRow(*static_cast<const Table<Row>*>(t), all, cfg, key, where);
+          },
+          [](const void* t, Fields all, void* cfg, u32 key, Where where) {
+            return loadRow(*static_cast<const Table<Row>*>(t), all, cfg, key, where);
+          }};
+}
+// A record that is not stored.
+template <class R>
+constexpr Kept unkept(const Record& shape) {
+  return {&shape, sizeof(R)};
+}
+
+struct ItemMessage {
+  SnmpSetHandler* set = nullptr;
+  SnmpGetHandler* get = nullptr;
+  u32 mostReply = 0;  // of the GET
+  const char* text = nullptr;
+};
+
+struct VoiceItem {
+  u16 id;            // message id, for SNMP and for the NGN side
+  const char* stem;  // of the names of its steps
+  const StepNames* names = &kNodeItem;
+  const char* words;                 // "set <words> configuration ..." and the traces
+  const char* viewWords = words;     // in the lines of show, distribute and erase
+  const char* setName = names->set;  // of the step that a default that could not be stored is traced with
+  Kept kept;
+  u32 label = 22;  // bytes of the object label in a frame
   // Bytes of the count ahead of the units, 0 for an item that is one unit; and its limits.
   u32 countWidth = 0;
   u32 minimum = 1;
   u32 maximum = 1;
-  int (*parse)(WireIn unit, void* cfg, u32* length) = nullptr;
+
+  // Steps that the item does in its own way; null: the road's. 0 or -1.
   int (*check)(const void* cfg, SnmpErrInfo* err) = nullptr;
-  int (*set)(const void* cfg) = nullptr;
-  int (*get)(void* cfg) = nullptr;
-  int (*encode)(const void* cfg, WireOut unit, u32* length) = nullptr;
-  // Over lists.
-  int (*parseHandle)(WireIn area, u32* count, LIST* list) = nullptr;
-  int (*checkHandle)(LIST* list, SnmpErrInfo* err) = nullptr;
+  int (*checkHandle)(LIST* list, SnmpErrInfo* err) = nullptr;  // behind the check of each record
   int (*setHandle)(LIST* list) = nullptr;
   int (*getHandle)(LIST* list) = nullptr;
-  int (*encodeHandle)(LIST* list, WireOut buffer, u32* length) = nullptr;
   int (*init)() = nullptr;
   int (*distribute)() = nullptr;
-  int (*erase)() = nullptr;
+
+  void (*show)(Vty* vty, const void* cfg) = nullptr;     // what a show command prints ahead of its last line
+  void (*showrun)(Vty* vty, const void* cfg) = nullptr;  // lines of the running configuration
+  int (*showrunHandle)(Vty* vty) = nullptr;              // the same for an item that is no single record
+
+  std::span<const Command> commands = {};
+  ItemMessage message = {};
+
+  Where at(const char* step) const { return {step, file, line, stem}; }
+  const char* file = __builtin_FILE();  // of the row
+  int line = __builtin_LINE();
 };
 
-// A step of an item, which takes the item's record, as the row holds it.
+// A step that takes the item's record, as the row holds it.
 template <auto Function>
 struct OnRecord;
-template <class R, int (*Function)(R*)>
+template <class R, void (*Function)(Vty*, const R*)>
 struct OnRecord<Function> {
-  using Record = std::conditional_t<std::is_const_v<R>, const void, void>;
-  static int call(Record* cfg) { return Function(static_cast<R*>(cfg)); }
+  static void call(Vty* vty, const void* cfg) { Function(vty, static_cast<const R*>(cfg)); }
 };
 template <class R, int (*Function)(const R*, SnmpErrInfo*)>
 struct OnRecord<Function> {
   static int call(const void* cfg, SnmpErrInfo* err) { return Function(static_cast<const R*>(cfg), err); }
 };
-template <class R, int (*Function)(const R*, WireOut, u32*)>
-struct OnRecord<Function> {
-  static int call(const void* cfg, WireOut unit, u32* length) {
-    return Function(static_cast<const R*>(cfg), unit, length);
-  }
-};
-template <class R, int (*Function)(WireIn, R*, u32*)>
-struct OnRecord<Function> {
-  static int call(WireIn unit, void* cfg, u32* length) { return Function(unit, static_cast<R*>(cfg), length); }
-};
 template <auto Function>
 inline constexpr auto onRecord = OnRecord<Function>::call;
 
 // --- Steps ------------------------------------------------------------------------------------------------------
-// 0 or -1. A null argument is traced and gives -1.
+// 0 or -1.
 
-int parseUnit(const Record& shape, WireIn unit, void* cfg, u32* length, Where where = Where::here());
-int encodeUnit(const Record& shape, const void* cfg, WireOut unit, u32* length, Where where = Where::here());
-int checkFields(Fields fields, const void* cfg, SnmpErrInfo* err, Where where = Where::here());
+// The fields' ranges; what an item checks beside them is in its own check.
+int checkFields(const VoiceItem& item, const void* cfg, SnmpErrInfo* err);
+int checkItem(const VoiceItem& item, const void* cfg, SnmpErrInfo* err);
+int storeItem(const VoiceItem& item, const void* cfg, u32 key = 0);  // or kStoreFailed
+int loadItem(const VoiceItem& item, void* cfg, u32 key = 0);         // or kStoreFailed; then the record is as it was
 
 // Over lists of the item's records.
-int parseUnits(const VoiceItem& item, WireIn area, u32* count, LIST* list, Where where = Where::here());
-int checkUnits(const VoiceItem& item, LIST* list, SnmpErrInfo* err, Where where = Where::here());
-int setUnits(const VoiceItem& item, LIST* list, Where where = Where::here());
-int getUnit(const VoiceItem& item, LIST* list, Where where = Where::here());
+int parseUnits(const VoiceItem& item, WireIn area, LIST* list);
+int checkUnits(const VoiceItem& item, LIST* list, SnmpErrInfo* err);
+int setUnits(const VoiceItem& item, LIST* list);
+int getUnits(const VoiceItem& item, LIST* list);
 // The configuration area: the count if the item has one, and the units.
-int encodeArea(const VoiceItem& item, LIST* list, WireOut buffer, u32* length, Where where = Where::here());
-// 00 00 00 01, a label that is left as it is, and the configuration area.
-int encodeUnits(const VoiceItem& item, LIST* list, WireOut buffer, u32* length, Where where = Where::here());
+int encodeArea(const VoiceItem& item, LIST* list, Writer& out);
 
 // --- Roads ------------------------------------------------------------------------------------------------------
 
-// An SNMP request as its handler got it.
 // A SET: frame, parse, check all, store all, forward from the label's end on, reply, report. 0 or -1.
-int snmpSet(const VoiceItem& item, const SnmpCall& call, Where where = Where::here());
+int snmpSet(const VoiceItem& item, const SnmpCall& call);
 // A SET that is an order: checked and forwarded, nothing is stored or reported, and a message that can't be built is a
 // failure.
 int snmpOrder(const VoiceItem& item, const SnmpCall& call, Where where = Where::here());
 // A GET: read, encode, reply. 0 or -1.
-int snmpGet(const VoiceItem& item, const SnmpCall& call, Where where = Where::here());
+int snmpGet(const VoiceItem& item, const SnmpCall& call);
 
 // The ends of a request: the packet with what `err` holds, or with the code of a step that has none of its own, -1; or
 // 00 00 00 01 ahead of `payload` bytes, 0.
@@ -106,35 +155,64 @@ int answerSuccess(const SnmpCall& call, u32 payload);
 
 // Check (but not during recovery), store and send. -1 while nothing is stored; behind the store 0, and a failure
 // shows in `err` alone.
-int storeAndSend(const VoiceItem& item, const void* cfg, SnmpErrInfo* err, Where where = Where::here());
-// Reads what is stored into a zeroed record and sends it; every failure gives -1.
-int sendRecord(const VoiceItem& item, void* cfg, Where where);
-template <class R>
-int sendStored(const VoiceItem& item, R zeroed, Where where = Where::here()) {
-  return sendRecord(item, &zeroed, where);
-}
-// Encodes `from` into a buffer of so many bytes, behind 00 00 00 01, and sends it to the NGN side. 0, or the code of
-// the step that failed.
-using EncodeStep = int (*)(const void* from, WireOut wire, u32* length);
-u16 encodeAndSend(const VoiceItem& item, const void* from, EncodeStep encode, u32 bytes, Where where);
-// Stores the default and sends it.
-int eraseItem(const VoiceItem& item, Where where = Where::here());
-// Makes the record the default and stores it.
-int initRecord(const VoiceItem& item, void* cfg, Where where);
-template <class R>
-int initItem(const VoiceItem& item, R zeroed, Where where = Where::here()) {
-  return initRecord(item, &zeroed, where);
-}
+int storeAndSend(const VoiceItem& item, const void* cfg, SnmpErrInfo* err);
+// Sends what is stored; every failure gives -1.
+int distributeItem(const VoiceItem& item);
+// Stores the default; stores it and sends it.
+int initItem(const VoiceItem& item);
+int eraseItem(const VoiceItem& item);
+
+// Encodes a record, or a list of them, behind 00 00 00 01 and sends it to the NGN side. 0, or the code of the step that
+// failed.
+u16 encodeAndSend(const VoiceItem& item, const void* cfg, Where where);
+u16 encodeAndSend(const VoiceItem& item, LIST* list, Where where);
 
 // The end of a set command: prints how it went, with "set <words> configuration" or with what was done, and reports.
-int finishSet(Vty* vty, const VoiceItem& item, int result, const SnmpErrInfo& err);
-int finishSet(Vty* vty, const VoiceItem& item, const char* done, int result, const SnmpErrInfo& err);
-// The command "[distribute|erase] ...".
-int cliDistributeErase(const VoiceItem& item, Vty* vty, int argc, char** argv);
+int finishSet(Vty* vty, const VoiceItem& item, int result, const SnmpErrInfo& err, const char* done = nullptr);
+// A set command from its record on.
+int configure(Vty* vty, const VoiceItem& item, const void* cfg, const char* done = nullptr);
+// The commands "[distribute|erase] ..." and "show ...".
+int distributeErase(Vty* vty, const VoiceItem& item, int argc, char** argv);
+int showItem(Vty* vty, const VoiceItem& item);
 // The last line of a show command.
 int finishShow(Vty* vty, const VoiceItem& item, int result);
 // Prints "\r\n <why>. \r\n" for a command that can't be carried out; -1.
 int refuse(Vty* vty, const char* why);
 
-// Registers the item's message; logs a failure. 0 or -1.
+// Registers a message; logs a failure. 0 or -1.
 int registerMessage(const SnmpMsgReg& message, Where where = Where::here());
+
+// --- Handlers of an item, for its row and its commands ------------------------------------------------------------
+
+template <const VoiceItem& item>
+int setOf(u16 id, u8, u8* data, i32 length, u8* reply, u32* replyLen, void*, void*) {
+  return snmpSet(item, {id, nullptr, data, length, reply, replyLen});
+}
+template <const VoiceItem& item>
+int getOf(u16 id, u8* last, u8* data, i32 length, u8* reply, u32* replyLen, void*, void*) {
+  return snmpGet(item, {id, last, data, length, reply, replyLen});
+}
+template <const VoiceItem& item>
+constexpr ItemMessage setAndGet(u32 mostReply, const char* text) {
+  return {setOf<item>, getOf<item>, mostReply, text};
+}
+template <const VoiceItem& item>
+int showOf(const CommandElement*, Vty* vty, int, char**) {
+  return showItem(vty, item);
+}
+template <const VoiceItem& item>
+int distributeEraseOf(const CommandElement*, Vty* vty, int argc, char** argv) {
+  return distributeErase(vty, item, argc, argv);
+}
+
+// --- An area's lists of items -------------------------------------------------------------------------------------
+
+using VoiceItems = std::span<const VoiceItem* const>;
+int initItems(VoiceItems items);
+int registerItems(VoiceItems items);
+int installItems(VoiceItems items);
+int showrunItems(VoiceItems items, Vty* vty);
+template <const VoiceItem& item>
+int distributeOf() {
+  return distributeItem(item);
+}

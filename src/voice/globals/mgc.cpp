@@ -28,54 +28,9 @@ static constexpr Field fields[] = {
 static constexpr Record shape(401, fields);
 static constexpr Table<MGCCfg> table{"MGCCfg",   "treeIdx",           MGCCfg_treeIdx_find,
                                      MGCCfg_new, MGCCfg_recordid_put, ownConnection};
-static constexpr VoiceItem item{.id = 3073,
-                                .setName = "set_mgc",
-                                .words = "MGC",
-                                .viewWords = "MGC",
-                                .shape = &shape,
-                                .recordBytes = sizeof(MGC),
-                                .label = 50,
-                                .parse = onRecord<parse_mgc>,
-                                .check = onRecord<check_mgc>,
-                                .set = onRecord<set_mgc>,
-                                .get = onRecord<get_mgc>,
-                                .encode = onRecord<encode_mgc>,
-                                .parseHandle = parse_mgc_handle,
-                                .checkHandle = check_mgc_handle,
-                                .setHandle = set_mgc_handle,
-                                .getHandle = get_mgc_handle,
-                                .encodeHandle = encode_mgc_handle,
-                                .init = init_mgc,
-                                .distribute = distrib_mgc,
-                                .erase = erase_mgc};
 static constexpr Word switchWords[] = {{"disable", 0}, {"initiative", 1}, {"passive", 2}};
 static constexpr Word formatWords[] = {{"notify", 0}, {"servicechange", 1}};
 static constexpr int kAddress = sizeof(MGC::primaryMGC);
-
-// Steps that are done as by every item.
-int parse_mgc(WireIn unit, MGC* cfg, u32* length) { return parseUnit(shape, unit, cfg, length); }
-int parse_mgc_handle(WireIn area, u32* count, LIST* list) { return parseUnits(item, area, count, list); }
-int check_mgc(const MGC* cfg, SnmpErrInfo* err) { return checkFields(fields, cfg, err); }
-int check_mgc_handle(LIST* list, SnmpErrInfo* err) { return checkUnits(item, list, err); }
-int set_mgc(const MGC* cfg) { return db_set_mgc_prf(cfg, 0); }
-int set_mgc_handle(LIST* list) { return setUnits(item, list); }
-int get_mgc(MGC* cfg) { return db_get_mgc_prf(cfg, 0); }
-int get_mgc_handle(LIST* list) { return getUnit(item, list); }
-int encode_mgc(const MGC* cfg, WireOut unit, u32* length) { return encodeUnit(shape, cfg, unit, length); }
-int encode_mgc_handle(LIST* list, WireOut buffer, u32* length) { return encodeUnits(item, list, buffer, length); }
-int db_set_mgc_prf(const MGC* cfg, u32 key) { return storeRow(table, fields, cfg, key); }
-int db_get_mgc_prf(MGC* cfg, u32 key) { return loadRow(table, fields, cfg, key); }
-int distrib_mgcx(const MGC* cfg, SnmpErrInfo* err) { return storeAndSend(item, cfg, err); }
-int distrib_mgc() { return sendStored(item, MGC{}); }
-int erase_mgc() { return eraseItem(item); }
-int init_mgc() { return initItem(item, MGC{}); }
-
-int snmp_set_mgc(u16 id, u8, u8* data, i32 length, u8* reply, u32* replyLen, void*, void*) {
-  return snmpSet(item, {id, nullptr, data, length, reply, replyLen});
-}
-int snmp_get_mgc(u16 id, u8* last, u8* data, i32 length, u8* reply, u32* replyLen, void*, void*) {
-  return snmpGet(item, {id, last, data, length, reply, replyLen});
-}
 
 // Commands. The two that set change a part of the stored record each.
 static const char* const kNoRecord = "get current MGC configuration failed";
@@ -92,26 +47,24 @@ static void take(char* field, const char* address) {
   std::memcpy(field, address, bep_StrLen(address));
 }
 
-int cli_set_mgc_addr_port_config_func(const CommandElement*, Vty* vty, int argc, char** argv) {
+static int cli_set_mgc_addr_port_config_func(const CommandElement*, Vty* vty, int argc, char** argv) {
   if (argc != 2 && argc != 4) return refuse(vty, "invalid parameter quantity");
   if (tooLong(vty, "primary", argv[0]) || (argc == 4 && tooLong(vty, "secondary", argv[2]))) return -1;
   MGC cfg;
-  if (get_mgc(&cfg) != 0) return refuse(vty, kNoRecord);
+  if (loadItem(mgc, &cfg) != 0) return refuse(vty, kNoRecord);
   take(cfg.primaryMGC, argv[0]);
   cfg.primaryMGCPort = static_cast<u32>(bep_atoiEx(argv[1]));
   if (argc == 4) {
     take(cfg.secondaryMGC, argv[2]);
     cfg.secondaryMGCPort = static_cast<u32>(bep_atoiEx(argv[3]));
   }
-  SnmpErrInfo err;
-  const int result = distrib_mgcx(&cfg, &err);
-  return finishSet(vty, item, "set MGC address and port", result, err);
+  return configure(vty, mgc, &cfg, "set MGC address and port");
 }
 
-int cli_set_mgc_heartbeat_config_func(const CommandElement*, Vty* vty, int argc, char** argv) {
+static int cli_set_mgc_heartbeat_config_func(const CommandElement*, Vty* vty, int argc, char** argv) {
   if (argc != 1 && argc != 4) return refuse(vty, "invalid parameter quantity");
   MGC cfg;
-  if (get_mgc(&cfg) != 0) return refuse(vty, kNoRecord);
+  if (loadItem(mgc, &cfg) != 0) return refuse(vty, kNoRecord);
   const auto heartbeat = valueOf(switchWords, argv[0]);
   if (!heartbeat) return refuse(vty, "invalid heartbeat switch");
   cfg.heartbeat = static_cast<u8>(*heartbeat);
@@ -124,58 +77,44 @@ int cli_set_mgc_heartbeat_config_func(const CommandElement*, Vty* vty, int argc,
     if (!format) return refuse(vty, "invalid heartbeat format");
     cfg.heartbeatFormat = static_cast<u8>(*format);
   }
-  SnmpErrInfo err;
-  const int result = distrib_mgcx(&cfg, &err);
-  return finishSet(vty, item, "set MGC heartbeat", result, err);
+  return configure(vty, mgc, &cfg, "set MGC heartbeat");
 }
 
-int cli_show_mgc_config_func(const CommandElement*, Vty* vty, int, char**) {
+static void show(Vty* vty, const MGC* cfg) {
   static constexpr Word switches[] = {{"Disable", 0}, {"Initiative", 1}, {"Passive", 2}};
   static constexpr Word formats[] = {{"Notify", 0}, {"ServiceChange", 1}};
-  MGC cfg;
-  const int result = get_mgc(&cfg);
-  if (result == 0) {
-    vty_out(vty, "\r\n Softswitch Platform Configuration");
-    vty_out(vty, "\r\n ---------------------------------------");
-    vty_out(vty, "\r\n %-23s%-30.64s", "Primary MGC Address: ", cfg.primaryMGC);
-    vty_out(vty, "\r\n %-23s%-6d", "Primary MGC Port: ", static_cast<i32>(cfg.primaryMGCPort));
-    vty_out(vty, "\r\n %-23s%-30.64s", "Secondary MGC Address: ", cfg.secondaryMGC);
-    vty_out(vty, "\r\n %-23s%-6d", "Secondary MGC Port: ", static_cast<i32>(cfg.secondaryMGCPort));
-    vty_out(vty, "\r\n %-23s%-15s", "Heartbeat: ", textOf(switches, cfg.heartbeat, "N/A"));
-    vty_out(vty, "\r\n %-23s%-6d", "Heartbeat Interval(s): ", static_cast<i32>(cfg.heartbeatInterval));
-    vty_out(vty, "\r\n %-23s%-6d", "Heartbeat Timeouts: ", static_cast<i32>(cfg.heartbeatTimeOuts));
-    vty_out(vty, "\r\n %-23s%-15s\r\n", "Heartbeat Format: ", textOf(formats, cfg.heartbeatFormat, "N/A"));
-  }
-  return finishShow(vty, item, result);
+  vty_out(vty, "\r\n Softswitch Platform Configuration");
+  vty_out(vty, "\r\n ---------------------------------------");
+  vty_out(vty, "\r\n %-23s%-30.64s", "Primary MGC Address: ", cfg->primaryMGC);
+  vty_out(vty, "\r\n %-23s%-6d", "Primary MGC Port: ", static_cast<i32>(cfg->primaryMGCPort));
+  vty_out(vty, "\r\n %-23s%-30.64s", "Secondary MGC Address: ", cfg->secondaryMGC);
+  vty_out(vty, "\r\n %-23s%-6d", "Secondary MGC Port: ", static_cast<i32>(cfg->secondaryMGCPort));
+  vty_out(vty, "\r\n %-23s%-15s", "Heartbeat: ", textOf(switches, cfg->heartbeat, "N/A"));
+  vty_out(vty, "\r\n %-23s%-6d", "Heartbeat Interval(s): ", static_cast<i32>(cfg->heartbeatInterval));
+  vty_out(vty, "\r\n %-23s%-6d", "Heartbeat Timeouts: ", static_cast<i32>(cfg->heartbeatTimeOuts));
+  vty_out(vty, "\r\n %-23s%-15s\r\n", "Heartbeat Format: ", textOf(formats, cfg->heartbeatFormat, "N/A"));
 }
 
-int cli_distribute_erase_mgc_config_func(const CommandElement*, Vty* vty, int argc, char** argv) {
-  return cliDistributeErase(item, vty, argc, argv);
-}
-
-int showrun_mgc(Vty* vty) {
-  MGC cfg;
-  get_mgc(&cfg);
-  const bool secondary = cfg.secondaryMGC[0] != '\0';
-  if (cfg.primaryMGC[0] == '\0' && !secondary) return 0;
-  vty_out(vty, "set mgc primary %.64s port %d", cfg.primaryMGC, static_cast<i32>(cfg.primaryMGCPort));
+static void showrun_mgc(Vty* vty, const MGC* cfg) {
+  const bool secondary = cfg->secondaryMGC[0] != '\0';
+  if (cfg->primaryMGC[0] == '\0' && !secondary) return;
+  vty_out(vty, "set mgc primary %.64s port %d", cfg->primaryMGC, static_cast<i32>(cfg->primaryMGCPort));
   if (secondary) {
-    vty_out(vty, " secondary %.64s port %d", cfg.secondaryMGC, static_cast<i32>(cfg.secondaryMGCPort));
+    vty_out(vty, " secondary %.64s port %d", cfg->secondaryMGC, static_cast<i32>(cfg->secondaryMGCPort));
   }
   vty_out(vty, "\r\n");
-  if (cfg.heartbeat == 0) {
+  if (cfg->heartbeat == 0) {
     vty_out(vty, "set mgc heartbeat %s\r\n", "disable");
-    return 0;
+    return;
   }
   vty_out(vty, "set mgc heartbeat %s interval %d timeouts %d format %s\r\n",
-          textOf(switchWords, cfg.heartbeat, "passive"), static_cast<i32>(cfg.heartbeatInterval),
-          static_cast<i32>(cfg.heartbeatTimeOuts), cfg.heartbeatFormat == 0 ? "notify" : "servicechange");
-  return 0;
+          textOf(switchWords, cfg->heartbeat, "passive"), static_cast<i32>(cfg->heartbeatInterval),
+          static_cast<i32>(cfg->heartbeatTimeOuts), cfg->heartbeatFormat == 0 ? "notify" : "servicechange");
 }
 
 // clang-format off
 static constexpr Command commands[] = {
-    command(CONFIG_NODE, "show mgc configuration", cli_show_mgc_config_func, "media gateway controllers"),
+    command(CONFIG_NODE, "show mgc configuration", showOf<mgc>, "media gateway controllers"),
     command(CONFIG_NODE,
             "set mgc primary <primaryAddr> port <primaryPort> {secondary <secondaryAddr> port <secondaryPort>}*1",
             cli_set_mgc_addr_port_config_func, "media gateway controllers"),
@@ -183,11 +122,20 @@ static constexpr Command commands[] = {
             "set mgc heartbeat [disable|initiative|passive] {interval <bInterval> timeouts <bTimeouts> format "
             "[notify|servicechange]}*1",
             cli_set_mgc_heartbeat_config_func, "heartbeat of the gateway"),
-    command(CONFIG_NODE, "[distribute|erase] mgc configuration", cli_distribute_erase_mgc_config_func,
+    command(CONFIG_NODE, "[distribute|erase] mgc configuration", distributeEraseOf<mgc>,
             "media gateway controllers"),
 };
 // clang-format on
-static constexpr SnmpMsgReg message{3073, {0, 0}, snmp_set_mgc, snmp_get_mgc, 455, "Set MGC configuration"};
 
-int installMgcCommands() { return installCommands(commands); }
-int registerMgcMessage() { return registerMessage(message); }
+constexpr VoiceItem mgc = {
+    .id = 3073,
+    .stem = "mgc",
+    .names = &kPlainItem,
+    .words = "MGC",
+    .kept = kept<MGC>(shape, table),
+    .label = 50,
+    .show = onRecord<show>,
+    .showrun = onRecord<showrun_mgc>,
+    .commands = commands,
+    .message = setAndGet<mgc>(455, "Set MGC configuration"),
+};

@@ -46,85 +46,44 @@ static constexpr Table<PotsGeneralPara> table{
     "PotsGeneralPara", "treeIdx", PotsGeneralPara_treeIdx_find, PotsGeneralPara_new, PotsGeneralPara_recordid_put,
     ownConnection};
 
-// --- Wire and store ---
-
-int parse_pots_general_para_code(WireIn unit, PotsGeneral* cfg) {
-  u32 length = 0;
-  return parseUnit(shape, unit, cfg, &length);
-}
-
-int parse_set_pots_general_para(WireIn area, u32* count, LIST* list) {
-  if (area.size() < 4 || count == nullptr || list == nullptr) return -1;
-  *count = 1;
-  if (vCreateDataNode(list, 1, sizeof(PotsGeneral)) != 0) return -1;
-  return parse_pots_general_para_code(area.subspan(4), recordOf<PotsGeneral>(lstLast(list)));
-}
-
-int encode_pots_general_para(const PotsGeneral* cfg, WireOut unit, u32* length) {
-  return encodeUnit(shape, cfg, unit, length);
-}
-
-int encode_pots_general_para_handle(LIST* list, WireOut buffer, u32* length) {
-  NODE* node = list != nullptr ? lstFirst(list) : nullptr;
-  if (node == nullptr || buffer.size() < 4 || length == nullptr) return -1;
-  putNumber(buffer.data(), 4, 1);
-  if (encode_pots_general_para(recordOf<PotsGeneral>(node), buffer.subspan(4), length) != 0) return -1;
-  *length += 4;
-  return 0;
-}
-
-int db_set_general_prf(const PotsGeneral* cfg, u32 key) { return storeRow(table, fields, cfg, key); }
-int db_get_general_prf(PotsGeneral* cfg, u32 key) { return loadRow(table, fields, cfg, key); }
-int set_pots_general_para(const PotsGeneral* cfg) { return db_set_general_prf(cfg, 0); }
-int get_pots_gerneral_para(PotsGeneral* cfg) { return db_get_general_prf(cfg, 0); }
-int set_pots_general_para_list(const PotsGeneral* cfg, LIST* list) { return nSetDataList(cfg, sizeof *cfg, list); }
-
-int set_pots_general_para_handle(LIST* list) {
-  for (NODE* at = lstFirst(list); at != nullptr; at = lstNext(at)) {
-    if (set_pots_general_para(recordOf<PotsGeneral>(at)) != 0) return -1;
-  }
-  return 0;
-}
-
-int get_pots_gerneral_para_handle(LIST* list) {
-  if (vCreateDataNode(list, 1, sizeof(PotsGeneral)) != 0) return -1;
-  NODE* node = lstLast(list);
-  static_cast<DataNode*>(node)->slot = 18;
-  return get_pots_gerneral_para(recordOf<PotsGeneral>(node)) == 0 ? 0 : -1;
-}
+static constexpr StepNames names{.check = "check_pots_general_para",
+                                 .checkHandle = "",
+                                 .set = "",
+                                 .snmpSet = "snmp_set_pots_general_para",
+                                 .snmpGet = "snmp_get_pots_general_para",
+                                 .distributeX = "distrib_pots_general_parax",
+                                 .distribute = "distrib_pots_general_para",
+                                 .erase = "",
+                                 .init = "init_pots_gerneral_para",
+                                 .store = "db_set_general_prf",
+                                 .load = "db_get_general_prf",
+                                 .registrar = "reg_snmp_cmd_data"};
 
 // --- Check ---
 
 // Ranges in their order, and two relations: the interval's stands behind the range of the interval, the flash's with
 // its own.
-int check_pots_general_para(const PotsGeneral* cfg, SnmpErrInfo* err) {
+static int check_pots_general_para(const PotsGeneral* cfg, SnmpErrInfo* err) {
   const Fields all = fields;
-  if (checkFields(all.first(2), cfg, err) != 0) return -1;
+  const auto check = [&](Fields some) { return checkRecord(some, cfg, err, Where::here(names.check)); };
+  if (check(all.first(2)) != 0) return -1;
   if (cfg->pulseInterval - cfg->pulseWidth < 10) {
     vSetErrorInfo(65375, &cfg->pulseInterval, sizeof cfg->pulseInterval, err);
     trace("pulse interval must be 10ms more than pulse width");
     return -1;
   }
-  if (checkFields(all.subspan(2, 1), cfg, err) != 0) return -1;
+  if (check(all.subspan(2, 1)) != 0) return -1;
   if (cfg->flashWidth >= cfg->onHookCheckTime) {
     vSetErrorInfo(65383, &cfg->flashWidth, sizeof cfg->flashWidth, err);
     trace("invalid flash width: %d", cfg->flashWidth);
     return -1;
   }
-  return checkFields(all.subspan(3), cfg, err);
-}
-
-int check_pots_general_para_handle(LIST* list, SnmpErrInfo* err) {
-  for (NODE* at = lstFirst(list); at != nullptr; at = lstNext(at)) {
-    if (check_pots_general_para(recordOf<PotsGeneral>(at), err) != 0) return -1;
-  }
-  return 0;
+  return check(all.subspan(3));
 }
 
 // --- Send ---
 
-// The record as a card gets it, in a buffer of 4 + 560 bytes: from its offset 22 on. Null without memory, or when it
-// can't be encoded.
+// The record as a card gets it, in a buffer of 4 + 560 bytes: from its offset 22 on. Null without memory.
 static PoolBytes encoded(const PotsGeneral& cfg, Where where = Where::here()) {
   u8* memory = nullptr;
   if (vMemAlloc(&memory, static_cast<i32>(4 + shape.unit)) != 0) {
@@ -132,11 +91,7 @@ static PoolBytes encoded(const PotsGeneral& cfg, Where where = Where::here()) {
     return nullptr;
   }
   PoolBytes owner(memory);
-  u32 length = 0;
-  if (encode_pots_general_para(&cfg, WireOut(memory, 4 + shape.unit).subspan(4), &length) != 0) {
-    printTrace(where, "encode POTS general para configuration failed");
-    return nullptr;
-  }
+  encodeRecord(fields, &cfg, memory + 4);
   putNumber(memory + kLabel, 4, 1);
   return owner;
 }
@@ -166,14 +121,8 @@ static u16 sendToAll(const PotsGeneral& cfg) {
 }
 
 int distrib_pots_general_parax(const PotsGeneral* cfg, SnmpErrInfo* err) {
-  if (cfg == nullptr || err == nullptr) return -1;
-  DataList list;
-  if (set_pots_general_para_list(cfg, list) != 0) {
-    trace("set POTS general para configuration list failed");
-    return -1;
-  }
-  if (inRecoverConfProcess() != 1 && check_pots_general_para_handle(list, err) != 0) return -1;
-  if (set_pots_general_para_handle(list) != 0) {
+  if (inRecoverConfProcess() != 1 && check_pots_general_para(cfg, err) != 0) return -1;
+  if (storeItem(potsGeneral, cfg) != 0) {
     vSetErrorInfo(kNotStored, nullptr, 0, err);
     trace("set POTS general para configuration failed");
     return -1;
@@ -184,13 +133,9 @@ int distrib_pots_general_parax(const PotsGeneral* cfg, SnmpErrInfo* err) {
 
 int distrib_pots_general_para(u16 slot) {
   PotsGeneral cfg;
-  {
-    DataList list;
-    if (get_pots_gerneral_para_handle(list) != 0) {
-      trace("get POTS general para configuration failed");
-      return -1;
-    }
-    cfg = *recordOf<PotsGeneral>(lstFirst(list));
+  if (loadItem(potsGeneral, &cfg) != 0) {
+    trace("get POTS general para configuration failed");
+    return -1;
   }
   const PoolBytes buffer = encoded(cfg);
   DataList sends;
@@ -201,21 +146,12 @@ int distrib_pots_general_para(u16 slot) {
   return vSendMscPacket(sends);
 }
 
-int init_pots_gerneral_para() {
-  PotsGeneral cfg;
-  resetRecord(fields, &cfg);
-  const int result = db_set_general_prf(&cfg, 0);
-  if (result == 0) return 0;
-  trace("db_set_general_prf error iRet = %d", result);
-  return -1;
-}
-
 int erase_pots_general_para() {
   PotsGeneral cfg;
   SnmpErrInfo err;
-  if (init_pots_gerneral_para() != 0) {
+  if (initItem(potsGeneral) != 0) {
     trace("initialize POTS general configuration failed");
-  } else if (get_pots_gerneral_para(&cfg) != 0) {
+  } else if (loadItem(potsGeneral, &cfg) != 0) {
     trace("get default POTS general configuration failed");
   } else if (distrib_pots_general_parax(&cfg, &err) != 0) {
     trace("distribute POTS general configuration failed");
@@ -235,20 +171,19 @@ static int acceptSet(const SnmpCall& call, Where where) {
     return answerError(call, err, "invalid snmp command para", where);
   }
   DataList list;
-  u32 count = 0;
-  if (parse_set_pots_general_para(area, &count, list) != 0) {
+  if (parseUnits(potsGeneral, area, list) != 0) {
     return answerFailed(call, "parse snmp command failed", where);
   }
-  if (check_pots_general_para_handle(list, &err) != 0) {
+  if (checkUnits(potsGeneral, list, &err) != 0) {
     return answerError(call, err, "check POTS general configuration failed", where);
   }
-  if (set_pots_general_para_handle(list) != 0) {
+  if (setUnits(potsGeneral, list) != 0) {
     return answerFailed(call, "set POTS general configuration failed", where);
   }
   return 0;
 }
 
-int snmp_set_pots_general_para(u16 id, u8, u8* data, i32 length, u8* reply, u32* replyLen, void*, void*) {
+static int snmp_set_pots_general_para(u16 id, u8, u8* data, i32 length, u8* reply, u32* replyLen, void*, void*) {
   if (id != kMessage) {
     trace("invalid snmp command ID: 0x%04X", id);
     return -1;
@@ -283,7 +218,7 @@ int snmp_set_pots_general_para(u16 id, u8, u8* data, i32 length, u8* reply, u32*
   return 0;
 }
 
-int snmp_get_pots_general_para(u16 id, u8* last, u8* data, i32 length, u8* reply, u32* replyLen, void*, void*) {
+static int snmp_get_pots_general_para(u16 id, u8* last, u8* data, i32 length, u8* reply, u32* replyLen, void*, void*) {
   if (id != kMessage) {
     trace("invalid snmp command ID: 0x%04X", id);
     return -1;
@@ -294,18 +229,26 @@ int snmp_get_pots_general_para(u16 id, u8* last, u8* data, i32 length, u8* reply
   }
   const SnmpCall call{id, last, data, length, reply, replyLen};
   DataList list;
-  if (get_pots_gerneral_para_handle(list) != 0) {
+  if (getUnits(potsGeneral, list) != 0) {
     return answerFailed(call, "get POTS general para configuration failed", Where::here());
   }
-  u32 bytes = 0;
-  if (encode_pots_general_para_handle(list, WireOut(reply, kMaxPacket).subspan(36), &bytes) != 0) {
+  Writer out(WireOut(reply, kMaxPacket).subspan(36));
+  if (encodeArea(potsGeneral, list, out) != 0) {
     return answerFailed(call, "encode POTS general para configuration failed", Where::here());
   }
   *last = 1;
-  return answerSuccess(call, bytes + 32);
+  return answerSuccess(call, out.length() + 32);
 }
 
-static constexpr SnmpMsgReg message{
-    kMessage, {0, 0}, snmp_set_pots_general_para, snmp_get_pots_general_para, 564, "Set POTS general parameters"};
-
-int registerPotsGeneralMessage() { return registerMessage(message); }
+constexpr VoiceItem potsGeneral = {
+    .id = kMessage,
+    .stem = "",
+    .names = &names,
+    .words = "POTS general para",
+    .setName = "db_set_general_prf",
+    .kept = kept<PotsGeneral>(shape, table),
+    .countWidth = 4,
+    .check = onRecord<check_pots_general_para>,
+    .showrunHandle = showrun_pots_general_para,
+    .message = {snmp_set_pots_general_para, snmp_get_pots_general_para, 564, "Set POTS general parameters"},
+};

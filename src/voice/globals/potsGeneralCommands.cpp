@@ -25,7 +25,7 @@ template <class Change>
 static int setPart(Vty* vty, int argc, int quantity, const char* word, Change change) {
   if (argc != quantity) return refuseAhead(vty, "invalid parameter quantity");
   PotsGeneral cfg;
-  if (get_pots_gerneral_para(&cfg) != 0) return refuseAhead(vty, "get POTS general para failed");
+  if (loadItem(potsGeneral, &cfg) != 0) return refuseAhead(vty, "get POTS general para failed");
   if (const char* wrong = change(cfg)) return refuseAhead(vty, wrong);
   SnmpErrInfo err;
   const int result = distrib_pots_general_parax(&cfg, &err);
@@ -102,7 +102,7 @@ static int cli_show_pots_general_para_config_func(const CommandElement*, Vty* vt
   static constexpr Word bills[] = {{"16KC", 0}, {"12KC", 1}};
   static constexpr int ohms[] = {600, 560};
   PotsGeneral cfg;
-  if (get_pots_gerneral_para(&cfg) != 0) return refuseAhead(vty, "get POTS general para configuration failed");
+  if (loadItem(potsGeneral, &cfg) != 0) return refuseAhead(vty, "get POTS general para configuration failed");
   const auto line = [vty](const char* label, i32 value) { vty_out(vty, " \r\n %-27s%-6d", label, value); };
   vty_out(vty, " \r\n POTS General Parameters Configuration");
   vty_out(vty, " \r\n --------------------------------------");
@@ -124,11 +124,11 @@ static int cli_show_pots_general_para_config_func(const CommandElement*, Vty* vt
 int showrun_pots_general_para(Vty* vty) {
   PotsGeneral cfg;
   SnmpErrInfo err;
-  if (get_pots_gerneral_para(&cfg) != 0) {
+  if (loadItem(potsGeneral, &cfg) != 0) {
     trace("get POTS general para configuration failed");
     return -1;
   }
-  if (check_pots_general_para(&cfg, &err) != 0) {
+  if (checkItem(potsGeneral, &cfg, &err) != 0) {
     trace("invalid POTS general para configuration(%d)", static_cast<i16>(err.errCode));
     return -1;
   }

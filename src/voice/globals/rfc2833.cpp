@@ -22,54 +22,9 @@ static constexpr Field fields[] = {
 static constexpr Record shape(40, fields);
 static constexpr Table<RFC2833db> table{"RFC2833db", "treeIdx", RFC2833db_treeIdx_find, RFC2833db_new,
                                         RFC2833db_recordid_put};
-static constexpr VoiceItem item{.id = 3082,
-                                .setName = "nSetRFC2833",
-                                .words = "RFC2833",
-                                .viewWords = "RFC2833",
-                                .shape = &shape,
-                                .recordBytes = sizeof(RFC2833),
-                                .parse = onRecord<nParseRFC2833>,
-                                .check = onRecord<nCheckRFC2833>,
-                                .set = onRecord<nSetRFC2833>,
-                                .get = onRecord<nGetRFC2833>,
-                                .encode = onRecord<nEncodeRFC2833>,
-                                .parseHandle = nParseRFC2833Handle,
-                                .checkHandle = nCheckRFC2833Handle,
-                                .setHandle = nSetRFC2833Handle,
-                                .getHandle = nGetRFC2833Handle,
-                                .encodeHandle = nEncodeRFC2833Handle,
-                                .init = nInitRFC2833,
-                                .distribute = nDistribRFC2833,
-                                .erase = nEraseRFC2833};
 static constexpr Word negotiationWords[] = {{"auto", 1}, {"manul", 0}};
 
-// Steps that are done as by every item.
-int nParseRFC2833(WireIn unit, RFC2833* cfg, u32* length) { return parseUnit(shape, unit, cfg, length); }
-int nParseRFC2833Handle(WireIn area, u32* count, LIST* list) { return parseUnits(item, area, count, list); }
-int nCheckRFC2833(const RFC2833* cfg, SnmpErrInfo* err) { return checkFields(fields, cfg, err); }
-int nCheckRFC2833Handle(LIST* list, SnmpErrInfo* err) { return checkUnits(item, list, err); }
-int nSetRFC2833(const RFC2833* cfg) { return ngnSetRFC2833db(cfg, 0); }
-int nSetRFC2833Handle(LIST* list) { return setUnits(item, list); }
-int nGetRFC2833(RFC2833* cfg) { return ngnGetRFC2833db(cfg, 0); }
-int nGetRFC2833Handle(LIST* list) { return getUnit(item, list); }
-int nEncodeRFC2833(const RFC2833* cfg, WireOut unit, u32* length) { return encodeUnit(shape, cfg, unit, length); }
-int nEncodeRFC2833Handle(LIST* list, WireOut buffer, u32* length) { return encodeUnits(item, list, buffer, length); }
-int ngnSetRFC2833db(const RFC2833* cfg, u32 key) { return storeRow(table, fields, cfg, key); }
-int ngnGetRFC2833db(RFC2833* cfg, u32 key) { return loadRow(table, fields, cfg, key); }
-int nDistribRFC2833X(const RFC2833* cfg, SnmpErrInfo* err) { return storeAndSend(item, cfg, err); }
-int nDistribRFC2833() { return sendStored(item, RFC2833{}); }
-int nEraseRFC2833() { return eraseItem(item); }
-int nInitRFC2833() { return initItem(item, RFC2833{}); }
-
-int nSnmpSetRFC2833(u16 id, u8, u8* data, i32 length, u8* reply, u32* replyLen, void*, void*) {
-  return snmpSet(item, {id, nullptr, data, length, reply, replyLen});
-}
-int nSnmpGetRFC2833(u16 id, u8* last, u8* data, i32 length, u8* reply, u32* replyLen, void*, void*) {
-  return snmpGet(item, {id, last, data, length, reply, replyLen});
-}
-
-// Commands.
-int cli_set_rfc2833_config_func(const CommandElement*, Vty* vty, int argc, char** argv) {
+static int cli_set_rfc2833_config_func(const CommandElement*, Vty* vty, int argc, char** argv) {
   if (argc != 4) return refuse(vty, "invalid parameter quantity");
   const auto neg2833 = valueOf(negotiationWords, argv[0]);
   if (!neg2833) return refuse(vty, "invalid RFC2833 negotiation");
@@ -77,37 +32,24 @@ int cli_set_rfc2833_config_func(const CommandElement*, Vty* vty, int argc, char*
   if (!neg2198) return refuse(vty, "invalid RFC2198 negotiation");
   const RFC2833 cfg{static_cast<u16>(*neg2833), static_cast<u16>(*neg2198), static_cast<u16>(bep_atoiEx(argv[1])),
                     static_cast<u16>(bep_atoiEx(argv[3]))};
-  SnmpErrInfo err;
-  return finishSet(vty, item, nDistribRFC2833X(&cfg, &err), err);
+  return configure(vty, rfc2833, &cfg);
 }
 
-int cli_show_rfc2833_config_func(const CommandElement*, Vty* vty, int, char**) {
+static void show(Vty* vty, const RFC2833* cfg) {
   static constexpr Word shown[] = {{"Auto", 1}, {"Manul", 0}};
-  RFC2833 cfg;
-  const int result = nGetRFC2833(&cfg);
-  if (result == 0) {
-    vty_out(vty, "\r\n RFC2833 Configuration");
-    vty_out(vty, "\r\n ----------------------------");
-    vty_out(vty, "\r\n %-21s%-15s", "RFC2833 Negotiation: ", textOf(shown, cfg.neg2833, "N/A"));
-    vty_out(vty, "\r\n %-21s%-15s", "RFC2198 Negotiation: ", textOf(shown, cfg.neg2198, "N/A"));
-    vty_out(vty, "\r\n %-21s%-6d", "Default RFC2833 PT: ", cfg.pt2833);
-    vty_out(vty, "\r\n %-21s%-6d", "Default RFC2198 PT: ", cfg.pt2198);
-    vty_out(vty, "\r\n");
-  }
-  return finishShow(vty, item, result);
+  vty_out(vty, "\r\n RFC2833 Configuration");
+  vty_out(vty, "\r\n ----------------------------");
+  vty_out(vty, "\r\n %-21s%-15s", "RFC2833 Negotiation: ", textOf(shown, cfg->neg2833, "N/A"));
+  vty_out(vty, "\r\n %-21s%-15s", "RFC2198 Negotiation: ", textOf(shown, cfg->neg2198, "N/A"));
+  vty_out(vty, "\r\n %-21s%-6d", "Default RFC2833 PT: ", cfg->pt2833);
+  vty_out(vty, "\r\n %-21s%-6d", "Default RFC2198 PT: ", cfg->pt2198);
+  vty_out(vty, "\r\n");
 }
 
-int cli_distribute_erase_rfc2833_config_func(const CommandElement*, Vty* vty, int argc, char** argv) {
-  return cliDistributeErase(item, vty, argc, argv);
-}
-
-int nShowRunRFC2833(Vty* vty) {
-  RFC2833 cfg;
-  nGetRFC2833(&cfg);
+static void nShowRunRFC2833(Vty* vty, const RFC2833* cfg) {
   vty_out(vty, "set rfc2833 negotiation %s default pt %d rfc2198 negotiation %s default pt %d\r\n",
-          textOf(negotiationWords, cfg.neg2833, "manul"), cfg.pt2833, textOf(negotiationWords, cfg.neg2198, "manul"),
-          cfg.pt2198);
-  return 0;
+          textOf(negotiationWords, cfg->neg2833, "manul"), cfg->pt2833, textOf(negotiationWords, cfg->neg2198, "manul"),
+          cfg->pt2198);
 }
 
 static constexpr Command commands[] = {
@@ -116,11 +58,17 @@ static constexpr Command commands[] = {
         "set rfc2833 negotiation [auto|manul] default pt <default2833PT> rfc2198 negotiation [auto|manul] default pt "
         "<default2198PT>",
         cli_set_rfc2833_config_func, "DTMF relay"),
-    command(CONFIG_NODE, "show rfc2833 configuration", cli_show_rfc2833_config_func, "DTMF relay"),
-    command(CONFIG_NODE, "[distribute|erase] rfc2833 configuration", cli_distribute_erase_rfc2833_config_func,
-            "DTMF relay"),
+    command(CONFIG_NODE, "show rfc2833 configuration", showOf<rfc2833>, "DTMF relay"),
+    command(CONFIG_NODE, "[distribute|erase] rfc2833 configuration", distributeEraseOf<rfc2833>, "DTMF relay"),
 };
-static constexpr SnmpMsgReg message{3082, {0, 0}, nSnmpSetRFC2833, nSnmpGetRFC2833, 66, "Set RFC2833"};
 
-int installRfc2833Commands() { return installCommands(commands); }
-int SnmpMsgRegisterRFC2833() { return registerMessage(message); }
+constexpr VoiceItem rfc2833 = {
+    .id = 3082,
+    .stem = "RFC2833",
+    .words = "RFC2833",
+    .kept = kept<RFC2833>(shape, table),
+    .show = onRecord<show>,
+    .showrun = onRecord<nShowRunRFC2833>,
+    .commands = commands,
+    .message = setAndGet<rfc2833>(66, "Set RFC2833"),
+};

@@ -28,109 +28,46 @@ static constexpr Field fields[] = {
 static constexpr Record shape(64, fields);
 static constexpr Table<SGNTONETIMERdb> table{"SGNTONETIMERdb", "treeIdx", SGNTONETIMERdb_treeIdx_find,
                                              SGNTONETIMERdb_new, SGNTONETIMERdb_recordid_put};
-static constexpr VoiceItem item{.id = 3085,
-                                .setName = "nSetSGNToneTimer",
-                                .words = "signal tone timeout",
-                                .viewWords = "signal tone timeout timers",
-                                .shape = &shape,
-                                .recordBytes = sizeof(SGNToneTimer),
-                                .parse = onRecord<nParseSGNToneTimer>,
-                                .check = onRecord<nCheckSGNToneTimer>,
-                                .set = onRecord<nSetSGNToneTimer>,
-                                .get = onRecord<nGetSGNToneTimer>,
-                                .encode = onRecord<nEncodeSGNToneTimer>,
-                                .parseHandle = nParseSGNToneTimerHandle,
-                                .checkHandle = nCheckSGNToneTimerHandle,
-                                .setHandle = nSetSGNToneTimerHandle,
-                                .getHandle = nGetSGNToneTimerHandle,
-                                .encodeHandle = nEncodeSGNToneTimerHandle,
-                                .init = nInitSGNToneTimer,
-                                .distribute = nDistribSGNToneTimer,
-                                .erase = nEraseSGNToneTimer};
-
-// Steps that are done as by every item.
-int nParseSGNToneTimer(WireIn unit, SGNToneTimer* cfg, u32* length) { return parseUnit(shape, unit, cfg, length); }
-int nParseSGNToneTimerHandle(WireIn area, u32* count, LIST* list) { return parseUnits(item, area, count, list); }
-int nCheckSGNToneTimer(const SGNToneTimer* cfg, SnmpErrInfo* err) { return checkFields(fields, cfg, err); }
-int nCheckSGNToneTimerHandle(LIST* list, SnmpErrInfo* err) { return checkUnits(item, list, err); }
-int nSetSGNToneTimer(const SGNToneTimer* cfg) { return ngnSetSGNToneTimerdb(cfg, 0); }
-int nSetSGNToneTimerHandle(LIST* list) { return setUnits(item, list); }
-int nGetSGNToneTimer(SGNToneTimer* cfg) { return ngnGetSGNToneTimerdb(cfg, 0); }
-int nGetSGNToneTimerHandle(LIST* list) { return getUnit(item, list); }
-int nEncodeSGNToneTimer(const SGNToneTimer* cfg, WireOut unit, u32* length) {
-  return encodeUnit(shape, cfg, unit, length);
-}
-int nEncodeSGNToneTimerHandle(LIST* list, WireOut buffer, u32* length) {
-  return encodeUnits(item, list, buffer, length);
-}
-int ngnSetSGNToneTimerdb(const SGNToneTimer* cfg, u32 key) { return storeRow(table, fields, cfg, key); }
-int ngnGetSGNToneTimerdb(SGNToneTimer* cfg, u32 key) { return loadRow(table, fields, cfg, key); }
-int nDistribSGNToneTimerX(const SGNToneTimer* cfg, SnmpErrInfo* err) { return storeAndSend(item, cfg, err); }
-int nDistribSGNToneTimer() { return sendStored(item, SGNToneTimer{}); }
-int nEraseSGNToneTimer() { return eraseItem(item); }
-int nInitSGNToneTimer() { return initItem(item, SGNToneTimer{}); }
-
-int nSnmpSetSGNToneTimer(u16 id, u8, u8* data, i32 length, u8* reply, u32* replyLen, void*, void*) {
-  return snmpSet(item, {id, nullptr, data, length, reply, replyLen});
-}
-int nSnmpGetSGNToneTimer(u16 id, u8* last, u8* data, i32 length, u8* reply, u32* replyLen, void*, void*) {
-  return snmpGet(item, {id, last, data, length, reply, replyLen});
-}
-
-// Commands.
 
 // The two set commands are the halves of one record: one puts its numbers into the first four fields, the other into
 // the last four.
 static int setHalf(Vty* vty, int argc, char** argv, u32 SGNToneTimer::*const (&half)[4]) {
   if (argc != 4) return refuse(vty, "invalid parameter quantity");
   SGNToneTimer cfg;
-  if (nGetSGNToneTimer(&cfg) != 0) return refuse(vty, "get signal tone timeout configuration failed");
+  if (loadItem(signalToneTimer, &cfg) != 0) return refuse(vty, "get signal tone timeout configuration failed");
   for (int i = 0; i < 4; ++i) cfg.*half[i] = static_cast<u32>(bep_atoiEx(argv[i]));
-  SnmpErrInfo err;
-  return finishSet(vty, item, nDistribSGNToneTimerX(&cfg, &err), err);
+  return configure(vty, signalToneTimer, &cfg);
 }
 
-int cli_set_signal_tone_timers_config_func(const CommandElement*, Vty* vty, int argc, char** argv) {
+static int cli_set_signal_tone_timers_config_func(const CommandElement*, Vty* vty, int argc, char** argv) {
   using T = SGNToneTimer;
   return setHalf(vty, argc, argv, {&T::busyTime, &T::dialTime, &T::rohTime, &T::callWaitTime});
 }
 
-int cli_set_signal_tone_timers_ext_config_func(const CommandElement*, Vty* vty, int argc, char** argv) {
+static int cli_set_signal_tone_timers_ext_config_func(const CommandElement*, Vty* vty, int argc, char** argv) {
   using T = SGNToneTimer;
   return setHalf(vty, argc, argv, {&T::ringTime, &T::ringBackTime, &T::noAnswerTime, &T::intervalDialTime});
 }
 
-int cli_show_signal_tone_timers_config_func(const CommandElement*, Vty* vty, int, char**) {
-  SGNToneTimer cfg;
-  const int result = nGetSGNToneTimer(&cfg);
-  if (result == 0) {
-    vty_out(vty, "\r\n Signal Tone Timeout Timers Configuration");
-    vty_out(vty, "\r\n ------------------------------------------");
-    vty_out(vty, "\r\n %-27s%-6d", "Busy Tone Time(s): ", static_cast<i32>(cfg.busyTime));
-    vty_out(vty, "\r\n %-27s%-6d", "Dialing Tone Tone(s): ", static_cast<i32>(cfg.dialTime));
-    vty_out(vty, "\r\n %-27s%-6d", "ROH Tone Time(s): ", static_cast<i32>(cfg.rohTime));
-    vty_out(vty, "\r\n %-27s%-6d", "Call Waiting Tone Time(s): ", static_cast<i32>(cfg.callWaitTime));
-    vty_out(vty, "\r\n %-27s%-6d", "Ringing Tone Time(s): ", static_cast<i32>(cfg.ringTime));
-    vty_out(vty, "\r\n %-27s%-6d", "Ringing Back Tone Time(s): ", static_cast<i32>(cfg.ringBackTime));
-    vty_out(vty, "\r\n %-27s%-6d", "No Answer Tone Time(s): ", static_cast<i32>(cfg.noAnswerTime));
-    vty_out(vty, "\r\n %-27s%-6d\r\n", "Dailing Interval Time(s): ", static_cast<i32>(cfg.intervalDialTime));
-  }
-  return finishShow(vty, item, result);
+static void show(Vty* vty, const SGNToneTimer* cfg) {
+  vty_out(vty, "\r\n Signal Tone Timeout Timers Configuration");
+  vty_out(vty, "\r\n ------------------------------------------");
+  vty_out(vty, "\r\n %-27s%-6d", "Busy Tone Time(s): ", static_cast<i32>(cfg->busyTime));
+  vty_out(vty, "\r\n %-27s%-6d", "Dialing Tone Tone(s): ", static_cast<i32>(cfg->dialTime));
+  vty_out(vty, "\r\n %-27s%-6d", "ROH Tone Time(s): ", static_cast<i32>(cfg->rohTime));
+  vty_out(vty, "\r\n %-27s%-6d", "Call Waiting Tone Time(s): ", static_cast<i32>(cfg->callWaitTime));
+  vty_out(vty, "\r\n %-27s%-6d", "Ringing Tone Time(s): ", static_cast<i32>(cfg->ringTime));
+  vty_out(vty, "\r\n %-27s%-6d", "Ringing Back Tone Time(s): ", static_cast<i32>(cfg->ringBackTime));
+  vty_out(vty, "\r\n %-27s%-6d", "No Answer Tone Time(s): ", static_cast<i32>(cfg->noAnswerTime));
+  vty_out(vty, "\r\n %-27s%-6d\r\n", "Dailing Interval Time(s): ", static_cast<i32>(cfg->intervalDialTime));
 }
 
-int cli_distribute_erase_signal_tone_timers_config_func(const CommandElement*, Vty* vty, int argc, char** argv) {
-  return cliDistributeErase(item, vty, argc, argv);
-}
-
-int nShowRunSGNToneTimer(Vty* vty) {
-  SGNToneTimer cfg;
-  nGetSGNToneTimer(&cfg);
-  vty_out(vty, "set signal tone timeout busy %d dial %d roh %d call-waiting %d\r\n", static_cast<i32>(cfg.busyTime),
-          static_cast<i32>(cfg.dialTime), static_cast<i32>(cfg.rohTime), static_cast<i32>(cfg.callWaitTime));
+static void nShowRunSGNToneTimer(Vty* vty, const SGNToneTimer* cfg) {
+  vty_out(vty, "set signal tone timeout busy %d dial %d roh %d call-waiting %d\r\n", static_cast<i32>(cfg->busyTime),
+          static_cast<i32>(cfg->dialTime), static_cast<i32>(cfg->rohTime), static_cast<i32>(cfg->callWaitTime));
   vty_out(vty, "set signal tone timeout ring %d ring-back %d no-answer %d interval-dial %d\r\n",
-          static_cast<i32>(cfg.ringTime), static_cast<i32>(cfg.ringBackTime), static_cast<i32>(cfg.noAnswerTime),
-          static_cast<i32>(cfg.intervalDialTime));
-  return 0;
+          static_cast<i32>(cfg->ringTime), static_cast<i32>(cfg->ringBackTime), static_cast<i32>(cfg->noAnswerTime),
+          static_cast<i32>(cfg->intervalDialTime));
 }
 
 static constexpr Command commands[] = {
@@ -142,13 +79,20 @@ static constexpr Command commands[] = {
             "set signal tone timeout ring <ringTimeout> ring-back <ringBackTimeout> no-answer <noAnswerTimeout> "
             "interval-dial <intDialTimeout>",
             cli_set_signal_tone_timers_ext_config_func, "how long signal tones last"),
-    command(CONFIG_NODE, "show signal tone timeout configuration", cli_show_signal_tone_timers_config_func,
+    command(CONFIG_NODE, "show signal tone timeout configuration", showOf<signalToneTimer>,
             "how long signal tones last"),
-    command(CONFIG_NODE, "[distribute|erase] signal tone timeout configuration",
-            cli_distribute_erase_signal_tone_timers_config_func, "how long signal tones last"),
+    command(CONFIG_NODE, "[distribute|erase] signal tone timeout configuration", distributeEraseOf<signalToneTimer>,
+            "how long signal tones last"),
 };
-static constexpr SnmpMsgReg message{
-    3085, {0, 0}, nSnmpSetSGNToneTimer, nSnmpGetSGNToneTimer, 90, "Set signal tone timeout period"};
 
-int installSignalToneTimerCommands() { return installCommands(commands); }
-int SnmpMsgRegisterSGNToneTimer() { return registerMessage(message); }
+constexpr VoiceItem signalToneTimer = {
+    .id = 3085,
+    .stem = "SGNToneTimer",
+    .words = "signal tone timeout",
+    .viewWords = "signal tone timeout timers",
+    .kept = kept<SGNToneTimer>(shape, table),
+    .show = onRecord<show>,
+    .showrun = onRecord<nShowRunSGNToneTimer>,
+    .commands = commands,
+    .message = setAndGet<signalToneTimer>(90, "Set signal tone timeout period"),
+};

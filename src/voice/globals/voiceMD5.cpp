@@ -23,54 +23,11 @@ static constexpr Field fields[] = {
 static constexpr Record shape(849, fields);
 static constexpr Table<VOICEMD5db> table{"VOICEMD5db", "treeIdx", VOICEMD5db_treeIdx_find, VOICEMD5db_new,
                                          VOICEMD5db_recordid_put};
-static constexpr VoiceItem item{.id = 3081,
-                                .setName = "nSetVoiceMD5",
-                                .words = "voice MD5 authentication",
-                                .viewWords = "voice md5 authentication",
-                                .shape = &shape,
-                                .recordBytes = sizeof(VoiceMD5),
-                                .parse = onRecord<nParseVoiceMD5>,
-                                .check = onRecord<nCheckVoiceMD5>,
-                                .set = onRecord<nSetVoiceMD5>,
-                                .get = onRecord<nGetVoiceMD5>,
-                                .encode = onRecord<nEncodeVoiceMD5>,
-                                .parseHandle = nParseVoiceMD5Handle,
-                                .checkHandle = nCheckVoiceMD5Handle,
-                                .setHandle = nSetVoiceMD5Handle,
-                                .getHandle = nGetVoiceMD5Handle,
-                                .encodeHandle = nEncodeVoiceMD5Handle,
-                                .init = nInitVoiceMD5,
-                                .distribute = nDistribVoiceMD5,
-                                .erase = nEraseVoiceMD5};
 static constexpr Word switchWords[] = {{"open", 1}, {"close", 0}};
 static constexpr int kMGID = sizeof(VoiceMD5::MGID);
 static constexpr int kKey = sizeof(VoiceMD5::sharedKey);
 static constexpr int kBase = sizeof(VoiceMD5::exchangedBase);
 static constexpr int kPrime = sizeof(VoiceMD5::exchangedPrime);
-
-// Steps that are done as by every item.
-int nParseVoiceMD5(WireIn unit, VoiceMD5* cfg, u32* length) { return parseUnit(shape, unit, cfg, length); }
-int nParseVoiceMD5Handle(WireIn area, u32* count, LIST* list) { return parseUnits(item, area, count, list); }
-int nCheckVoiceMD5Handle(LIST* list, SnmpErrInfo* err) { return checkUnits(item, list, err); }
-int nSetVoiceMD5(const VoiceMD5* cfg) { return ngnSetVoiceMD5db(cfg, 0); }
-int nSetVoiceMD5Handle(LIST* list) { return setUnits(item, list); }
-int nGetVoiceMD5(VoiceMD5* cfg) { return ngnGetVoiceMD5db(cfg, 0); }
-int nGetVoiceMD5Handle(LIST* list) { return getUnit(item, list); }
-int nEncodeVoiceMD5(const VoiceMD5* cfg, WireOut unit, u32* length) { return encodeUnit(shape, cfg, unit, length); }
-int nEncodeVoiceMD5Handle(LIST* list, WireOut buffer, u32* length) { return encodeUnits(item, list, buffer, length); }
-int ngnSetVoiceMD5db(const VoiceMD5* cfg, u32 key) { return storeRow(table, fields, cfg, key); }
-int ngnGetVoiceMD5db(VoiceMD5* cfg, u32 key) { return loadRow(table, fields, cfg, key); }
-int nDistribVoiceMD5X(const VoiceMD5* cfg, SnmpErrInfo* err) { return storeAndSend(item, cfg, err); }
-int nDistribVoiceMD5() { return sendStored(item, VoiceMD5{}); }
-int nEraseVoiceMD5() { return eraseItem(item); }
-int nInitVoiceMD5() { return initItem(item, VoiceMD5{}); }
-
-int nSnmpSetVoiceMD5(u16 id, u8, u8* data, i32 length, u8* reply, u32* replyLen, void*, void*) {
-  return snmpSet(item, {id, nullptr, data, length, reply, replyLen});
-}
-int nSnmpGetVoiceMD5(u16 id, u8* last, u8* data, i32 length, u8* reply, u32* replyLen, void*, void*) {
-  return snmpGet(item, {id, last, data, length, reply, replyLen});
-}
 
 // What nIsValidString says of a field's text; an empty one is good.
 static int validKey(const char* text, int width) {
@@ -80,8 +37,8 @@ static int validKey(const char* text, int width) {
 }
 
 // The keys count only while the switch is on.
-int nCheckVoiceMD5(const VoiceMD5* cfg, SnmpErrInfo* err) {
-  if (checkFields(fields, cfg, err) != 0) return -1;
+static int nCheckVoiceMD5(const VoiceMD5* cfg, SnmpErrInfo* err) {
+  if (checkFields(voiceMD5, cfg, err) != 0) return -1;
   if (cfg->authSwitch == 0) return 0;
   const int base = validKey(cfg->exchangedBase, kBase);
   const int prime = base == 1 ? validKey(cfg->exchangedPrime, kPrime) : 1;
@@ -103,8 +60,6 @@ int nCheckVoiceMD5(const VoiceMD5* cfg, SnmpErrInfo* err) {
   return 0;
 }
 
-// Commands.
-
 // A text of the command replaces a whole field. False, with a line, when it is too long.
 static bool take(Vty* vty, const char* what, const char* text, char* field, int width) {
   const std::size_t length = bep_StrLen(text);
@@ -117,10 +72,10 @@ static bool take(Vty* vty, const char* what, const char* text, char* field, int 
   return true;
 }
 
-int cli_set_voice_md5_config_func(const CommandElement*, Vty* vty, int argc, char** argv) {
+static int cli_set_voice_md5_config_func(const CommandElement*, Vty* vty, int argc, char** argv) {
   if (argc < 1 || argc > 5) return refuse(vty, "invalid parameter quantity");
   VoiceMD5 cfg;
-  if (nGetVoiceMD5(&cfg) != 0) return refuse(vty, "get voice MD5 authentication configuration failed");
+  if (loadItem(voiceMD5, &cfg) != 0) return refuse(vty, "get voice MD5 authentication configuration failed");
   const auto on = valueOf(switchWords, argv[0]);
   if (!on) return refuse(vty, "invalid MD5 authentication switch");
   cfg.authSwitch = static_cast<u8>(*on);
@@ -131,8 +86,7 @@ int cli_set_voice_md5_config_func(const CommandElement*, Vty* vty, int argc, cha
                               (argc > 4 && !take(vty, "exchanged prime", argv[4], cfg.exchangedPrime, kPrime)))) {
     return -1;
   }
-  SnmpErrInfo err;
-  return finishSet(vty, item, nDistribVoiceMD5X(&cfg, &err), err);
+  return configure(vty, voiceMD5, &cfg);
 }
 
 // The keys of an open switch, the prime in lines of 32 characters.
@@ -147,41 +101,29 @@ static void showKeys(Vty* vty, const VoiceMD5& cfg) {
   }
 }
 
-int cli_show_voice_md5_config_func(const CommandElement*, Vty* vty, int, char**) {
+static void show(Vty* vty, const VoiceMD5* cfg) {
   static constexpr Word shown[] = {{"Open", 1}, {"Close", 0}};
-  VoiceMD5 cfg;
-  const int result = nGetVoiceMD5(&cfg);
-  if (result == 0) {
-    vty_out(vty, "\r\n Voice MD5 Authentication Configuration");
-    vty_out(vty, "\r\n ---------------------------------------------------");
-    vty_out(vty, "\r\n %-17s%-6s", "MD5 Switch: ", textOf(shown, cfg.authSwitch, "N/A"));
-    if (cfg.authSwitch == 1) showKeys(vty, cfg);
-    vty_out(vty, "\r\n");
-  }
-  return finishShow(vty, item, result);
-}
-
-int cli_distribute_erase_voice_md5_config_func(const CommandElement*, Vty* vty, int argc, char** argv) {
-  return cliDistributeErase(item, vty, argc, argv);
+  vty_out(vty, "\r\n Voice MD5 Authentication Configuration");
+  vty_out(vty, "\r\n ---------------------------------------------------");
+  vty_out(vty, "\r\n %-17s%-6s", "MD5 Switch: ", textOf(shown, cfg->authSwitch, "N/A"));
+  if (cfg->authSwitch == 1) showKeys(vty, *cfg);
+  vty_out(vty, "\r\n");
 }
 
 // The longest form that the fields fill, from the last one backward.
-int nShowRunVoiceMD5(Vty* vty) {
-  VoiceMD5 cfg;
-  nGetVoiceMD5(&cfg);
-  vty_out(vty, "set voice md5 authentication %s", textOf(switchWords, cfg.authSwitch, "close"));
-  if (cfg.authSwitch == 1) {
-    const bool prime = cfg.exchangedPrime[0] != '\0';
-    const bool base = prime || cfg.exchangedBase[0] != '\0';
-    const bool key = base || cfg.sharedKey[0] != '\0';
-    const bool id = key || cfg.MGID[0] != '\0';
-    if (id) vty_out(vty, " mg id %.32s", cfg.MGID);
-    if (key) vty_out(vty, " shared key %.32s", cfg.sharedKey);
-    if (base) vty_out(vty, " exchanged base %.16s", cfg.exchangedBase);
-    if (prime) vty_out(vty, " prime %.256s", cfg.exchangedPrime);
+static void nShowRunVoiceMD5(Vty* vty, const VoiceMD5* cfg) {
+  vty_out(vty, "set voice md5 authentication %s", textOf(switchWords, cfg->authSwitch, "close"));
+  if (cfg->authSwitch == 1) {
+    const bool prime = cfg->exchangedPrime[0] != '\0';
+    const bool base = prime || cfg->exchangedBase[0] != '\0';
+    const bool key = base || cfg->sharedKey[0] != '\0';
+    const bool id = key || cfg->MGID[0] != '\0';
+    if (id) vty_out(vty, " mg id %.32s", cfg->MGID);
+    if (key) vty_out(vty, " shared key %.32s", cfg->sharedKey);
+    if (base) vty_out(vty, " exchanged base %.16s", cfg->exchangedBase);
+    if (prime) vty_out(vty, " prime %.256s", cfg->exchangedPrime);
   }
   vty_out(vty, "\r\n");
-  return 0;
 }
 
 static constexpr Command commands[] = {
@@ -189,13 +131,20 @@ static constexpr Command commands[] = {
             "set voice md5 authentication [open|close] {mg id <mgID>}*1 {shared key <sharedKey>}*1 "
             "{exchanged base <xBase>}*1 {prime <xPrime>}*1",
             cli_set_voice_md5_config_func, "MD5 authentication of the gateway"),
-    command(CONFIG_NODE, "show voice md5 authentication", cli_show_voice_md5_config_func,
-            "MD5 authentication of the gateway"),
-    command(CONFIG_NODE, "[distribute|erase] voice md5 authentication", cli_distribute_erase_voice_md5_config_func,
+    command(CONFIG_NODE, "show voice md5 authentication", showOf<voiceMD5>, "MD5 authentication of the gateway"),
+    command(CONFIG_NODE, "[distribute|erase] voice md5 authentication", distributeEraseOf<voiceMD5>,
             "MD5 authentication of the gateway"),
 };
-static constexpr SnmpMsgReg message{
-    3081, {0, 0}, nSnmpSetVoiceMD5, nSnmpGetVoiceMD5, 875, "Set voice md5 authentication"};
 
-int installVoiceMD5Commands() { return installCommands(commands); }
-int SnmpMsgRegisterVoiceMD5() { return registerMessage(message); }
+constexpr VoiceItem voiceMD5 = {
+    .id = 3081,
+    .stem = "VoiceMD5",
+    .words = "voice MD5 authentication",
+    .viewWords = "voice md5 authentication",
+    .kept = kept<VoiceMD5>(shape, table),
+    .check = onRecord<nCheckVoiceMD5>,
+    .show = onRecord<show>,
+    .showrun = onRecord<nShowRunVoiceMD5>,
+    .commands = commands,
+    .message = setAndGet<voiceMD5>(875, "Set voice md5 authentication"),
+};

@@ -22,92 +22,34 @@ static constexpr Field fields[] = {
 static constexpr Record shape(527, fields);
 static constexpr Table<VOICETIMERdb> table{"VOICETIMERdb", "treeIdx", VOICETIMERdb_treeIdx_find, VOICETIMERdb_new,
                                            VOICETIMERdb_recordid_put};
-static constexpr VoiceItem item{.id = 3080,
-                                .setName = "nSetVoiceTimer",
-                                .words = "voice timer",
-                                .viewWords = "voice timer",
-                                .shape = &shape,
-                                .recordBytes = sizeof(VoiceTimer),
-                                .parse = onRecord<nParseVoiceTimer>,
-                                .check = onRecord<nCheckVoiceTimer>,
-                                .set = onRecord<nSetVoiceTimer>,
-                                .get = onRecord<nGetVoiceTimer>,
-                                .encode = onRecord<nEncodeVoiceTimer>,
-                                .parseHandle = nParseVoiceTimerHandle,
-                                .checkHandle = nCheckVoiceTimerHandle,
-                                .setHandle = nSetVoiceTimerHandle,
-                                .getHandle = nGetVoiceTimerHandle,
-                                .encodeHandle = nEncodeVoiceTimerHandle,
-                                .init = nInitVoiceTimer,
-                                .distribute = nDistribVoiceTimer,
-                                .erase = nEraseVoiceTimer};
 static constexpr Word notifyWords[] = {{"yes", 1}, {"no", 0}};
 
-// Steps that are done as by every item.
-int nParseVoiceTimer(WireIn unit, VoiceTimer* cfg, u32* length) { return parseUnit(shape, unit, cfg, length); }
-int nParseVoiceTimerHandle(WireIn area, u32* count, LIST* list) { return parseUnits(item, area, count, list); }
-int nCheckVoiceTimer(const VoiceTimer* cfg, SnmpErrInfo* err) { return checkFields(fields, cfg, err); }
-int nCheckVoiceTimerHandle(LIST* list, SnmpErrInfo* err) { return checkUnits(item, list, err); }
-int nSetVoiceTimer(const VoiceTimer* cfg) { return ngnSetVoiceTimerdb(cfg, 0); }
-int nSetVoiceTimerHandle(LIST* list) { return setUnits(item, list); }
-int nGetVoiceTimer(VoiceTimer* cfg) { return ngnGetVoiceTimerdb(cfg, 0); }
-int nGetVoiceTimerHandle(LIST* list) { return getUnit(item, list); }
-int nEncodeVoiceTimer(const VoiceTimer* cfg, WireOut unit, u32* length) { return encodeUnit(shape, cfg, unit, length); }
-int nEncodeVoiceTimerHandle(LIST* list, WireOut buffer, u32* length) { return encodeUnits(item, list, buffer, length); }
-int ngnSetVoiceTimerdb(const VoiceTimer* cfg, u32 key) { return storeRow(table, fields, cfg, key); }
-int ngnGetVoiceTimerdb(VoiceTimer* cfg, u32 key) { return loadRow(table, fields, cfg, key); }
-int nDistribVoiceTimerX(const VoiceTimer* cfg, SnmpErrInfo* err) { return storeAndSend(item, cfg, err); }
-int nDistribVoiceTimer() { return sendStored(item, VoiceTimer{}); }
-int nEraseVoiceTimer() { return eraseItem(item); }
-int nInitVoiceTimer() { return initItem(item, VoiceTimer{}); }
-
-int nSnmpSetVoiceTimer(u16 id, u8, u8* data, i32 length, u8* reply, u32* replyLen, void*, void*) {
-  return snmpSet(item, {id, nullptr, data, length, reply, replyLen});
-}
-int nSnmpGetVoiceTimer(u16 id, u8* last, u8* data, i32 length, u8* reply, u32* replyLen, void*, void*) {
-  return snmpGet(item, {id, last, data, length, reply, replyLen});
-}
-
-// Commands.
-int cli_set_voice_timer_config_func(const CommandElement*, Vty* vty, int argc, char** argv) {
+static int cli_set_voice_timer_config_func(const CommandElement*, Vty* vty, int argc, char** argv) {
   if (argc != 5) return refuse(vty, "invalid parameter quantity");
   const auto notify = valueOf(notifyWords, argv[4]);
   if (!notify) return refuse(vty, "invalid digital map notify mmediately option");
   const VoiceTimer cfg{static_cast<u16>(bep_atoiEx(argv[0])), static_cast<u32>(bep_atoiEx(argv[1])),
                        static_cast<u32>(bep_atoiEx(argv[2])), static_cast<u32>(bep_atoiEx(argv[3])),
                        static_cast<u8>(*notify)};
-  SnmpErrInfo err;
-  return finishSet(vty, item, nDistribVoiceTimerX(&cfg, &err), err);
+  return configure(vty, voiceTimer, &cfg);
 }
 
-int cli_show_voice_timer_config_func(const CommandElement*, Vty* vty, int, char**) {
+static void show(Vty* vty, const VoiceTimer* cfg) {
   static constexpr Word shown[] = {{"Not Immediately", 0}, {"Immediately", 1}};
-  VoiceTimer cfg;
-  const int result = nGetVoiceTimer(&cfg);
-  if (result == 0) {
-    vty_out(vty, "\r\n Voice Timer Configuration");
-    vty_out(vty, "\r\n --------------------------------------");
-    vty_out(vty, "\r\n %-21s%-6d", "Max Waiting Time(s): ", cfg.maxWaitTime);
-    vty_out(vty, "\r\n %-21s%-6d", "Start Timer(s): ", static_cast<i32>(cfg.startTimer));
-    vty_out(vty, "\r\n %-21s%-6d", "Long Timer(s): ", static_cast<i32>(cfg.longTimer));
-    vty_out(vty, "\r\n %-21s%-6d", "Short Timer(s): ", static_cast<i32>(cfg.shortTimer));
-    vty_out(vty, "\r\n %-21s%-10s", "Digital Map Notify: ", textOf(shown, cfg.digitMapNotify, "N/A"));
-    vty_out(vty, "\r\n");
-  }
-  return finishShow(vty, item, result);
+  vty_out(vty, "\r\n Voice Timer Configuration");
+  vty_out(vty, "\r\n --------------------------------------");
+  vty_out(vty, "\r\n %-21s%-6d", "Max Waiting Time(s): ", cfg->maxWaitTime);
+  vty_out(vty, "\r\n %-21s%-6d", "Start Timer(s): ", static_cast<i32>(cfg->startTimer));
+  vty_out(vty, "\r\n %-21s%-6d", "Long Timer(s): ", static_cast<i32>(cfg->longTimer));
+  vty_out(vty, "\r\n %-21s%-6d", "Short Timer(s): ", static_cast<i32>(cfg->shortTimer));
+  vty_out(vty, "\r\n %-21s%-10s", "Digital Map Notify: ", textOf(shown, cfg->digitMapNotify, "N/A"));
+  vty_out(vty, "\r\n");
 }
 
-int cli_distribute_erase_voice_timer_config_func(const CommandElement*, Vty* vty, int argc, char** argv) {
-  return cliDistributeErase(item, vty, argc, argv);
-}
-
-int nShowRunVoiceTimer(Vty* vty) {
-  VoiceTimer cfg;
-  nGetVoiceTimer(&cfg);
+static void nShowRunVoiceTimer(Vty* vty, const VoiceTimer* cfg) {
   vty_out(vty, "set voice timer waiting time %d start-timer %d long-timer %d short-timer %d notify-immediately %s\r\n",
-          cfg.maxWaitTime, static_cast<i32>(cfg.startTimer), static_cast<i32>(cfg.longTimer),
-          static_cast<i32>(cfg.shortTimer), textOf(notifyWords, cfg.digitMapNotify, "no"));
-  return 0;
+          cfg->maxWaitTime, static_cast<i32>(cfg->startTimer), static_cast<i32>(cfg->longTimer),
+          static_cast<i32>(cfg->shortTimer), textOf(notifyWords, cfg->digitMapNotify, "no"));
 }
 
 static constexpr Command commands[] = {
@@ -115,10 +57,17 @@ static constexpr Command commands[] = {
             "set voice timer waiting time <maxWaitTime> start-timer <startTimer> long-timer <longTimer> short-timer "
             "<shortTimer> notify-immediately [yes|no]",
             cli_set_voice_timer_config_func, "call timers"),
-    command(CONFIG_NODE, "show voice timer", cli_show_voice_timer_config_func, "call timers"),
-    command(CONFIG_NODE, "[distribute|erase] voice timer", cli_distribute_erase_voice_timer_config_func, "call timers"),
+    command(CONFIG_NODE, "show voice timer", showOf<voiceTimer>, "call timers"),
+    command(CONFIG_NODE, "[distribute|erase] voice timer", distributeEraseOf<voiceTimer>, "call timers"),
 };
-static constexpr SnmpMsgReg message{3080, {0, 0}, nSnmpSetVoiceTimer, nSnmpGetVoiceTimer, 553, "Set voice timers"};
 
-int installVoiceTimerCommands() { return installCommands(commands); }
-int SnmpMsgRegisterVoiceTimer() { return registerMessage(message); }
+constexpr VoiceItem voiceTimer = {
+    .id = 3080,
+    .stem = "VoiceTimer",
+    .words = "voice timer",
+    .kept = kept<VoiceTimer>(shape, table),
+    .show = onRecord<show>,
+    .showrun = onRecord<nShowRunVoiceTimer>,
+    .commands = commands,
+    .message = setAndGet<voiceTimer>(553, "Set voice timers"),
+};
