@@ -1,0 +1,10 @@
+# Writes the description files into a source: -DOUTPUT=FILE -DFILES=FILE;FILE... -P embed.cmake
+set(text "// Made from the files of node/share/messages.\n\n#include \"messages/layout.h\"\n\nnamespace messages {\n\n")
+string(APPEND text "std::span<const Source> sources() {\n  static constexpr Source all[] = {\n")
+foreach(file ${FILES})
+  get_filename_component(name ${file} NAME)
+  file(READ ${file} content)
+  string(APPEND text "      {\"${name}\", R\"~~(${content})~~\"},\n")
+endforeach()
+string(APPEND text "  };\n  return all;\n}\n\n}  // namespace messages\n")
+file(WRITE ${OUTPUT} "${text}")

@@ -1,0 +1,22 @@
+#pragma once
+// Messages as people read them.
+
+#include <string>
+#include <vector>
+
+#include "decode.h"
+
+namespace messages {
+
+// A value with its word or unit: "dtmf", "6.0 dB", "\"gold\"", "0x8100".
+std::string valueText(const Decoded& decoded, const Node& node);
+
+// Every field with its offset, one a line, what belongs to another further to the right; without gaps that are zero.
+// Problems follow.
+std::vector<std::string> fieldLines(const Decoded& decoded);
+
+// What tells most on few lines: the fields of the message, then a line for each item of its list. Equal items share a
+// line, long lists are cut.
+std::vector<std::string> briefLines(const Decoded& decoded);
+
+}  // namespace messages
