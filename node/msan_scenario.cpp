@@ -19,6 +19,8 @@ struct Options {
   bool all = false;
   bool sweep = false;
   bool replay = false;
+  bool explain = false;
+  bool messages = false;
 };
 
 std::string installedModule() {
@@ -39,22 +41,28 @@ void describe(CLI::App& app, Options& options) {
   auto* sweep = app.add_flag("--sweep", options.sweep, "Play again and again, each time with one more point failing");
   auto* replay =
       app.add_flag("--replay", options.replay, "Compare the running configuration ahead of and behind a restart");
-  record->excludes(rewrite)->excludes(sweep)->excludes(replay);
-  rewrite->excludes(sweep)->excludes(replay);
-  sweep->excludes(replay);
+  auto* explain =
+      app.add_flag("--explain", options.explain, "Print the record with the fields of each message below its line");
+  auto* messages = app.add_flag("--messages", options.messages, "Hold each message against its description");
+  CLI::Option* const modes[] = {record, rewrite, sweep, replay, explain, messages};
+  for (auto* const one : modes)
+    for (auto* const other : modes)
+      if (one != other) one->excludes(other);
   app.footer(
       "Without an option the files are played and compared with the expectations in them.\n"
       "Exit codes: 0 good, 1 something differs, 2 a bad file or option, 3 the node can't be started.");
 }
 
 int run(const Options& options) {
-  bool bad = options.record && options.files.size() != 1;
-  if (bad) std::fputs("--record takes one file\n", stderr);
+  bool bad = (options.record || options.explain) && options.files.size() != 1;
+  if (bad) std::fputs("--record and --explain take one file\n", stderr);
   const auto scenarios = scenario::loadScenarios(options.files, bad);
   if (bad) return scenario::kBadFile;
   const std::string module = options.module.empty() ? installedModule() : options.module;
   host::openLog(host::LogTo::nowhere);
   if (options.record) return scenario::recordFile(module, scenarios.front());
+  if (options.explain) return scenario::explainFile(module, scenarios.front());
+  if (options.messages) return scenario::holdFiles(module, scenarios);
   if (options.rewrite) return scenario::rewriteFiles(module, scenarios, options.all);
   if (options.sweep) return scenario::sweepFiles(module, scenarios);
   if (options.replay) return scenario::replayFiles(module, scenarios);

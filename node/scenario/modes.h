@@ -26,6 +26,13 @@ int playFiles(const std::string& module, const std::vector<Scenario>& scenarios)
 // Plays a file and prints its record.
 int recordFile(const std::string& module, const Scenario& scenario);
 
+// The same, with the fields of each message below its line.
+int explainFile(const std::string& module, const Scenario& scenario);
+
+// Plays files and holds each message against its description: all that the module lets out, and what it takes from a
+// manager.
+int holdFiles(const std::string& module, const std::vector<Scenario>& scenarios);
+
 // Plays files and writes the records into them, where there are expectations that are not met; `all`: behind the
 // directives without expectations, too. Prints what it changed. Standard input goes to standard output.
 int rewriteFiles(const std::string& module, const std::vector<Scenario>& scenarios, bool all);

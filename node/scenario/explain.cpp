@@ -1,0 +1,84 @@
+// The messages of a record by name: printed below their lines, and held against their descriptions.
+
+#include <fmt/format.h>
+
+#include <utility>
+
+#include "messages/show.h"
+#include "modes.h"
+#include "told.h"
+
+namespace scenario {
+
+namespace {
+
+std::vector<std::string> explain(const Told& told) {
+  const messages::Book& book = messages::book();
+  const messages::Message* const message = book.find(told.id);
+  if (message == nullptr) return {"no description of this message"};
+  const messages::Layout* const layout = layoutOf(book, *message, told.road, told.bytes);
+  if (layout == nullptr) return {fmt::format("{} is not described as {}", message->name, roadName(told.road))};
+  std::vector<std::string> lines = {
+      fmt::format("{}, {}, {} bytes", message->name, roadName(told.road), told.bytes.size())};
+  for (std::string& line : fieldLines(decode(*message, *layout, told.bytes))) lines.push_back(std::move(line));
+  return lines;
+}
+
+void printBelow(const std::vector<Told>& all, std::size_t line) {
+  for (const Told& told : all)
+    if (told.line == line)
+      for (const std::string& text : explain(told)) fmt::print("    {}\n", text);
+}
+
+bool holdDirective(const Scenario& scenario, const Directive& directive, const std::vector<Told>& all,
+                   bool recovering) {
+  bool good = true;
+  for (const Told& told : all) {
+    const bool request = told.road == messages::Road::set;
+    const auto worst = !request ? messages::Fault::word : recovering ? messages::Fault::form : messages::Fault::range;
+    for (const std::string& wrong : check(messages::book(), told.road, told.id, told.bytes, worst)) {
+      if (std::exchange(good, false)) fmt::print("{}:{}: {}\n", scenario.name, directive.line, directive.text);
+      fmt::print("  {} {}: {}\n", roadName(told.road), told.id, wrong);
+    }
+  }
+  return good;
+}
+
+}  // namespace
+
+int explainFile(const std::string& module, const Scenario& scenario) {
+  const std::vector<Played> played = playAll(module, scenario);
+  TellingReader reader;
+  for (std::size_t i = 0; i < played.size(); ++i) {
+    const Directive& directive = scenario.directives[i];
+    const std::vector<Told> all = reader.read(directive.text, played[i].record);
+    fmt::print("> {}\n", directive.text);
+    printBelow(all, Told::kDirective);
+    for (std::size_t line = 0; line < played[i].record.size(); ++line) {
+      fmt::print("{}\n", played[i].record[line]);
+      printBelow(all, line);
+    }
+  }
+  return kGood;
+}
+
+int holdFiles(const std::string& module, const std::vector<Scenario>& scenarios) {
+  std::size_t good = 0;
+  std::size_t count = 0;
+  for (const Scenario& scenario : scenarios) {
+    TellingReader reader;
+    const std::vector<Played> played = playAll(module, scenario);
+    bool whole = true;
+    for (std::size_t i = 0; i < played.size(); ++i) {
+      const std::vector<Told> all = reader.read(scenario.directives[i].text, played[i].record);
+      whole = holdDirective(scenario, scenario.directives[i], all, reader.recovering()) && whole;
+      count += all.size();
+    }
+    good += whole ? 1 : 0;
+  }
+  fmt::print("{} messages\n", count);
+  printCount(good, scenarios.size() - good);
+  return good == scenarios.size() ? kGood : kDiffers;
+}
+
+}  // namespace scenario
