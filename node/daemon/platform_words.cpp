@@ -126,10 +126,12 @@ int writeCommand(const CommandElement*, Vty* vty, int, char**) { return leave(vt
 int showChassisCommand(const CommandElement*, Vty* vty, int, char**) { return leave(vty, showChassis); }
 
 int traceCommand(const CommandElement*, Vty* vty, int, char** argv) {
-  return leave(vty, [on = std::string_view(argv[0]) == "on"](const PlatformCall& call) {
-    call.terminal.trace = on;
-    return 0;
-  });
+  const std::string_view word = argv[0];
+  const TraceForm form = word == "on"     ? TraceForm::brief
+                         : word == "full" ? TraceForm::full
+                         : word == "hex"  ? TraceForm::hex
+                                          : TraceForm::off;
+  return leave(vty, [form](const PlatformCall& call) { return call.terminal.trace = form, 0; });
 }
 
 int slotCardCommand(const CommandElement*, Vty* vty, int, char** argv) {
@@ -167,7 +169,7 @@ const CommandElement kEverywhere[] = {
     {"exit", exitCommand, "back to the level above; from the first level: end the session"},
     {"show running-config", showRunningCommand, "the running configuration, as commands"},
     {"write", writeCommand, "make the running configuration the startup configuration"},
-    {"trace [on|off]", traceCommand, "show every message that leaves the node at this terminal"},
+    {"trace [on|full|hex|off]", traceCommand, "show every message that leaves the node: by name, with all fields, as bytes"},
     {"chassis show", showChassisCommand, "slots and cards"},
     {"chassis slot <1-20> card <type>", slotCardCommand, "give a slot a card type, or none"},
     {"chassis slot <1-20> delay <0-60000>", slotDelayCommand, "milliseconds that the card takes over each message"},

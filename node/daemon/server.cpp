@@ -37,6 +37,7 @@ struct Server::Session {
     std::string line;
   };
   std::deque<Request> requests;
+  TraceForm shown = TraceForm::off;
   bool posted = false;   // the door has, or runs, a request of this terminal
   bool ended = false;    // nothing is run any more; the connection ends when all is sent
   bool dropped = false;  // the connection ends now
@@ -158,7 +159,7 @@ void Server::disconnect(const SessionPtr& session) {
     session->dropped = true;
     session->requests.clear();
     std::erase(tracing_, session);
-    anyTracing_ = !tracing_.empty();
+    countTracing();
   }
   session->socket.reset();
   pauseAccepting(false);
@@ -341,18 +342,27 @@ void Server::serveOne(const SessionPtr& session) {
     session->requests.clear();
   }
   const auto at = std::ranges::find(tracing_, session);
-  if (terminal.trace && at == tracing_.end()) tracing_.push_back(session);
-  if (!terminal.trace && at != tracing_.end()) tracing_.erase(at);
-  anyTracing_ = !tracing_.empty();
+  session->shown = terminal.trace;
+  const bool traces = terminal.trace != TraceForm::off;
+  if (traces && at == tracing_.end()) tracing_.push_back(session);
+  if (!traces && at != tracing_.end()) tracing_.erase(at);
+  countTracing();
   schedule(session);
   changed(session);
 }
 
-void Server::show(std::string_view line) {
+void Server::countTracing() {
+  u8 forms = 0;
+  for (const SessionPtr& session : tracing_) forms = static_cast<u8>(forms | 1u << static_cast<int>(session->shown));
+  traced_ = forms;
+}
+
+void Server::show(std::string_view line, TraceForm form) {
   std::string frame;
   wire::appendFrame(frame, wire::Kind::trace, line.substr(0, wire::kMaxFrame - 1));
   const std::lock_guard lock(mutex_);
   for (const SessionPtr& session : tracing_) {
+    if (form != TraceForm::off && form != session->shown) continue;
     if (session->unsent() >= limits_.most)
       session->dropped = true;
     else
@@ -360,7 +370,7 @@ void Server::show(std::string_view line) {
     changed(session);
   }
   std::erase_if(tracing_, [](const SessionPtr& session) { return session->dropped; });
-  anyTracing_ = !tracing_.empty();
+  countTracing();
 }
 
 }  // namespace msand

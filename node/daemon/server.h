@@ -37,8 +37,10 @@ class Server : public TraceSink {
   void run(int stop);
 
   // A terminal traces; it is shown a line.
-  bool wanted() const override { return anyTracing_; }
-  void show(std::string_view line) override;
+  bool wanted() const override { return traced_ != 0; }
+  bool wanted(TraceForm form) const override { return (traced_ >> static_cast<int>(form) & 1) != 0; }
+  void show(std::string_view line) override { show(line, TraceForm::off); }
+  void show(std::string_view line, TraceForm form) override;  // off: to all
 
  private:
   struct Session;
@@ -66,6 +68,7 @@ class Server : public TraceSink {
   // On either, the lock held:
   void schedule(const SessionPtr& session);
   void changed(const SessionPtr& session);
+  void countTracing();
 
   const int listener_;
   Door& door_;
@@ -80,7 +83,7 @@ class Server : public TraceSink {
   std::mutex mutex_;  // what follows, and the sessions' shared part
   std::vector<SessionPtr> changed_;
   std::vector<SessionPtr> tracing_;
-  std::atomic<bool> anyTracing_ = false;
+  std::atomic<u8> traced_ = 0;  // a bit for each form that is shown
   bool woken_ = false;
 };
 

@@ -10,11 +10,14 @@ namespace msand {
 
 enum class Level : u8 { configuration, debug };
 
+// How a terminal is shown messages: by name on few lines, with every field, as bytes.
+enum class TraceForm : u8 { off, brief, full, hex };
+
 // A terminal, as its commands see it.
 struct Terminal {
   Level level = Level::configuration;
-  bool trace = false;  // it is shown the live trace
-  bool ended = false;  // the session ends behind this line
+  TraceForm trace = TraceForm::off;  // of the live trace
+  bool ended = false;                // the session ends behind this line
 };
 
 class Service {
@@ -33,7 +36,9 @@ class TraceSink {
  public:
   virtual ~TraceSink() = default;
   virtual bool wanted() const = 0;  // false: nobody would see a line
-  virtual void show(std::string_view line) = 0;
+  virtual bool wanted(TraceForm form) const = 0;
+  virtual void show(std::string_view line) = 0;                  // to all
+  virtual void show(std::string_view line, TraceForm form) = 0;  // to those who see messages so
 };
 
 }  // namespace msand

@@ -6,6 +6,7 @@
 
 #include "host/agent.h"
 #include "host/hex.h"
+#include "messages/show.h"
 #include "note.h"
 
 namespace msand {
@@ -18,16 +19,37 @@ void Trace::show(std::string_view line) {
   sink_->show(line);
 }
 
-void Trace::message(host::Link link, const char* mark, u16 slot, u16 id, host::Bytes bytes) {
+void Trace::message(host::Link link, bool asks, u16 slot, u16 id, host::Bytes bytes) {
   if (!wanted()) return;
-  static constexpr const char* kLinks[] = {"gpon", "gepon", "epon", "ngn"};
+  using messages::Road;
+  static constexpr struct {
+    const char* name;
+    Road sent, asked;
+  } kLinks[] = {{"gpon", Road::gpon, Road::gponAsk},
+                {"gepon", Road::gepon, Road::geponAsk},
+                {"epon", Road::epon, Road::epon},
+                {"ngn", Road::ngn, Road::ngnAsk}};
+  const auto& way = kLinks[static_cast<int>(link)];
   const std::string place = link == host::Link::ngn ? "" : fmt::format(" {}", slot);
-  show(fmt::format("{}{}{} {} \"{}\" {}", kLinks[static_cast<int>(link)], mark, place, id, host::messageName(id),
-                   host::hexText(bytes)));
+  const std::string head = fmt::format("{}{}{} {}", way.name, asks ? "?" : "", place, id);
+  showPrinted();
+  if (sink_->wanted(TraceForm::hex))
+    sink_->show(fmt::format("{} \"{}\" {}", head, host::messageName(id), host::hexText(bytes)), TraceForm::hex);
+  named(head, asks ? way.asked : way.sent, id, bytes);
 }
 
-void Trace::send(host::Link link, u16 slot, u16 id, host::Bytes payload) { message(link, "", slot, id, payload); }
-void Trace::ask(host::Link link, u16 slot, u16 id, host::Bytes request) { message(link, "?", slot, id, request); }
+// For those who see messages by name.
+void Trace::named(const std::string& head, messages::Road road, u16 id, host::Bytes bytes) {
+  for (const TraceForm form : {TraceForm::brief, TraceForm::full}) {
+    if (!sink_->wanted(form)) continue;
+    const auto lines = messages::describe(messages::book(), road, id, bytes, form == TraceForm::full);
+    sink_->show(head + " " + lines.front(), form);
+    for (std::size_t i = 1; i < lines.size(); ++i) sink_->show("  " + lines[i], form);
+  }
+}
+
+void Trace::send(host::Link link, u16 slot, u16 id, host::Bytes payload) { message(link, false, slot, id, payload); }
+void Trace::ask(host::Link link, u16 slot, u16 id, host::Bytes request) { message(link, true, slot, id, request); }
 
 void Trace::crc(u16 slot, u16 id, int origin) {
   if (wanted()) show(fmt::format("crc {} {} {}", slot, id, origin));

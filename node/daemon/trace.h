@@ -1,16 +1,19 @@
 #pragma once
-// The live trace: a line for everything that leaves the module.
+// The live trace: what leaves the module, in a form that each terminal chooses.
 //
-//   gpon 3 2841 "Set POTS general parameter" 00000001 ...   a message to the card in slot 3: id, name, bytes; gepon,
-//   epon gpon? 3 2839 "..." ...                                  a message that is answered; gepon? ngn 3087 "Set
-//   CIDMode configuration" ...                a message to the NGN side; ngn? one that is answered crc 9 3087 3, rtp-ip
-//   3, job ..., voice-mode 0 1 0       the platform is told of a change, or asked for something out ..., log 13 ...
-//   what the module prints, and its errors
+//   gpon 3 2841 potsGeneral: pulseWidth 40 ms, ...  a message to the card in slot 3; gepon, epon
+//     port 3/1: feedVoltage 42 V, ...               its items, or in full each of its fields
+//   gpon 3 2841 "Set POTS general ..." 00000001 ... the same in hex: id, the module's name for it, bytes
+//   gpon? 3 2839 ...                                a message that is answered; gepon?
+//   ngn 3087 ...                                    a message to the voice side; ngn? one that is answered
+//   crc 9 3087 3, rtp-ip 3, job ..., voice-mode 0 1 0   the platform is told of a change, or asked for something
+//   out ..., log 13 ...                             what the module prints, and its errors
 
 #include <string>
 #include <string_view>
 
 #include "host/observer.h"
+#include "messages/layout.h"
 #include "service.h"
 
 namespace msand {
@@ -31,7 +34,8 @@ class Trace : public host::Observer {
 
  private:
   bool wanted() const { return sink_ != nullptr && sink_->wanted(); }
-  void message(host::Link link, const char* mark, u16 slot, u16 id, host::Bytes bytes);
+  void message(host::Link link, bool asks, u16 slot, u16 id, host::Bytes bytes);
+  void named(const std::string& head, messages::Road road, u16 id, host::Bytes bytes);
   void show(std::string_view line);
   void showPrinted();
 

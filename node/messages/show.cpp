@@ -225,4 +225,15 @@ std::vector<std::string> fieldLines(const Decoded& decoded) {
 
 std::vector<std::string> briefLines(const Decoded& decoded) { return Brief(decoded).run(); }
 
+std::vector<std::string> describe(const Book& book, Road road, u16 id, Bytes bytes, bool full) {
+  const Message* const message = book.find(id);
+  const Layout* const layout = message == nullptr ? nullptr : layoutOf(book, *message, road, bytes);
+  if (layout == nullptr) return {"not described: " + host::hexText(bytes)};
+  const Decoded decoded = decode(*message, *layout, bytes);
+  std::vector<std::string> lines = full ? fieldLines(decoded) : briefLines(decoded);
+  if (!full && lines.size() == 1) return {message->name + ": " + lines.front()};
+  lines.insert(lines.begin(), fmt::format("{}, {} bytes", message->name, bytes.size()));
+  return lines;
+}
+
 }  // namespace messages

@@ -12,22 +12,11 @@ namespace scenario {
 
 namespace {
 
-std::vector<std::string> explain(const Told& told) {
-  const messages::Book& book = messages::book();
-  const messages::Message* const message = book.find(told.id);
-  if (message == nullptr) return {"no description of this message"};
-  const messages::Layout* const layout = layoutOf(book, *message, told.road, told.bytes);
-  if (layout == nullptr) return {fmt::format("{} is not described as {}", message->name, roadName(told.road))};
-  std::vector<std::string> lines = {
-      fmt::format("{}, {}, {} bytes", message->name, roadName(told.road), told.bytes.size())};
-  for (std::string& line : fieldLines(decode(*message, *layout, told.bytes))) lines.push_back(std::move(line));
-  return lines;
-}
-
 void printBelow(const std::vector<Told>& all, std::size_t line) {
   for (const Told& told : all)
     if (told.line == line)
-      for (const std::string& text : explain(told)) fmt::print("    {}\n", text);
+      for (const std::string& text : describe(messages::book(), told.road, told.id, told.bytes, true))
+        fmt::print("    {}\n", text);
 }
 
 bool holdDirective(const Scenario& scenario, const Directive& directive, const std::vector<Told>& all,

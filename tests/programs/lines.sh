@@ -10,7 +10,7 @@ command:3: incomplete command: set cid
 command:4: failed (-1): chassis slot 9 up" "$err"
 expectMatch "what they printed" "*CID Mode: FSK*slot 9 holds no service card" "$out"
 
-printf 'trace on\r\n\n! a comment\nset cid mode fsk\n  show cid mode\nnot a word\nset cid mode dtmf' >"$folder/lines"
+printf 'trace hex\r\n\n! a comment\nset cid mode fsk\n  show cid mode\nnot a word\nset cid mode dtmf' >"$folder/lines"
 run ctl -f "$folder/lines"
 expect "exit code of a file" 1 "$code"
 expect "errors of a file" "$folder/lines:6: unknown command: not a word" "$err"

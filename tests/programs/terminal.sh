@@ -75,7 +75,7 @@ msan# "
 keys 'set cid mo'
 see "a line that is being typed" "*set cid mo"
 ctl -c 'set cid mode dtmf' >/dev/null
-see "messages of another terminal's command are shown above it" '*ngn 3087 "Set CIDMode configuration" 000000010002 00\*32
+see "messages of another terminal's command are shown above it" '*ngn 3087 cidMode: CIDMode dtmf
 *crc 9 3087 3
 *msan# set cid mo'
 keys '\x15'

@@ -35,7 +35,7 @@ class TestCommands : public msand::Service {
     if (line.starts_with("big ")) text.assign(std::stoul(std::string(line.substr(4))), 'x');
     if (line == "wait") wait();
     if (line == "debug") terminal.level = msand::Level::debug;
-    terminal.trace = terminal.trace || line == "trace";
+    if (line == "trace") terminal.trace = msand::TraceForm::brief;
     terminal.ended = line == "exit";
     --running_;
     return {0, line == "fail" ? -1 : 0};
