@@ -201,28 +201,6 @@ Decoded decode(const Message& message, const Layout& layout, Bytes bytes) {
   return result;
 }
 
-std::size_t nodeAt(const Decoded& decoded, u32 offset) {
-  std::size_t found = decoded.nodes.size();
-  for (std::size_t i = 0; i < decoded.nodes.size(); ++i) {
-    const Node& node = decoded.nodes[i];
-    if (node.offset <= offset && offset - node.offset < node.size) found = i;
-  }
-  return found;
-}
-
-std::string pathOf(const Decoded& decoded, std::size_t index) {
-  std::string path;
-  for (std::size_t i = 0; i <= index; ++i) {
-    const Node& node = decoded.nodes[i];
-    const bool holder = node.field->kind == Kind::list || node.field->kind == Kind::group;
-    if (i != index && (!holder || node.end <= index)) continue;
-    if (!path.empty()) path += '.';
-    path += node.field->name.empty() ? "gap" : node.field->name;
-    if (node.field->kind == Kind::list) path += fmt::format("[{}]", node.number);
-  }
-  return path;
-}
-
 std::vector<std::string> check(const Book& book, Road road, u16 id, Bytes bytes, Fault worst) {
   // The gateway tells an error ahead of any message.
   if (isAnswer(road) && std::ranges::equal(bytes, kErrorMark)) return {};

@@ -47,12 +47,6 @@ Decoded decode(const Message& message, const Layout& layout, Bytes bytes);
 // The bytes that the nodes stand for, put together by the layout; throws std::runtime_error if they don't fit it.
 std::vector<u8> encode(const Decoded& decoded);
 
-// The path of a node, as in Problem.
-std::string pathOf(const Decoded& decoded, std::size_t node);
-
-// The innermost node that holds the byte; the number of nodes if none does.
-std::size_t nodeAt(const Decoded& decoded, u32 offset);
-
 // What is wrong with a message: an unknown id or way, faults of its fields up to `worst`, another result when it is put
 // together again.
 std::vector<std::string> check(const Book& book, Road road, u16 id, Bytes bytes, Fault worst);

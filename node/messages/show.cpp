@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <map>
 #include <utility>
 
 #include "host/hex.h"
@@ -178,7 +179,54 @@ class Brief {
   std::size_t skipped_ = 0;
 };
 
+// A field that holds no others, with its path.
+struct Leaf {
+  std::string path;
+  std::string value;
+};
+
+std::vector<Leaf> leavesOf(const Decoded& decoded) {
+  struct Holder {
+    std::size_t end;
+    std::size_t length;  // of the path outside
+  };
+  std::vector<Leaf> leaves;
+  std::vector<Holder> holders;
+  std::string path;
+  for (std::size_t i = 0; i < decoded.nodes.size(); ++i) {
+    const Node& node = decoded.nodes[i];
+    for (; !holders.empty() && holders.back().end <= i; holders.pop_back()) path.resize(holders.back().length);
+    const std::string name = path + (path.empty() ? "" : ".") + std::string(nameOf(*node.field));
+    if (isHolder(*node.field)) {
+      holders.push_back({node.end, path.size()});
+      path = node.field->kind == Kind::list ? fmt::format("{}[{}]", name, node.number) : name;
+    } else {
+      leaves.push_back({name, valueText(decoded, node)});
+    }
+  }
+  return leaves;
+}
+
 }  // namespace
+
+std::vector<std::string> differences(const Decoded& wanted, const Decoded& given) {
+  // Gaps without a name have equal paths: they are met in their order.
+  std::multimap<std::string, std::string> left;
+  for (Leaf& leaf : leavesOf(given)) left.emplace(std::move(leaf.path), std::move(leaf.value));
+  std::vector<std::string> lines;
+  for (const Leaf& leaf : leavesOf(wanted)) {
+    const auto found = left.find(leaf.path);
+    if (found == left.end()) {
+      lines.push_back(fmt::format("{}: missing, not {}", leaf.path, leaf.value));
+      continue;
+    }
+    if (found->second != leaf.value)
+      lines.push_back(fmt::format("{}: {}, not {}", leaf.path, found->second, leaf.value));
+    left.erase(found);
+  }
+  for (const auto& [path, value] : left) lines.push_back(fmt::format("{}: {}, not wanted", path, value));
+  return lines;
+}
 
 std::string valueText(const Decoded& decoded, const Node& node) {
   const Bytes bytes = bytesOf(decoded, node);

@@ -19,7 +19,11 @@ std::vector<std::string> fieldLines(const Decoded& decoded);
 // line, long lists are cut.
 std::vector<std::string> briefLines(const Decoded& decoded);
 
-// A message with a head: its name and length; of a brief one what fits on the same line. What is not described is shown in hex.
+// How one of two messages of a layout differs from another: "FIELD: VALUE, not WANTED", in the order of the wanted one.
+std::vector<std::string> differences(const Decoded& wanted, const Decoded& given);
+
+// A message with a head: its name and length; of a brief one what fits on the same line. What is not described is shown
+// in hex.
 std::vector<std::string> describe(const Book& book, Road road, u16 id, Bytes bytes, bool full);
 
 }  // namespace messages

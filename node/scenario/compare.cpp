@@ -203,6 +203,13 @@ bool matchesLine(std::string_view expected, std::string_view line) {
          matchesHex(expected.substr(*expectedHex), line.substr(*lineHex));
 }
 
+std::optional<HexLine> readHexLine(std::string_view line) {
+  const auto begin = hexBegin(line);
+  auto bytes = begin ? readHex(line.substr(*begin)) : std::nullopt;
+  if (!bytes) return {};
+  return HexLine{line.substr(0, *begin), std::move(*bytes)};
+}
+
 std::vector<Pair> align(const std::vector<Expectation>& expectations, const std::vector<std::string>& record) {
   std::span<const Expectation> wanted(expectations);
   std::span<const std::string> given(record);

@@ -1,6 +1,7 @@
 #pragma once
 // Expectations against a record.
 
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -12,6 +13,13 @@ namespace scenario {
 // True if the record line is what is expected: the same text, with hex strings compared as bytes, where ".." stands for
 // any one byte and "..*N" for N of them.
 bool matchesLine(std::string_view expected, std::string_view line);
+
+// A line as what stands ahead of its hex string and the bytes of that; 256 is any byte. Nothing if the line has none.
+struct HexLine {
+  std::string_view head;
+  std::vector<u16> bytes;
+};
+std::optional<HexLine> readHexLine(std::string_view line);
 
 // How expectations and record lie side by side, in order.
 enum class Side {

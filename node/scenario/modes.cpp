@@ -15,6 +15,7 @@
 #include "host/registry.h"
 #include "host/terminal.h"
 #include "text.h"
+#include "told.h"
 
 namespace scenario {
 
@@ -50,6 +51,7 @@ bool compareDirective(const std::string& file, const Directive& directive, const
     for (const std::string& line : played.record) fmt::print(" {}\n", line);
   else
     for (const std::string& line : diff(pairs, directive.expectations, played.record)) fmt::print("{}\n", line);
+  for (const std::string& line : fieldDifferences(directive, pairs, played.record)) fmt::print("{}\n", line);
   return false;
 }
 

@@ -6,7 +6,9 @@
 #include <string_view>
 #include <vector>
 
+#include "compare.h"
 #include "messages/layout.h"
+#include "reader.h"
 
 namespace scenario {
 
@@ -35,6 +37,10 @@ class TellingReader {
 
 // A record's line that is a message to a card or to the voice side; false if it is none.
 bool readSent(std::string_view line, Told& told);
+
+// The fields by which lines that a directive did not give differ from those that were expected in their place.
+std::vector<std::string> fieldDifferences(const Directive& directive, const std::vector<Pair>& pairs,
+                                          const std::vector<std::string>& record);
 
 // The manager's answer began with the word for success.
 bool isSuccess(const std::vector<u8>& reply);
