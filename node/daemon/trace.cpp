@@ -4,6 +4,7 @@
 
 #include <utility>
 
+#include "hold.h"
 #include "host/agent.h"
 #include "host/hex.h"
 #include "messages/show.h"
@@ -20,7 +21,7 @@ void Trace::show(std::string_view line) {
 }
 
 void Trace::message(host::Link link, bool asks, u16 slot, u16 id, host::Bytes bytes) {
-  if (!wanted()) return;
+  if (!wanted() && !holdsMessages()) return;
   using messages::Road;
   static constexpr struct {
     const char* name;
@@ -30,6 +31,8 @@ void Trace::message(host::Link link, bool asks, u16 slot, u16 id, host::Bytes by
                 {"epon", Road::epon, Road::epon},
                 {"ngn", Road::ngn, Road::ngnAsk}};
   const auto& way = kLinks[static_cast<int>(link)];
+  holdMessage(asks ? way.asked : way.sent, id, bytes);
+  if (!wanted()) return;
   const std::string place = link == host::Link::ngn ? "" : fmt::format(" {}", slot);
   const std::string head = fmt::format("{}{}{} {}", way.name, asks ? "?" : "", place, id);
   showPrinted();

@@ -5,9 +5,11 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
+#include <set>
 #include <shared_mutex>
 #include <system_error>
 
+#include "hold.h"
 #include "host/chassis.h"
 #include "host/jobs.h"
 
@@ -97,6 +99,16 @@ bool ModuleRoad::isRepeated(netsnmp_session* session, netsnmp_pdu* pdu) {
   return false;
 }
 
+// Pieces are left out: none of them is a message.
+static void holdAnswer(const ModuleRequest& request, const host::Answer& answer) {
+  static std::set<u16> inPieces;
+  if (!answer.reply || answer.reply->empty() || request.column == kFrameMore) return;
+  const bool isGet = request.column == kAnswer;
+  if (isGet && answer.last == 0) inPieces.insert(request.id);
+  if (isGet && (answer.last == 0 || inPieces.erase(request.id) != 0)) return;
+  holdMessage(isGet ? messages::Road::getReply : messages::Road::setReply, request.id, *answer.reply);
+}
+
 // Jobs are reports of what the request changed, and short.
 static host::Answer askModule(ModuleRequest& request) {
   host::Answer answer;
@@ -104,6 +116,7 @@ static host::Answer askModule(ModuleRequest& request) {
     const std::shared_lock gate(host::requestGate());
     answer = request.column == kAnswer ? host::agentGet(request.id, &request.bytes)
                                        : host::agentSet(request.id, request.column == kFrame, &request.bytes);
+    if (holdsMessages()) holdAnswer(request, answer);
   }
   host::runJobs();
   return answer;

@@ -7,7 +7,9 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <cstring>
 #include <memory>
+#include <set>
 #include <span>
 #include <vector>
 
@@ -38,6 +40,20 @@ u16 announcedId(u16 wanted) {
 
 enum Kind { SET, SET_MORE, GET };
 
+// What the module answers, and what it took from a manager, is as it is described. Pieces are left out: none of them is
+// whole.
+void holdAnswer(Kind kind, u16 id, Input frame, Input reply) {
+  static std::set<u16> inPieces;
+  if (kind == SET_MORE) inPieces.insert(id);
+  if (kind == SET_MORE || reply.empty()) return;
+  fuzz::holdMessage(kind == GET ? messages::Road::getReply : messages::Road::setReply, id, reply,
+                    messages::Fault::word);
+  const bool whole = kind == GET || inPieces.erase(id) == 0;
+  constexpr u8 kDone[] = {0, 0, 0, 1};
+  if (whole && reply.size() >= 4 && std::ranges::equal(reply.first<4>(), kDone))
+    fuzz::holdMessage(kind == GET ? messages::Road::get : messages::Road::set, id, frame, messages::Fault::range);
+}
+
 // Calls the hook with a frame that ends where its memory ends; true when the message has told all it has to tell.
 bool request(Kind kind, u16 id, Input bytes) {
   static const host::Hooks hooks = host::agentHooks();
@@ -45,6 +61,7 @@ bool request(Kind kind, u16 id, Input bytes) {
   const std::unique_ptr<u8[]> frame(new u8[bytes.size()]);
   std::ranges::copy(bytes, frame.get());
   const i32 length = static_cast<i32>(bytes.size());
+  std::memset(reply.get(), 0, host::kReplyCapacity);
   u32 replyLength = 0;
   u8 last = 0;
   if (kind == GET)
@@ -52,6 +69,7 @@ bool request(Kind kind, u16 id, Input bytes) {
   else
     hooks.write(id, kind == SET ? 1 : 0, frame.get(), length, reply.get(), &replyLength, nullptr, nullptr);
   if (replyLength > host::kReplyCapacity) std::abort();
+  if (kind != GET || last == 1) holdAnswer(kind, id, bytes, {reply.get(), replyLength});
   return last == 1 || replyLength == 0;
 }
 

@@ -22,13 +22,27 @@ constexpr struct {
   const char* type;
 } cards[] = {{1, "adsl64"}, {2, "vdsl32-pots"}, {3, "pots32"}, {11, "eth8"}, {18, "adsl16"}};
 
+// What leaves the module is as it is described.
+struct Held : host::Observer {
+  void send(host::Link link, u16, u16 id, host::Bytes bytes) override {
+    using messages::Road;
+    constexpr Road kSent[] = {Road::gpon, Road::gepon, Road::epon, Road::ngn};
+    holdMessage(kSent[static_cast<int>(link)], id, bytes, messages::Fault::word);
+  }
+  void ask(host::Link link, u16, u16 id, host::Bytes bytes) override {
+    using messages::Road;
+    constexpr Road kAsked[] = {Road::gponAsk, Road::geponAsk, Road::epon, Road::ngnAsk};
+    holdMessage(kAsked[static_cast<int>(link)], id, bytes, messages::Fault::word);
+  }
+};
+
 struct Fixture {
-  host::Observer quiet;
+  Held held;
   host::CaptureOutput captured;
   node::Node node;
   u64 poolInUse;
 
-  explicit Fixture(const std::string& module) : node((host::observe(&quiet), module)) {
+  explicit Fixture(const std::string& module) : node((host::observe(&held), module)) {
     for (const auto& card : cards) {
       node.authorise(card.slot, *host::findCardType(card.type));
       node.cardUp(card.slot);
@@ -54,6 +68,15 @@ Fixture& fixture() {
 }  // namespace
 
 node::Node& theNode() { return fixture().node; }
+
+void holdMessage(messages::Road road, u16 id, messages::Bytes bytes, messages::Fault worst) {
+  const auto wrong = messages::check(messages::book(), road, id, bytes, worst);
+  if (wrong.empty()) return;
+  // Not through stderr, which is captured.
+  for (const std::string& why : wrong)
+    dprintf(STDERR_FILENO, "%s %u is not as described: %s\n", std::string(roadName(road)).c_str(), id, why.c_str());
+  std::abort();
+}
 
 void checkAtRest() {
   host::runJobs();

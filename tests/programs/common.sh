@@ -8,6 +8,7 @@ socket=$folder/socket
 nodes=()
 snmp=none # where the agents of nodes listen
 bad=0
+export MSAND_HOLD_MESSAGES=yes # a node ends where a message is not as it is described
 
 cleanUp() {
   local node

@@ -1,6 +1,7 @@
 #!/bin/bash
 # Answers of more than one piece, from a module that gives such (the second argument).
 . "$(dirname "${BASH_SOURCE[0]}")/snmp_common.sh"
+unset MSAND_HOLD_MESSAGES # this module's messages are its own
 configuration <<<$'socket = "socket"\nstartup = "startup.cfg"'
 start --module "$2"
 
