@@ -43,6 +43,7 @@ int explainFile(const std::string& module, const Scenario& scenario) {
     const std::vector<Told> all = reader.read(directive.text, played[i].record);
     fmt::print("> {}\n", directive.text);
     printBelow(all, Told::kDirective);
+    if (Told answer; readAnswer(directive.text, answer)) printBelow({answer}, Told::kDirective);
     for (std::size_t line = 0; line < played[i].record.size(); ++line) {
       fmt::print("{}\n", played[i].record[line]);
       printBelow(all, line);

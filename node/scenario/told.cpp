@@ -42,7 +42,20 @@ bool readSent(std::string_view line, Told& told) {
 
 bool isSuccess(const std::vector<u8>& reply) {
   static constexpr u8 kDone[] = {0, 0, 0, 1};
-  return reply.size() >= 4 && std::equal(std::begin(kDone), std::end(kDone), reply.begin());
+  return reply.size() >= 4 && (std::equal(std::begin(kDone), std::end(kDone), reply.begin()) ||
+                               std::equal(std::rbegin(kDone), std::rend(kDone), reply.begin()));
+}
+
+bool readAnswer(std::string_view directive, Told& told) {
+  using messages::Road;
+  if (!directive.starts_with("answer ")) return false;
+  Arguments arguments(directive.substr(7));
+  static constexpr Road kRoads[] = {Road::gponAnswer, Road::geponAnswer, Road::ngnAnswer};
+  told.road = kRoads[arguments.choice({"gpon", "gepon", "ngn"})];
+  if (told.road != Road::ngnAnswer) arguments.slot();
+  told.id = arguments.id();
+  told.bytes = arguments.bytes();
+  return true;
 }
 
 std::vector<Told> TellingReader::read(const std::string& directive, const std::vector<std::string>& record) {

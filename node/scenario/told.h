@@ -35,6 +35,9 @@ class TellingReader {
   bool recovering_ = false;
 };
 
+// What an `answer` directive says; false for another directive.
+bool readAnswer(std::string_view directive, Told& told);
+
 // A record's line that is a message to a card or to the voice side; false if it is none.
 bool readSent(std::string_view line, Told& told);
 
@@ -42,7 +45,7 @@ bool readSent(std::string_view line, Told& told);
 std::vector<std::string> fieldDifferences(const Directive& directive, const std::vector<Pair>& pairs,
                                           const std::vector<std::string>& record);
 
-// The manager's answer began with the word for success.
+// The manager's answer began with the word for success, which a few messages write low byte first.
 bool isSuccess(const std::vector<u8>& reply);
 
 }  // namespace scenario

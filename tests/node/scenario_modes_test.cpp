@@ -47,6 +47,16 @@ TEST(ScenarioPlaying, RecordsInOrderAndCutsWhatIsPrinted) {
                                             "voice-mode 1 2 0", "|", "|  text\\n", "= -3"));
 }
 
+TEST(ScenarioMessages, OneThatIsNotAsDescribedIsToldWithItsDirective) {
+  const Seen seen = run(scenario::holdFiles, "cli do count\ncli do deaf\n");
+  EXPECT_EQ(seen.result, kDiffers);
+  EXPECT_EQ(seen.text,
+            "file:2: cli do deaf\n"
+            "  gpon 7: no description of this message\n"
+            "1 messages\n"
+            "0 passed, 1 failed\n");
+}
+
 TEST(ScenarioPlaying, RestartTellsTheLinesThatFailed) {
   const auto played = scenario::playAll(FAULTY_MODULE, read("cli do change\nsave\nrestart\ncli do\ncli un do\n"));
   EXPECT_THAT(played[2].record, ElementsAre("| 3: unknown command"));

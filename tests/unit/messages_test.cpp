@@ -81,6 +81,16 @@ message sizes 1
               ElementsAre("length 5", "name \"abc\"", "tail 9998", "last 7", "gain 0.0"));
 }
 
+TEST_F(MessagesTest, groupsKeepTheirNamesToThemselves) {
+  const std::string text =
+      "record end\n  port u16\nmessage groups 1\n  gpon\n    near of end\n    far\n      port u16\n";
+  EXPECT_THAT(read(text, Road::gpon, "0001 0002"), ElementsAre("near", "port 1", "far", "port 2"));
+  const Book book = bookOf(text);
+  const std::vector<u8> bytes = scenario::parseBytes("0001 0002");
+  EXPECT_THAT(describe(book, Road::gpon, 1, bytes, false), ElementsAre("groups: near (port 1), far (port 2)"));
+  EXPECT_THROW(bookOf(text + "    any port\n"), BadDescription);
+}
+
 TEST_F(MessagesTest, aDigitMapHasAFormForEachWay) {
   constexpr std::string_view kMap = R"(
 message digitMap 1
@@ -144,6 +154,34 @@ message faults 1
   EXPECT_THAT(wrong("00000001 ffff 01 00 000000 00"), ElementsAre("item[1].mode, byte 12: 0 bytes are left of 1"));
   EXPECT_THAT(check(book, Road::ngn, 1, {}, Fault::form), ElementsAre("faults is not described as ngn"));
   EXPECT_THAT(check(book, Road::ngn, 2, {}, Fault::form), ElementsAre("no description of this message"));
+}
+
+TEST_F(MessagesTest, answersScaledNumbersAndConditionsAreCheckedToo) {
+  const Book book = bookOf(R"(
+message more 1
+  set
+    level scaled 0..310
+    kind u8
+    when kind >= 5
+      when kind != 6 7: far u8 = 1
+    else
+      when kind < 2: near u8 = 2
+    item[rest]
+      when kind = 9: x u8
+)");
+  const auto wrong = [&](Road road, u16 id, std::string_view hex) {
+    return check(book, road, id, scenario::parseBytes(hex), Fault::range);
+  };
+  EXPECT_THAT(wrong(Road::set, 1, "0001 0000003c 05 01"), ElementsAre());
+  EXPECT_THAT(wrong(Road::set, 1, "0001 0000003c 06"), ElementsAre());
+  EXPECT_THAT(wrong(Road::set, 1, "0001 0000003c 01 02"), ElementsAre());
+  EXPECT_THAT(wrong(Road::set, 1, "0001 0000003c 02"), ElementsAre());
+  EXPECT_THAT(wrong(Road::set, 1, "0101 00000137 02"),
+              ElementsAre("level, byte 0: 1 ahead of the decimals, not 0", "level, byte 0: 311 is out of range"));
+  EXPECT_THAT(wrong(Road::set, 1, "0001 0000003c 03 00"), ElementsAre("more, byte 7: items without a byte: item"));
+  EXPECT_THAT(wrong(Road::setReply, 1, "00000002"), ElementsAre("done, byte 0: 2, not 1"));
+  EXPECT_THAT(wrong(Road::setReply, 2, "00000041"), ElementsAre());
+  EXPECT_THAT(wrong(Road::setReply, 2, "00000001"), ElementsAre("no description of this message"));
 }
 
 TEST_F(MessagesTest, anErrorTellsItsDetailsByItsCode) {
