@@ -41,6 +41,11 @@ static Descriptor stopSignals() {
   return descriptor;
 }
 
+// What is written to somebody who has gone, or to a file that may not grow, fails; it does not end the node.
+static void ignoreFailedWrites() {
+  for (const int signal : {SIGPIPE, SIGXFSZ}) std::signal(signal, SIG_IGN);
+}
+
 // Each terminal takes a descriptor.
 static void allowManyTerminals() {
   rlimit limit{};
@@ -84,6 +89,7 @@ static void fillFlowStore(Operator& commands, const Configuration& configuration
 
 void runDaemon(const Configuration& configuration) {
   const Descriptor stop = stopSignals();
+  ignoreFailedWrites();
   allowManyTerminals();
   host::openLog(configuration.logTo, configuration.logFile);
   Listener listener(configuration.socket);

@@ -2,8 +2,7 @@
 
 #include <spdlog/fmt/bin_to_hex.h>
 #include <spdlog/logger.h>
-#include <spdlog/sinks/basic_file_sink.h>
-#include <spdlog/sinks/stdout_sinks.h>
+#include <unistd.h>
 
 #include <array>
 #include <atomic>
@@ -15,6 +14,7 @@
 
 #include "host/log.h"
 #include "host/observer.h"
+#include "log_sink.h"
 
 namespace {
 
@@ -122,17 +122,18 @@ void ulogSetModOutput(i32, i32 severity, i32 flag) {
 namespace host {
 
 void openLog(LogTo where, const std::string& path) {
+  std::shared_ptr<LogSink> sink;
+  if (where == LogTo::standardError)
+    sink = std::make_shared<LogSink>(STDERR_FILENO);
+  else if (where == LogTo::file && !path.empty())
+    sink = std::make_shared<LogSink>(path);
   std::shared_ptr<spdlog::logger> opened;
-  if (where == LogTo::standardError) {
-    using Sink = spdlog::sinks::stdout_sink_base<spdlog::details::console_mutex>;
-    opened = std::make_shared<spdlog::logger>("node", std::make_shared<Sink>(standardError));
-  } else if (where == LogTo::file && !path.empty()) {
-    opened = std::make_shared<spdlog::logger>("node", std::make_shared<spdlog::sinks::basic_file_sink_mt>(path));
-  }
-  if (opened) {
+  if (sink) {
+    opened = std::make_shared<spdlog::logger>("node", sink);
+    // The library would print what went wrong, and what is printed may be on its way to this log.
+    opened->set_error_handler([sink](const std::string& why) { sink->lose(why); });
     opened->set_pattern("%Y-%m-%d %H:%M:%S.%e %l %v");
     opened->set_level(spdlog::level::trace);
-    opened->flush_on(spdlog::level::trace);
   }
   const std::lock_guard lock(mutex);
   isOpen = opened != nullptr;

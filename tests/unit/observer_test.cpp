@@ -1,8 +1,12 @@
 #include "host/observer.h"
 
+#include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
+#include <algorithm>
 #include <cstdarg>
 #include <cstdio>
 #include <filesystem>
@@ -150,6 +154,33 @@ TEST_F(LogFile, StaysOpenWhenAnotherCannotBeOpened) {
   host::platformError("a complaint %d", 1);
   EXPECT_EQ(content(), "error still here\nerror a complaint 1\n");
   EXPECT_THAT(record_.lines, ElementsAre("13 still here"));
+}
+
+TEST_F(Observer, ALogThatTakesNoMoreLosesLinesAndTellsHowManyOnce) {
+  const std::string pipe = testing::TempDir() + "observer_test_pipe_" + std::to_string(getpid());
+  ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+  EXPECT_THROW(host::openLog(host::LogTo::file, pipe), std::exception) << "nobody reads, and nobody waits";
+  const int reader = open(pipe.c_str(), O_RDONLY | O_NONBLOCK);
+  host::openLog(host::LogTo::file, pipe);
+  std::string written(1 << 20, '\0');
+  const auto readAll = [&] { return written.substr(0, static_cast<std::size_t>(read(reader, &written[0], 1 << 20))); };
+  for (int i = 0; i < 10; ++i) ulogPrintf(1, 13, "%s", std::string(9975, 'x').c_str());  // 10,006 bytes; 65,536 fit
+  const std::string full = readAll();
+  EXPECT_LT(full.size(), 65537u);
+  const auto lost = 10 - std::ranges::count(full, '\n');
+  EXPECT_GE(lost, 4);
+  ASSERT_FALSE(full.ends_with('\n')) << "a part of a line fits as well";
+  ulogPrintf(1, 13, "after");
+  ulogPrintf(1, 13, "and on");
+  const std::string rest = readAll();
+  EXPECT_TRUE(rest.starts_with("\n20")) << "the torn line ends: " << rest;
+  EXPECT_THAT(rest, testing::HasSubstr(" error log: " + std::to_string(lost) +
+                                       " lines could not be written: Resource temporarily unavailable\n"));
+  EXPECT_THAT(rest, testing::EndsWith(" error and on\n"));
+  EXPECT_EQ(std::ranges::count(rest, '\n'), 4);
+  host::openLog(host::LogTo::nowhere);
+  close(reader);
+  std::filesystem::remove(pipe);
 }
 
 TEST(Hex, WritesRunsShort) {

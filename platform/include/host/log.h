@@ -9,7 +9,8 @@ namespace host {
 
 // Lines go to standard error, or to a file; an empty path: nowhere (the observer still sees them).
 enum class LogTo { nowhere, standardError, file };
-// Throws std::runtime_error when the file can't be opened; the log then stays as it was.
+// Throws std::runtime_error when the file can't be opened; the log then stays as it was. Who logs never waits for long:
+// lines that can't be written are lost, and their number stands ahead of the next one that can.
 void openLog(LogTo where, const std::string& path = {});
 
 // True if the severity is switched on; 11 and above are at start, 10 is not.
