@@ -1,6 +1,7 @@
 #include "files.h"
 
 #include <fcntl.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -8,6 +9,8 @@
 #include <cstdlib>
 #include <filesystem>
 #include <system_error>
+#include <utility>
+#include <vector>
 
 #include "descriptor.h"
 
@@ -44,21 +47,7 @@ std::string readFile(const std::string& path, std::size_t limit) {
   return bytes;
 }
 
-static void writeAll(const Descriptor& file, const std::string& path, std::string_view bytes) {
-  while (!bytes.empty()) {
-    const ssize_t written = write(file.get(), bytes.data(), bytes.size());
-    if (written < 0 && errno == EINTR) continue;
-    if (written < 0) throw FileError(path, "can't be written", errno);
-    bytes.remove_prefix(static_cast<std::size_t>(written));
-  }
-}
-
-// Writes the bytes to the disk under the name of a new file.
-static void writeTemporary(const Descriptor& file, const std::string& path, mode_t mode, std::string_view bytes) {
-  writeAll(file, path, bytes);
-  if (fchmod(file.get(), mode) != 0) throw FileError(path, "can't be given its mode", errno);
-  if (fsync(file.get()) != 0) throw FileError(path, "can't be written to the disk", errno);
-}
+constexpr std::string_view kUnfinished = ".new-";  // and six letters, behind a file's name: what is being written
 
 // Where a path leads to in the end; the last link may lead to a file that is not there yet.
 static std::filesystem::path behindLinks(std::filesystem::path path) {
@@ -68,33 +57,89 @@ static std::filesystem::path behindLinks(std::filesystem::path path) {
   return path;
 }
 
+static std::filesystem::path folderOf(const std::filesystem::path& target) {
+  return target.has_parent_path() ? target.parent_path() : std::filesystem::path(".");
+}
+
+// Removes a file that nobody writes any more: its writer holds a lock on it.
+static void removeAbandoned(const std::filesystem::path& file) {
+  const Descriptor opened(open(file.c_str(), O_WRONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK));
+  if (opened && flock(opened.get(), LOCK_EX | LOCK_NB) == 0) unlink(file.c_str());
+}
+
+void removeUnfinished(const std::string& path) {
+  const std::filesystem::path target = behindLinks(path);
+  const std::string begin = target.filename().string() + std::string(kUnfinished);
+  std::error_code failed;
+  std::vector<std::filesystem::path> found;
+  for (const auto& entry : std::filesystem::directory_iterator(folderOf(target), failed)) {
+    const std::string name = entry.path().filename().string();
+    if (name.starts_with(begin) && name.size() == begin.size() + 6) found.push_back(entry.path());
+  }
+  for (const auto& file : found) removeAbandoned(file);
+}
+
+// A new file beside the one that it will replace, removed unless it has taken its place. Complaints name the latter.
+class Unfinished {
+ public:
+  Unfinished(const std::string& path, std::string target)
+      : path_(path), target_(std::move(target)), name_(target_ + std::string(kUnfinished) + "XXXXXX") {
+    file_ = Descriptor(mkostemp(name_.data(), O_CLOEXEC));
+    if (!file_) throw FileError(path_, "can't be written", errno);
+    flock(file_.get(), LOCK_EX | LOCK_NB);
+  }
+  ~Unfinished() {
+    if (!name_.empty()) unlink(name_.c_str());
+  }
+  Unfinished(const Unfinished&) = delete;
+  Unfinished& operator=(const Unfinished&) = delete;
+
+  void write(std::string_view bytes, mode_t mode) {
+    while (!bytes.empty()) {
+      const ssize_t written = ::write(file_.get(), bytes.data(), bytes.size());
+      if (written < 0 && errno == EINTR) continue;
+      if (written < 0) throw FileError(path_, "can't be written", errno);
+      bytes.remove_prefix(static_cast<std::size_t>(written));
+    }
+    if (fchmod(file_.get(), mode) != 0) throw FileError(path_, "can't be given its mode", errno);
+    if (fsync(file_.get()) != 0) throw FileError(path_, "can't be written to the disk", errno);
+  }
+
+  void takePlace() {
+    if (rename(name_.c_str(), target_.c_str()) != 0) throw FileError(path_, "can't be replaced", errno);
+    name_.clear();
+  }
+
+ private:
+  const std::string& path_;
+  const std::string target_;
+  std::string name_;
+  Descriptor file_;
+};
+
 void replaceFile(const std::string& path, std::string_view bytes) {
   const std::string target = behindLinks(path).string();
   struct stat old {};
   const mode_t mode = stat(target.c_str(), &old) == 0 ? old.st_mode & 07777 : 0640;
+  const Descriptor folder(open(folderOf(target).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+  if (!folder) throw FileError(path, "its folder can't be opened", errno);
 
-  std::string folder = std::filesystem::path(target).parent_path().string();
-  if (folder.empty()) folder = ".";
-  const Descriptor directory(open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-  if (!directory) throw FileError(folder, "can't be opened", errno);
+  removeUnfinished(path);
+  Unfinished file(path, target);
+  file.write(bytes, mode);
+  file.takePlace();
+  if (fsync(folder.get()) != 0) throw FileError(path, "its folder can't be written to the disk", errno);
+}
 
-  std::string temporary = target + ".XXXXXX";
-  {
-    const Descriptor file(mkostemp(temporary.data(), O_CLOEXEC));
-    if (!file) throw FileError(temporary, "can't be created", errno);
-    try {
-      writeTemporary(file, temporary, mode, bytes);
-    } catch (...) {
-      unlink(temporary.c_str());
-      throw;
-    }
+std::string keepAside(const std::string& path) {
+  const std::filesystem::path target = behindLinks(path);
+  std::error_code failed;
+  if (!std::filesystem::is_regular_file(target, failed)) return {};
+  for (int number = 1;; ++number) {
+    const std::string aside = target.string() + ".unread" + (number == 1 ? "" : std::to_string(number));
+    if (link(target.c_str(), aside.c_str()) == 0) return aside;
+    if (errno != EEXIST) throw FileError(path, "can't be kept under another name", errno);
   }
-  if (rename(temporary.c_str(), target.c_str()) != 0) {
-    const int code = errno;
-    unlink(temporary.c_str());
-    throw FileError(target, "can't be replaced", code);
-  }
-  if (fsync(directory.get()) != 0) throw FileError(folder, "can't be written to the disk", errno);
 }
 
 }  // namespace msand

@@ -17,7 +17,15 @@ struct FileError : std::runtime_error {
 std::string readFile(const std::string& path, std::size_t limit);
 
 // Replaces a file as a whole: after a crash at any point the old file or the new one is there. Keeps the old file's
-// mode; a new one gets 0640. Follows a symbolic link. Throws FileError; then the old file is as it was.
+// mode; a new one gets 0640. Follows a symbolic link. Throws FileError, which names this path; then the old file is as
+// it was, unless it is the disk that failed behind the replacing. Removes what is unfinished, too.
 void replaceFile(const std::string& path, std::string_view bytes);
+
+// Gives a file a further name beside its own, ahead of its replacing; that name. Empty: it is no regular file. Throws
+// FileError.
+std::string keepAside(const std::string& path);
+
+// Removes what replaceFile has left beside this file when its process was killed.
+void removeUnfinished(const std::string& path);
 
 }  // namespace msand

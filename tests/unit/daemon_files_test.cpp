@@ -56,7 +56,7 @@ TEST_F(Files, WhatCanNotBeReplacedLeavesNothingBehind) {
   fs::create_directory(at("folder"));
   EXPECT_EQ(complaint([&] { replaceFile(at("folder"), "x"); }), at("folder") + ": can't be replaced: Is a directory");
   EXPECT_EQ(complaint([&] { replaceFile(at("none/a"), "x"); }),
-            at("none") + ": can't be opened: No such file or directory");
+            at("none/a") + ": its folder can't be opened: No such file or directory");
   EXPECT_EQ(entries(), 1u);
 }
 
