@@ -35,9 +35,15 @@ struct FastMode {
   ~FastMode() { host::setFastMode(false); }
 };
 
+// A text without the mark that some editors put ahead of it.
+std::string_view withoutMark(std::string_view text) {
+  constexpr std::string_view kMark = "\xef\xbb\xbf";
+  return text.starts_with(kMark) ? text.substr(kMark.size()) : text;
+}
+
 // Takes the next line off the text, without its line end.
-std::string_view nextLine(std::string_view& text) {
-  const auto end = text.find('\n');
+std::string_view nextLine(std::string_view& text, char lineEnd) {
+  const auto end = text.find(lineEnd);
   std::string_view line = text.substr(0, end);
   text.remove_prefix(end == text.npos ? text.size() : end + 1);
   while (line.ends_with('\r')) line.remove_suffix(1);
@@ -100,18 +106,23 @@ std::string Node::runningConfiguration(int* result) {
   return std::move(vty.text);
 }
 
-void Node::executeStartup(std::string_view text, const std::function<void(const FailedLine&)>& failed) {
+bool Node::executeStartup(std::string_view text, const std::function<void(const FailedLine&)>& failed,
+                          const std::function<bool()>& stopped) {
   const std::shared_lock request(host::requestGate());
-  runStartup(text, failed);
+  return runStartup(text, failed, stopped);
 }
 
-void Node::runStartup(std::string_view text, const std::function<void(const FailedLine&)>& failed) {
+bool Node::runStartup(std::string_view text, const std::function<void(const FailedLine&)>& failed,
+                      const std::function<bool()>& stopped) {
   {
     const FastMode fast;
     Vty vty;
+    text = withoutMark(text);
+    const char lineEnd = text.find('\n') == text.npos ? '\r' : '\n';
     for (u32 number = 1; !text.empty(); ++number) {
-      const std::string_view line = nextLine(text);
+      const std::string_view line = nextLine(text, lineEnd);
       if (runsNothing(line)) continue;
+      if (stopped && stopped()) return false;
       vty.text.clear();
       const bool readable = isText(line);
       const host::LineOutcome outcome =
@@ -122,6 +133,7 @@ void Node::runStartup(std::string_view text, const std::function<void(const Fail
   }
   host::runLoadCallbacks();
   module_->init_after_cfgexecute();
+  return true;
 }
 
 void Node::restart(std::string_view startup, const std::function<void(const FailedLine&)>& failed) {
@@ -130,7 +142,7 @@ void Node::restart(std::string_view startup, const std::function<void(const Fail
   load();
   for (u16 slot = 1; slot <= host::kSlots; ++slot)
     if (host::authorisedType(slot) != nullptr) module_->card_auth_init_db(slot);
-  runStartup(startup, failed);
+  runStartup(startup, failed, nullptr);
 }
 
 }  // namespace node

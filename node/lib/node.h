@@ -44,9 +44,12 @@ class Node {
   std::string runningConfiguration(int* result = nullptr);
 
   // Executes the lines of a startup configuration in fast mode, then the module's load callback, then
-  // msan_init_after_cfgexecute. Lines end with LF or CR LF; empty ones and those that begin with '!' are passed over. A
-  // line that fails is told and does not stop the rest; one with a NUL or of more than 64 KiB fails without being run.
-  void executeStartup(std::string_view text, const std::function<void(const FailedLine&)>& failed);
+  // msan_init_after_cfgexecute. Lines end with LF or CR LF, or with CR if there is no LF at all; empty ones and those
+  // that begin with '!' are passed over. A line that fails is told and does not stop the rest; one with a NUL or of
+  // more than 64 KiB fails without being run. `stopped` is asked ahead of each line that does something; once it is
+  // true nothing further is run, and the result is false.
+  bool executeStartup(std::string_view text, const std::function<void(const FailedLine&)>& failed,
+                      const std::function<bool()>& stopped = nullptr);
 
   // Unloads the library, loads it again with an empty database, authorises the slots' types again, and executes the
   // startup configuration. Cards stay as they are. Throws as the constructor does; then the node can only be destroyed.
@@ -54,7 +57,8 @@ class Node {
 
  private:
   void load();
-  void runStartup(std::string_view text, const std::function<void(const FailedLine&)>& failed);
+  bool runStartup(std::string_view text, const std::function<void(const FailedLine&)>& failed,
+                  const std::function<bool()>& stopped);
   std::string modulePath_;
   std::optional<Module> module_;
 };
