@@ -1,6 +1,7 @@
 #include "daemon.h"
 
 #include <fmt/format.h>
+#include <poll.h>
 #include <sys/resource.h>
 #include <sys/signalfd.h>
 #include <systemd/sd-daemon.h>
@@ -39,6 +40,11 @@ static Descriptor stopSignals() {
   Descriptor descriptor(signalfd(-1, &signals, SFD_CLOEXEC | SFD_NONBLOCK));
   if (!descriptor) throw std::system_error(errno, std::generic_category(), "no descriptor for signals");
   return descriptor;
+}
+
+static bool isReadable(const Descriptor& descriptor) {
+  pollfd ready{descriptor.get(), POLLIN, 0};
+  return poll(&ready, 1, 0) == 1;
 }
 
 // What is written to somebody who has gone, or to a file that may not grow, fails; it does not end the node.
@@ -101,9 +107,10 @@ void runDaemon(const Configuration& configuration) {
   for (const SlotConfiguration& slot : configuration.slots)
     if (const int result = node.authorise(slot.slot, *slot.card); result != 0)
       complain(fmt::format("slot {}: card type {} gave {}", slot.slot, slot.card->name, result));
-  Operator commands(node, configuration.startup);
+  Startup startup(configuration.startup);
+  Operator commands(node, startup);
   fillFlowStore(commands, configuration);
-  executeStartup(node, configuration.startup);
+  if (!startup.execute(node, [&] { return isReadable(stop); })) return;
   announceCards(node, configuration);
 
   Door door;

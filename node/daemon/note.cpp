@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 
+#include "host/log.h"
 #include "platform/log.h"
 
 namespace msand {
@@ -13,6 +14,8 @@ constexpr i32 kError = 13;
 void note(std::string_view text) {
   ulogPrintf(kPlatform, kProgress, "%.*s", static_cast<int>(text.size()), text.data());
 }
+
+void warn(std::string_view text) { host::platformWarning("%.*s", static_cast<int>(text.size()), text.data()); }
 
 void complain(std::string_view text) {
   ulogPrintf(kPlatform, kError, "%.*s", static_cast<int>(text.size()), text.data());

@@ -10,9 +10,7 @@
 
 namespace msand {
 
-Operator::Operator(node::Node& node, std::string startup) : node_(node), startup_(std::move(startup)) {
-  installPlatformWords();
-}
+Operator::Operator(node::Node& node, Startup& startup) : node_(node), startup_(startup) { installPlatformWords(); }
 
 std::string Operator::prompt(const Terminal& terminal) const {
   return terminal.level == Level::debug ? "msan(debug)# " : "msan# ";

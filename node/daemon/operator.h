@@ -5,28 +5,29 @@
 #include <string_view>
 
 #include "node.h"
+#include "running_configuration.h"
 #include "service.h"
 
 namespace msand {
 
 class Operator : public Service {
  public:
-  // Installs the platform's words; the node's module is loaded. `startup` is the file that "write" replaces.
-  Operator(node::Node& node, std::string startup);
+  // Installs the platform's words; the node's module is loaded. `startup` is what "write" replaces.
+  Operator(node::Node& node, Startup& startup);
 
   std::string prompt(const Terminal& terminal) const override;
   wire::Result run(Terminal& terminal, std::string_view line, std::string& text) override;
   std::string suggest(const Terminal& terminal, std::string_view line) override;
 
   node::Node& node() { return node_; }
-  const std::string& startup() const { return startup_; }
+  Startup& startup() { return startup_; }
 
  private:
   wire::Result runModuleLine(const Terminal& terminal, std::string_view line, std::string& text);
   wire::Result runPlatformLine(Terminal& terminal, std::string_view line, std::string& text);
 
   node::Node& node_;
-  std::string startup_;
+  Startup& startup_;
 };
 
 }  // namespace msand

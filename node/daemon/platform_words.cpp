@@ -6,10 +6,10 @@
 #include <array>
 #include <charconv>
 
-#include "files.h"
 #include "flow_words.h"
 #include "host/chassis.h"
 #include "host/links.h"
+#include "note.h"
 #include "operator.h"
 #include "running_configuration.h"
 
@@ -25,18 +25,21 @@ int failed(const PlatformCall& call, const std::string& why) {
 }
 
 int showRunning(const PlatformCall& call) {
-  int result = 0;
-  call.text += call.node.node().runningConfiguration(&result);
-  return result;
+  std::string missing;
+  call.text += printRunning(call.node.node(), missing);
+  return missing.empty() ? 0 : failed(call, fmt::format("incomplete: {}", missing));
 }
 
-int write(const PlatformCall& call) {
+int write(const PlatformCall& call, bool force) {
+  Startup& startup = call.node.startup();
   try {
-    writeStartup(call.node.node(), call.node.startup());
+    const std::string told = startup.write(call.node.node(), force);
+    call.text += fmt::format("written to {}\r\n", startup.path());
+    if (!told.empty()) call.text += told + "\r\n";
   } catch (const std::exception& error) {
+    complain(fmt::format("not written: {}", error.what()));
     return failed(call, fmt::format("not written: {}", error.what()));
   }
-  call.text += fmt::format("written to {}\r\n", call.node.startup());
   return 0;
 }
 
@@ -122,7 +125,9 @@ int exitCommand(const CommandElement*, Vty* vty, int, char**) {
 }
 
 int showRunningCommand(const CommandElement*, Vty* vty, int, char**) { return leave(vty, showRunning); }
-int writeCommand(const CommandElement*, Vty* vty, int, char**) { return leave(vty, write); }
+int writeCommand(const CommandElement*, Vty* vty, int argc, char**) {
+  return leave(vty, [force = argc > 0](const PlatformCall& call) { return write(call, force); });
+}
 int showChassisCommand(const CommandElement*, Vty* vty, int, char**) { return leave(vty, showChassis); }
 
 int traceCommand(const CommandElement*, Vty* vty, int, char** argv) {
@@ -168,7 +173,7 @@ const CommandElement kEverywhere[] = {
     {"help {[all]}*1", helpCommand, "the platform's words, or all commands of this level"},
     {"exit", exitCommand, "back to the level above; from the first level: end the session"},
     {"show running-config", showRunningCommand, "the running configuration, as commands"},
-    {"write", writeCommand, "make the running configuration the startup configuration"},
+    {"write {[force]}*1", writeCommand, "make the running configuration the startup configuration"},
     {"trace [on|full|hex|off]", traceCommand, "show every message that leaves the node: by name, with all fields, as bytes"},
     {"chassis show", showChassisCommand, "slots and cards"},
     {"chassis slot <1-20> card <type>", slotCardCommand, "give a slot a card type, or none"},

@@ -3,10 +3,11 @@
 #include <fmt/format.h>
 
 #include <cerrno>
-#include <optional>
 #include <stdexcept>
 
 #include "files.h"
+#include "host/database.h"
+#include "host/pool.h"
 #include "note.h"
 
 namespace msand {
@@ -25,22 +26,54 @@ static std::string asFile(std::string_view printed) {
   return text;
 }
 
-void writeStartup(node::Node& node, const std::string& path) {
+std::string printRunning(node::Node& node, std::string& missing) {
+  const u32 database = host::databaseFailures();
+  const u32 memory = host::poolRefusals();
   int result = 0;
-  const std::string printed = node.runningConfiguration(&result);
-  if (result != 0) throw std::runtime_error(fmt::format("the running configuration can't be had: {}", result));
-  replaceFile(path, asFile(printed));
+  std::string printed = node.runningConfiguration(&result);
+  if (result != 0)
+    missing = fmt::format("the module gave {}", result);
+  else if (host::databaseFailures() != database)
+    missing = "the database failed";
+  else if (host::poolRefusals() != memory)
+    missing = "there was no memory";
+  return printed;
 }
 
-static std::optional<std::string> readStartup(const std::string& path) {
+void Startup::checkLoss() const {
+  if (!unread_.empty())
+    throw std::runtime_error(
+        fmt::format("the file was not executed at start ({}); \"write force\" keeps it under another name", unread_));
+  if (failed_ != 0)
+    throw std::runtime_error(fmt::format(
+        "{}: {} lines failed at start and would be lost; \"write force\" writes nevertheless", path_, failed_));
+}
+
+std::string Startup::write(node::Node& node, bool force) {
+  if (!force) checkLoss();
+  std::string missing;
+  const std::string text = asFile(printRunning(node, missing));
+  if (!missing.empty() && !force)
+    throw std::runtime_error(fmt::format("{}: the running configuration is incomplete: {}", path_, missing));
+  const std::string kept = unread_.empty() ? "" : keepAside(path_);
+  replaceFile(path_, text);
+  unread_.clear();
+  failed_ = 0;
+  return kept.empty() ? "" : fmt::format("the old file is kept as {}", kept);
+}
+
+bool Startup::read(std::string& text) {
   try {
-    return readFile(path, kMaxStartup);
+    text = readFile(path_, kMaxStartup);
+    return true;
   } catch (const FileError& error) {
-    if (error.code == ENOENT)
-      note(fmt::format("there is no startup configuration {}", path));
-    else
-      complain(fmt::format("startup configuration not executed: {}", error.what()));
-    return std::nullopt;
+    if (error.code == ENOENT) {
+      note(fmt::format("there is no startup configuration {}", path_));
+    } else {
+      unread_ = error.what();
+      complain(fmt::format("startup configuration not executed: {}", unread_));
+    }
+    return false;
   }
 }
 
@@ -50,16 +83,26 @@ static std::string why(const node::FailedLine& line) {
   return fmt::format("gave {}{}{}", line.outcome.returned, printed.empty() ? "" : ": ", printed);
 }
 
-void executeStartup(node::Node& node, const std::string& path) {
-  const auto text = readStartup(path);
-  u32 failures = 0;
-  node.executeStartup(text ? std::string_view(*text) : std::string_view(), [&](const node::FailedLine& line) {
-    if (++failures > kMaxTold) return;
-    const std::string command = printable(std::string_view(line.command).substr(0, kMaxShown));
-    complain(fmt::format("{}:{}: {}: {}", path, line.line, command, why(line)));
-  });
-  if (failures > kMaxTold) complain(fmt::format("{}: {} more lines failed", path, failures - kMaxTold));
-  if (text) note(fmt::format("startup configuration {} executed, {} lines failed", path, failures));
+bool Startup::execute(node::Node& node, const std::function<bool()>& stopped) {
+  removeUnfinished(path_);
+  std::string text;
+  const bool there = read(text);
+  const bool whole = node.executeStartup(
+      text,
+      [&](const node::FailedLine& line) {
+        if (++failed_ > kMaxTold) return;
+        const std::string command = printable(std::string_view(line.command).substr(0, kMaxShown));
+        complain(fmt::format("{}:{}: {}: {}", path_, line.line, command, why(line)));
+      },
+      stopped);
+  if (failed_ > kMaxTold) complain(fmt::format("{}: {} more lines failed", path_, failed_ - kMaxTold));
+  if (!whole) {
+    note(fmt::format("told to stop while the startup configuration {} was executed", path_));
+  } else if (there) {
+    const std::string told = fmt::format("startup configuration {} executed, {} lines failed", path_, failed_);
+    failed_ == 0 ? note(told) : warn(told);
+  }
+  return whole;
 }
 
 }  // namespace msand

@@ -1,17 +1,38 @@
 #pragma once
 // The startup configuration: the running configuration in a file, as commands.
 
+#include <functional>
 #include <string>
 
 #include "node.h"
 
 namespace msand {
 
-// Replaces the file by what the node's module prints. Throws std::runtime_error; then the old file is as it was.
-void writeStartup(node::Node& node, const std::string& path);
+// What the node's module prints. `missing` says why something may be missing from it; empty: nothing.
+std::string printRunning(node::Node& node, std::string& missing);
 
-// Executes the file. A node without one starts empty, one whose file can't be read, too; both are told in the log, as
-// is each line that fails.
-void executeStartup(node::Node& node, const std::string& path);
+class Startup {
+ public:
+  explicit Startup(std::string path) : path_(std::move(path)) {}
+
+  const std::string& path() const { return path_; }
+
+  // Executes the file. A node without one starts empty, one whose file can't be read, too; both are told in the log, as
+  // is each line that fails. False: `stopped`, which is asked ahead of each line, has become true.
+  bool execute(node::Node& node, const std::function<bool()>& stopped);
+
+  // Replaces the file by the running configuration. Refused, unless by force, if that would lose what the file holds
+  // and the node does not, or if the configuration may be incomplete. A file that was not read is kept beside the new
+  // one. Throws std::runtime_error; then the old file is as it was. What it has to tell beyond success is returned.
+  std::string write(node::Node& node, bool force);
+
+ private:
+  bool read(std::string& text);
+  void checkLoss() const;
+
+  std::string path_;
+  std::string unread_;  // why the file was not read at start; empty: it was, or is not there
+  u32 failed_ = 0;      // lines of it that failed at start
+};
 
 }  // namespace msand

@@ -25,6 +25,8 @@ thread_local DbTransactionData* writing = nullptr;
 // Its address tells one thread from another.
 thread_local char thisThread = 0;
 
+thread_local u32 failures = 0;
+
 bool isOfPool(const DbConnectionData* connection) {
   return connection >= connections.data() && connection < connections.data() + connections.size();
 }
@@ -100,6 +102,8 @@ int commitWrites(DbTransactionData& t) {
 
 }  // namespace
 
+void store::countFailure() { ++failures; }
+
 int store::check(mco_trans_h t) {
   if (t == nullptr || !t->isOpen || t->thread != &thisThread) return DB_BAD_HANDLE;
   return t->failure;
@@ -115,6 +119,7 @@ int store::begin(bool writes, mco_trans_h* transaction, const char* file, int li
   t->line = line;
   t->function = function;
   if (const int result = writes ? beginWriting(*t) : beginReading(*t)) {
+    store::countFailure();
     host::platformError("database: no transaction for %s: %s", function, mdb_strerror(result));
     store::giveBack(t);
     return DB_BROKEN;
@@ -125,9 +130,11 @@ int store::begin(bool writes, mco_trans_h* transaction, const char* file, int li
 }
 
 DbConnection dbCommon_getConnectRes() {
-  if (host::faultDue(host::Fault::connect) || store::environment() == nullptr) return nullptr;
+  const bool any = !host::faultDue(host::Fault::connect) && store::environment() != nullptr;
   for (DbConnectionData& connection : connections)
-    if (!connection.taken.load(std::memory_order_relaxed) && !connection.taken.exchange(true)) return &connection;
+    if (any && !connection.taken.load(std::memory_order_relaxed) && !connection.taken.exchange(true))
+      return &connection;
+  store::countFailure();
   return nullptr;
 }
 
@@ -142,7 +149,10 @@ int mco_trans_start_(DbConnection connection, int mode, int, mco_trans_h* transa
                      const char* function) {
   if (!isUsable(connection) || transaction == nullptr || (mode != DB_READ_ONLY && mode != DB_READ_WRITE))
     return DB_BAD_ARGUMENT;
-  if (host::faultDue(host::Fault::start)) return DB_FAULT;
+  if (host::faultDue(host::Fault::start)) {
+    store::countFailure();
+    return DB_FAULT;
+  }
   if (mode == DB_READ_WRITE && writing != nullptr) {
     host::platformError("database: %s (%s:%d) begins to write while %s (%s:%d) writes on the same thread; refused",
                         function, file, line, writing->function, writing->file, writing->line);
@@ -205,6 +215,8 @@ u32 openConnections() {
   for (const DbConnectionData& connection : connections) count += connection.taken ? 1 : 0;
   return count;
 }
+
+u32 databaseFailures() { return failures; }
 
 DbConnection eventConnection() { return &ownConnection; }
 

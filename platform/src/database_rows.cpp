@@ -169,6 +169,7 @@ int checkWrites(mco_trans_h t) {
 int codeOf(DbTransactionData& t, int result) {
   if (result == 0) return DB_OK;
   const int code = result == MDB_MAP_FULL || result == MDB_TXN_FULL ? DB_FULL : DB_BROKEN;
+  countFailure();
   host::platformError("database: the transaction of %s (%s:%d): %s", t.function, t.file, t.line, mdb_strerror(result));
   if (t.writes && t.failure == DB_OK) t.failure = code;
   return code;
@@ -291,7 +292,10 @@ int dbPut(DbRow* row, u32 offset, u32 width, const void* value, u32 size) {
 int dbFind(mco_trans_h t, const DbTable* table, u32 index, const DbKey& key, DbRow* row) {
   if (table == nullptr || row == nullptr || index >= table->indexes.size()) return DB_BAD_ARGUMENT;
   if (const int code = store::check(t)) return code;
-  if (host::faultDue(host::Fault::find)) return DB_FAULT;
+  if (host::faultDue(host::Fault::find)) {
+    store::countFailure();
+    return DB_FAULT;
+  }
   if (const int code = store::settle(*t)) return code;
   store::EntryKey entry(*table, 1 + index);
   entry.add(key);

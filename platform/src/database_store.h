@@ -112,6 +112,9 @@ int checkWrites(mco_trans_h transaction);
 // The code for a result of LMDB. A failure breaks a transaction that writes.
 int codeOf(DbTransactionData& transaction, int result);
 
+// One more for host::databaseFailures.
+void countFailure();
+
 // The row of a handle; null when it is no more.
 HeldRow* heldRow(const DbRow* row);
 // Takes a stored row up into the transaction. DB_NOT_FOUND if there is none of this number.

@@ -153,17 +153,28 @@ void resetSeverities() {
   }
 }
 
-void platformError(const char* text, ...) {
+static void complain(spdlog::level::level_enum level, const char* text, va_list arguments) {
   char line[1024];
   std::string longer;
-  va_list arguments;
-  va_start(arguments, text);
   const std::string shown = printable(format(line, sizeof line, longer, text, arguments));
-  va_end(arguments);
   if (const auto log = currentLog())
-    log->error(shown);
+    log->log(level, shown);
   else
     std::fprintf(standardError, "platform: %s\n", shown.c_str());
+}
+
+void platformWarning(const char* text, ...) {
+  va_list arguments;
+  va_start(arguments, text);
+  complain(spdlog::level::warn, text, arguments);
+  va_end(arguments);
+}
+
+void platformError(const char* text, ...) {
+  va_list arguments;
+  va_start(arguments, text);
+  complain(spdlog::level::err, text, arguments);
+  va_end(arguments);
 }
 
 }  // namespace host

@@ -87,6 +87,13 @@ POOL_OWN host::LiveBlock describe(const Header* header) {
   return {header->file != nullptr ? header->file : "", header->line, header->size};
 }
 
+thread_local u32 refusals = 0;
+
+void* refuse() {
+  ++refusals;
+  return nullptr;
+}
+
 POOL_OWN Header* behind(const Header* header) { return show(header->next); }
 
 }  // namespace
@@ -99,12 +106,12 @@ i32 mpuCreate(const char* name, u32 size, i32, i32) {
 }
 
 POOL_OWN void* mpuAlloc_(i32 id, u32 size, const char* file, i32 line) {
-  if (host::faultDue(host::Fault::alloc)) return nullptr;
+  if (host::faultDue(host::Fault::alloc)) return refuse();
   const std::lock_guard lock(mutex);
   Pool* pool = findPool(id);
-  if (pool == nullptr || size > pool->size - pool->used) return nullptr;
+  if (pool == nullptr || size > pool->size - pool->used) return refuse();
   auto* header = static_cast<Header*>(std::malloc(sizeof(Header) + size));
-  if (header == nullptr) return nullptr;
+  if (header == nullptr) return refuse();
   header->mark = markOf(header);
   header->file = file;
   header->line = line;
@@ -130,6 +137,8 @@ void mpuFree(void* block) {
 }
 
 namespace host {
+
+u32 poolRefusals() { return refusals; }
 
 u64 poolInUse() {
   const std::lock_guard lock(mutex);

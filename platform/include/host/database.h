@@ -24,6 +24,10 @@ bool listRows(const std::string& table, std::vector<std::string>& rows);
 u32 openConnections();
 u32 openTransactions();
 
+// Connections, transactions and rows that this thread could not have so far, faults on demand included. What the module
+// printed while they grew may lack something.
+u32 databaseFailures();
+
 // The node's own connection, for msan_register_events.
 DbConnection eventConnection();
 

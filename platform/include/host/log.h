@@ -17,8 +17,9 @@ void openLog(LogTo where, const std::string& path = {});
 bool severityOn(i32 severity);
 void resetSeverities();
 
-// For the platform's own sources: something that the stand-in itself has to complain about. Goes to the log, or to
-// standard error when none is open; the observer does not see it.
+// Something that the stand-in itself has to complain about. Goes to the log, or to standard error when none is open;
+// the observer does not see it.
+void platformWarning(const char* format, ...) __attribute__((format(printf, 1, 2)));
 void platformError(const char* format, ...) __attribute__((format(printf, 1, 2)));
 
 }  // namespace host

@@ -17,6 +17,9 @@ struct LiveBlock {
 // Bytes that were asked for and not given back, over all pools.
 u64 poolInUse();
 
+// Blocks that this thread was refused so far.
+u32 poolRefusals();
+
 // The live blocks in the order in which they were taken.
 std::vector<LiveBlock> liveBlocks();
 
