@@ -59,12 +59,6 @@ std::optional<Instance> moduleInstance(const netsnmp_pdu& pdu) {
   return found;
 }
 
-// The agent's mark of a frame that failed.
-bool isRefusal(const std::vector<u8>& reply) {
-  constexpr std::array<u8, 4> kRefused = {0, 0, 0, 0x41};
-  return reply.size() >= kRefused.size() && std::equal(kRefused.begin(), kRefused.end(), reply.begin());
-}
-
 std::size_t roomFor(const netsnmp_agent_request_info& info) {
   const netsnmp_transport* transport = snmp_sess_transport(snmp_sess_pointer(info.asp->session));
   if (transport != nullptr && (transport->flags & NETSNMP_TRANSPORT_FLAG_STREAM) != 0) return 8u << 20;
@@ -112,6 +106,17 @@ bool FrameTable::holdsPiece(const netsnmp_pdu& pdu) const {
   return row != rows_.end() && row->second.piece && row->second.query.empty();
 }
 
+u16 FrameTable::messageOf(const netsnmp_pdu& pdu) {
+  const auto instance = moduleInstance(pdu);
+  return instance ? instance->id : u16{0};
+}
+
+bool FrameTable::isRefusal(const host::Answer& answer) {
+  constexpr std::array<u8, 4> kRefused = {0, 0, 0, 0x41};
+  return answer.reply && answer.reply->size() >= kRefused.size() &&
+         std::equal(kRefused.begin(), kRefused.end(), answer.reply->begin());
+}
+
 std::optional<ModuleRequest> FrameTable::take(const netsnmp_pdu& pdu) {
   const auto instance = moduleInstance(pdu);
   if (!instance) return std::nullopt;
@@ -127,7 +132,7 @@ std::optional<ModuleRequest> FrameTable::take(const netsnmp_pdu& pdu) {
   return request;
 }
 
-void FrameTable::prepare(const ModuleRequest& request, host::Answer answer) {
+void FrameTable::prepare(const ModuleRequest& request, host::Answer answer, bool noMemory) {
   prepared_ = {request.column, request.id, SNMP_ERR_NOERROR, std::nullopt};
   const bool known = answer.result != 0;
   if (request.column == kAnswer) {
@@ -142,8 +147,8 @@ void FrameTable::prepare(const ModuleRequest& request, host::Answer answer) {
   }
   Row& row = rows_[request.id];
   row.piece.reset();
+  if (isRefusal(answer)) prepared_->error = noMemory ? SNMP_ERR_RESOURCEUNAVAILABLE : SNMP_ERR_INCONSISTENTVALUE;
   row.reply = answer.reply ? std::move(*answer.reply) : std::vector<u8>();
-  if (isRefusal(row.reply)) prepared_->error = SNMP_ERR_INCONSISTENTVALUE;
 }
 
 void FrameTable::prepareRefusal(const netsnmp_pdu& pdu) {

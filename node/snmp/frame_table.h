@@ -41,8 +41,14 @@ class FrameTable {
   // A piece that did not fit into its datagram is there to be fetched again.
   bool holdsPiece(const netsnmp_pdu& pdu) const;
 
-  // The module has done it: the library may treat the request, then `forget`.
-  void prepare(const ModuleRequest& request, host::Answer answer);
+  // The message of a request that concerns the module.
+  static u16 messageOf(const netsnmp_pdu& pdu);
+  // The module has refused a frame.
+  static bool isRefusal(const host::Answer& answer);
+
+  // The module has done it: the library may treat the request, then `forget`. `noMemory`: there was none for a part of
+  // it.
+  void prepare(const ModuleRequest& request, host::Answer answer, bool noMemory);
   // It can't be done now.
   void prepareRefusal(const netsnmp_pdu& pdu);
   void forget();

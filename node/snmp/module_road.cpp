@@ -8,10 +8,12 @@
 #include <set>
 #include <shared_mutex>
 #include <system_error>
+#include <utility>
 
 #include "hold.h"
 #include "host/chassis.h"
 #include "host/jobs.h"
+#include "host/pool.h"
 
 namespace msand {
 
@@ -27,7 +29,9 @@ struct ModuleRoad::Waiting {
 
   // of the thread that has the module do it
   ModuleRequest request;
+  bool ends = false;  // nobody's request: the collection of this message has to be ended
   host::Answer answer;
+  bool noMemory = false;
 
   Waiting() = default;
   ~Waiting() { snmp_free_pdu(pdu); }
@@ -39,7 +43,17 @@ ModuleRoad::ModuleRoad(FrameTable& table) : table_(table), event_(eventfd(0, EFD
   if (!event_) throw std::system_error(errno, std::generic_category(), "snmp: no descriptor");
 }
 
-ModuleRoad::~ModuleRoad() = default;
+ModuleRoad::~ModuleRoad() {
+  if (alarm_ != 0) snmp_alarm_unregister(alarm_);
+}
+
+static Collections::Owner ownerOf(const netsnmp_session* session, const netsnmp_pdu& pdu) {
+  Collections::Owner owner{session, {}};
+  const auto* address = static_cast<const u8*>(pdu.transport_data);
+  if (address != nullptr && pdu.transport_data_length > 0)
+    owner.address.assign(address, address + pdu.transport_data_length);
+  return owner;
+}
 
 // The library's own road, with the outcome prepared.
 static int goOn(FrameTable& table, netsnmp_session* session, int id, netsnmp_pdu* pdu) {
@@ -63,7 +77,9 @@ int ModuleRoad::receive(netsnmp_session* session, int id, netsnmp_pdu* pdu) {
     return goOn(table_, session, id, pdu);
   if (isRepeated(session, pdu)) return 1;
   const std::size_t size = pdu->command == SNMP_MSG_SET ? pdu->variables->val_len : 0;
-  if (waiting_.size() >= kMostWaiting || bytes_ + size > kMostBytes) {
+  const bool rest =
+      pdu->command == SNMP_MSG_SET && collections_.isRest(FrameTable::messageOf(*pdu), ownerOf(session, *pdu));
+  if (rest || waiting_.size() >= kMostWaiting || bytes_ + size > kMostBytes) {
     table_.prepareRefusal(*pdu);
     return goOn(table_, session, id, pdu);
   }
@@ -82,6 +98,7 @@ int ModuleRoad::receive(netsnmp_session* session, int id, netsnmp_pdu* pdu) {
 // A manager that has lost patience asks again: it is answered once, as what it asked last.
 bool ModuleRoad::isRepeated(netsnmp_session* session, netsnmp_pdu* pdu) {
   for (Waiting& one : waiting_) {
+    if (one.pdu == nullptr) continue;
     const netsnmp_pdu& other = *one.pdu;
     if (one.session != session || other.reqid != pdu->reqid || other.command != pdu->command ||
         other.version != pdu->version || other.transport_data_length != pdu->transport_data_length ||
@@ -109,26 +126,45 @@ static void holdAnswer(const ModuleRequest& request, const host::Answer& answer)
   holdMessage(isGet ? messages::Road::getReply : messages::Road::setReply, request.id, *answer.reply);
 }
 
+// One piece more than there may be, and the module drops what it has collected. Pieces without a byte add nothing.
+static void endCollection(u16 id) {
+  constexpr int kMostPieces = 16;
+  std::vector<u8> none;
+  for (int i = 0; i <= kMostPieces; ++i) {
+    const host::Answer answer = host::agentSet(id, false, &none);
+    if (answer.result == 0 || FrameTable::isRefusal(answer)) return;
+  }
+}
+
 // Jobs are reports of what the request changed, and short.
-static host::Answer askModule(ModuleRequest& request) {
-  host::Answer answer;
+void ModuleRoad::askModule(Waiting& one) {
+  ModuleRequest& request = one.request;
+  const u32 refusals = host::poolRefusals();
   {
     const std::shared_lock gate(host::requestGate());
-    answer = request.column == kAnswer ? host::agentGet(request.id, &request.bytes)
-                                       : host::agentSet(request.id, request.column == kFrame, &request.bytes);
-    if (holdsMessages()) holdAnswer(request, answer);
+    if (one.ends) {
+      endCollection(request.id);
+    } else {
+      one.answer = request.column == kAnswer ? host::agentGet(request.id, &request.bytes)
+                                             : host::agentSet(request.id, request.column == kFrame, &request.bytes);
+      if (holdsMessages()) holdAnswer(request, one.answer);
+    }
   }
   host::runJobs();
-  return answer;
+  one.noMemory = host::poolRefusals() != refusals;
 }
 
 bool ModuleRoad::work(Turns& turns, int thread) {
   if (!hasWork()) return true;
+  if (!underWay_ && waiting_.front().ends && !collections_.ends(waiting_.front().request.id)) {
+    waiting_.pop_front();
+    return true;
+  }
   if (!underWay_) {
     underWay_ = true;
     Waiting& first = waiting_.front();
     turns.begin();
-    first.answer = askModule(first.request);
+    askModule(first);
     if (!turns.end(thread)) {
       done_ = true;
       wake();
@@ -144,14 +180,45 @@ bool ModuleRoad::work(Turns& turns, int thread) {
 void ModuleRoad::answerFirst() {
   Waiting& first = waiting_.front();
   bytes_ -= first.size;
+  noteCollection(first);
   if (first.session == nullptr) {
     table_.keepPiece(first.request, std::move(first.answer));
   } else {
-    table_.prepare(first.request, std::move(first.answer));
+    table_.prepare(first.request, std::move(first.answer), first.noMemory);
     goOn(table_, first.session, first.id, first.pdu);
   }
   waiting_.pop_front();
+  endCollections();
   host::zeroReply();
+}
+
+void ModuleRoad::noteCollection(const Waiting& done) {
+  const u16 id = done.request.id;
+  if (done.ends)
+    collections_.lapsed(id);
+  else if (done.request.column == kFrameMore && done.answer.result != 0 && !FrameTable::isRefusal(done.answer))
+    collections_.took(id, done.session == nullptr ? Collections::Owner{} : ownerOf(done.session, *done.pdu),
+                      Collections::Clock::now());
+  else if (done.request.column != kAnswer)
+    collections_.ended(id);
+}
+
+// What is due is ended behind the requests that wait. If one of them is a further
+// piece, it goes on.
+void ModuleRoad::endCollections() {
+  for (const u16 id : collections_.due(Collections::Clock::now())) {
+    Waiting& one = waiting_.emplace_back();
+    one.request.column = kFrameMore;
+    one.request.id = id;
+    one.ends = true;
+  }
+  if (collections_.empty() == (alarm_ == 0)) return;
+  if (alarm_ != 0) {
+    snmp_alarm_unregister(std::exchange(alarm_, 0));
+    return;
+  }
+  alarm_ = snmp_alarm_register(
+      1, SA_REPEAT, [](unsigned, void* road) { static_cast<ModuleRoad*>(road)->endCollections(); }, this);
 }
 
 void ModuleRoad::wake() { eventfd_write(event_.get(), 1); }
@@ -164,6 +231,8 @@ void ModuleRoad::awake() {
 void ModuleRoad::leave(const netsnmp_session* session) {
   for (Waiting& one : waiting_)
     if (one.session == session) one.session = nullptr;
+  collections_.leave(session);
+  endCollections();
 }
 
 }  // namespace msand

@@ -6,6 +6,7 @@
 #include <atomic>
 #include <list>
 
+#include "collections.h"
 #include "descriptor.h"
 #include "frame_table.h"
 #include "turns.h"
@@ -40,10 +41,15 @@ class ModuleRoad {
 
   bool isRepeated(netsnmp_session* session, netsnmp_pdu* pdu);
   void answerFirst();
+  void noteCollection(const Waiting& done);
+  void endCollections();
+  static void askModule(Waiting& one);
 
   FrameTable& table_;
   Descriptor event_;
   std::list<Waiting> waiting_;
+  Collections collections_;
+  u32 alarm_ = 0;                  // looks for collections that are due, while there are any
   std::size_t bytes_ = 0;          // of all that wait
   bool underWay_ = false;          // the first of them is the module's,
   std::atomic<bool> done_{false};  // which has answered it, to a thread that does not lead

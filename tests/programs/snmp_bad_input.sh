@@ -6,6 +6,19 @@ name="6D 73 61 6E"  # of the node
 alive() { expect "the agent goes on behind $1" "$name" "$(manager snmpget -Ov "$udp" .1.3.6.1.2.1.1.5.0)"; }
 msanFrame() { run "$bin/msan-frame" "$@"; }
 
+# --- pieces that no others follow: they hold the module's memory until their manager has gone
+expect "a piece of a frame" "$table.1.2.3087 00" "$(manager snmpset "$udp" $table.1.2.3087 x 00)"
+for id in 3093 3080; do
+  expectMatch "there is memory for one" "*resourceUnavailable*" "$(manager snmpset "$udp" $table.1.2.$id x 00)"
+done
+msanFrame --agent "$udp" set 3087 00
+expect "the last piece" 1 "$code"
+for id in 3087 3093 3080 3087; do
+  expect "a piece of a manager that goes then" "$table.1.2.$id 00" "$(manager snmpset "$tcp" $table.1.2.$id x 00)"
+done
+expect "memory for others" "$table.1.2.3093 00" "$(manager snmpset "$udp" $table.1.2.3093 x 00)"
+msanFrame --agent "$udp" set 3093 00
+
 # --- lengths
 for agent in "$udp" "$tcp"; do
   for length in 0 1; do

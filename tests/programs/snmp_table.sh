@@ -22,12 +22,15 @@ for agent in "$udp" "$tcp"; do
     "$(manager snmpget -Ov "$agent" $table.1.3.3087)"
   expect "and the accepted one stays" "$(frame 2 | sed 's/../& /g; s/ $//')" \
     "$(manager snmpget -Ov "$agent" $table.1.1.3087)"
-  half=$(frame 1)
-  expectMatch "a piece of a frame" "$table.1.2.3087 *" "$(manager snmpset "$agent" $table.1.2.3087 x "${half:0:100}")"
-  expectMatch "changes nothing" "*DTMF*" "$(ctl -c "show cid mode")"
-  manager snmpset "$agent" $table.1.1.3087 x "${half:100}" >/dev/null
-  expectMatch "the last one does" "*FSK*" "$(ctl -c "show cid mode")"
+  "$bin/msan-frame" --agent "$agent" --piece 50 set 3087 "$(frame 1)" >/dev/null
+  expectMatch "a frame in pieces" "*FSK*" "$(ctl -c "show cid mode")"
 done
+ctl -c "set cid mode dtmf" >/dev/null
+half=$(frame 1)
+expectMatch "a piece of a frame" "$table.1.2.3087 *" "$(manager snmpset "$udp" $table.1.2.3087 x "${half:0:100}")"
+expectMatch "changes nothing" "*DTMF*" "$(ctl -c "show cid mode")"
+manager snmpset "$udp" $table.1.1.3087 x "${half:100}" >/dev/null
+expectMatch "the last one does" "*FSK*" "$(ctl -c "show cid mode")"
 
 # --- errors
 expectMatch "an id that is unknown" "*noCreation*" "$(manager snmpset "$udp" $table.1.1.9 x "$(frame 1)")"
