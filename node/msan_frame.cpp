@@ -9,10 +9,11 @@
 #include "frame/client.h"
 #include "host/hex.h"
 #include "scenario/arguments.h"
+#include "standard_output.h"
 
 namespace {
 
-enum ExitCode { kDone = 0, kRefused = 1, kBadUse = 2, kNoAnswer = 3 };
+enum ExitCode { kDone = 0, kRefused = 1, kBadUse = 2, kNoAnswer = 3, kOutputLost = 3 };
 
 struct Options {
   frame::Access access;
@@ -52,7 +53,9 @@ void declare(CLI::App& app, Options& options) {
   declareRequest(*options.query, options, true);
   declareRequest(*app.add_subcommand("get", "prints what the node answers, piece by piece"), options, false);
   app.require_subcommand(1);
-  app.footer("Exit codes: 0 done, 1 the node refused it, 2 bad options or bytes, 3 no answer or no access.");
+  app.footer(
+      "Exit codes: 0 done, 1 the node refused it, 2 bad options or bytes, 3 no answer, no access, or\n"
+      "output that can't be written.");
 }
 
 std::string environment(const char* name) {
@@ -97,9 +100,7 @@ int run(const Options& options) {
   return good ? kDone : kRefused;
 }
 
-}  // namespace
-
-int main(int argc, char** argv) {
+int runProgram(int argc, char** argv) {
   Options options;
   CLI::App app("Sends a node the frames of its messages, over SNMP.", "msan-frame");
   declare(app, options);
@@ -119,4 +120,11 @@ int main(int argc, char** argv) {
     std::fprintf(stderr, "msan-frame: %s\n", error.what());
     return kNoAnswer;
   }
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  output::keepStandardDescriptors();
+  return output::exitCode(runProgram(argc, argv), "msan-frame", kOutputLost);
 }

@@ -8,6 +8,7 @@
 
 #include "host/log.h"
 #include "scenario/modes.h"
+#include "standard_output.h"
 
 namespace {
 
@@ -50,7 +51,8 @@ void describe(CLI::App& app, Options& options) {
       if (one != other) one->excludes(other);
   app.footer(
       "Without an option the files are played and compared with the expectations in them.\n"
-      "Exit codes: 0 good, 1 something differs, 2 a bad file or option, 3 the node can't be started.");
+      "Exit codes: 0 good, 1 something differs, 2 a bad file or option, 3 the node can't be started, or\n"
+      "output can't be written.");
 }
 
 int run(const Options& options) {
@@ -69,9 +71,7 @@ int run(const Options& options) {
   return scenario::playFiles(module, scenarios);
 }
 
-}  // namespace
-
-int main(int argc, char** argv) {
+int runProgram(int argc, char** argv) {
   CLI::App app("Plays scenario files against a fresh node and compares what it does with what they expect.",
                "msan-scenario");
   Options options;
@@ -88,4 +88,11 @@ int main(int argc, char** argv) {
     std::fprintf(stderr, "msan-scenario: %s\n", error.what());
     return scenario::kNoNode;
   }
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  output::keepStandardDescriptors();
+  return output::exitCode(runProgram(argc, argv), "msan-scenario", scenario::kOutputLost);
 }

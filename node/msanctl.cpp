@@ -14,10 +14,11 @@
 #include "batch.h"
 #include "connection.h"
 #include "interactive.h"
+#include "standard_output.h"
 
 namespace {
 
-enum ExitCode { kDone = 0, kLineFailed = 1, kBadUse = 2, kNoNode = 3 };
+enum ExitCode { kDone = 0, kLineFailed = 1, kBadUse = 2, kNoNode = 3, kOutputLost = 3 };
 
 struct Options {
   std::string socket = "/run/msan/msand.socket";
@@ -38,7 +39,8 @@ void declare(CLI::App& app, Options& options) {
       ->check(CLI::Range(0, 3600));
   app.footer(
       "Without -c and -f: a terminal, or the lines of standard input if that is none.\n"
-      "Exit codes: 0 all lines did well, 1 a line failed, 2 bad options or an unreadable file, 3 no msand.");
+      "Exit codes: 0 all lines did well, 1 a line failed, 2 bad options or an unreadable file, 3 no msand, or\n"
+      "output that can't be written.");
 }
 
 // Runs a file's lines; the exit code.
@@ -71,9 +73,7 @@ int run(const Options& options) {
   return runFile(connection, "-");
 }
 
-}  // namespace
-
-int main(int argc, char** argv) {
+int runProgram(int argc, char** argv) {
   Options options;
   CLI::App app("The operator's terminal of a node.", "msanctl");
   declare(app, options);
@@ -91,4 +91,11 @@ int main(int argc, char** argv) {
     std::fprintf(stderr, "msanctl: %s\n", error.what());
     return kBadUse;
   }
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  output::keepStandardDescriptors();
+  return output::exitCode(runProgram(argc, argv), "msanctl", kOutputLost);
 }

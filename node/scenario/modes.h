@@ -11,7 +11,8 @@ namespace scenario {
 inline constexpr int kGood = 0;
 inline constexpr int kDiffers = 1;
 inline constexpr int kBadFile = 2;
-inline constexpr int kNoNode = 3;  // the node can't be started
+inline constexpr int kNoNode = 3;      // the node can't be started
+inline constexpr int kOutputLost = 3;  // standard output can't be written
 
 // Reads files; "-" is standard input. What is bad is told on standard error, and `bad` is set.
 std::vector<Scenario> loadScenarios(const std::vector<std::string>& files, bool& bad);
