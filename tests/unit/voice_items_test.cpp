@@ -4,6 +4,7 @@
 #include <tuple>
 
 #include "host/agent.h"
+#include "messages/layout.h"
 #include "module_fixture.h"
 #include "ppda/volt_current.h"
 #include "voice/common/voice_packets.h"
@@ -170,6 +171,7 @@ TEST_F(VoiceMD5Test, Catalogue) {
   std::string messages;
   for (const host::Announced& message : host::announcedMessages()) {
     messages += std::to_string(message.id) + " " + message.text + "\n";
+    EXPECT_NE(messages::book().find(message.id), nullptr) << message.id << " is described";
   }
   EXPECT_EQ(messages,
             "34661 test\n34662 test\n2837 test\n34664 test\n34665 test\n2838 test\n2860 test\n"
