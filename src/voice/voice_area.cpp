@@ -16,6 +16,9 @@
 #include "voice/globals/signalToneTimer.h"
 #include "voice/globals/voiceMD5.h"
 #include "voice/globals/voiceTimer.h"
+#include "voice/status/node_views.h"
+#include "voice/status/onhook.h"
+#include "voice/status/port_views.h"
 
 // The node's global items, in the order in which they store their defaults, register, install their commands and print
 // their lines of the running configuration.
@@ -42,15 +45,22 @@ static int msanNGNDataInit() { return initItems(ngnItems); }
 static int msanNGNSnmpMsgRegister() { return registerItems(ngnItems); }
 static int msan_cmd_init() {
   installItems(ngnItems);
+  installOnhookCommand();
   return installCommands(commands);
 }
 
 static int msan_ngn_cfg_init() { return initItems(ngnConfiguration); }
 static int mgc_reg_cfg_regsnmpcmd_handle() { return registerItems(mgcRegisterItems); }
-static int reg_snmp_cmd_data() { return registerItems(ngnConfiguration); }
+static int reg_snmp_cmd_data() {
+  registerItems(ngnConfiguration);
+  registerNodeViews();
+  return registerPortViews();
+}
 static int ninstall_mgc_register_cmdline() { return installItems(mgcRegisterItems); }
 static int install_sim_cmd_line() {
   installItems(ngnConfiguration);
+  installNodeViews();
+  installPortViews();
   return installPotsGeneralCommands();
 }
 static int install_msan_ngncfg_showrun(Vty* vty) { return showrunItems(ngnConfiguration, vty); }

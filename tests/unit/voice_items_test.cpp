@@ -188,7 +188,11 @@ TEST_F(VoiceMD5Test, Catalogue) {
             "3080 Set voice timers\n"
             "3093 Control MGC registration\n"
             "3073 Set MGC configuration\n"
-            "2841 Set POTS general parameters\n");
+            "2841 Set POTS general parameters\n"
+            "3096 Get voice device status\n3097 Get voice IP status\n"
+            "3098 Get signalling packets statistics information\n3099 Get calling statistics information\n"
+            "3100 Get NGN user port status\n3101 Get voice stream port statistics information\n"
+            "3102 Get port calling statistics information\n");
   std::string commands;
   for (const host::InstalledCommand& command : host::installedCommands()) {
     commands += std::to_string(command.node) + " " + command.syntax + "\n";
@@ -298,6 +302,7 @@ TEST_F(VoiceMD5Test, Catalogue) {
       "<shortTimer> notify-immediately [yes|no]\n"
       "50 show voice timer\n"
       "50 [distribute|erase] voice timer\n"
+      "50 show onhook state slot <slotNo> {port <portNo>}*1\n"
       "50 showrun msan ngn\n"
       "50 set mgc [primary|secondary] [register|unregister]\n"
       "50 show mgc configuration\n"
@@ -305,6 +310,11 @@ TEST_F(VoiceMD5Test, Catalogue) {
       "50 set mgc heartbeat [disable|initiative|passive] {interval <bInterval> timeouts <bTimeouts> format "
       "[notify|servicechange]}*1\n"
       "50 [distribute|erase] mgc configuration\n"
+      "50 show voice device status\n50 show voice ip status\n"
+      "50 show signalling packets statistics information\n50 show call statistics information\n"
+      "50 show ngn user port status interface <ifStr>\n"
+      "50 show voice stream port statistics information interface <ifStr>\n"
+      "50 show port call statistics information interface <ifStr>\n"
       "50 set pots general para pulse width <pulseWidth> interval <pulseInterval> flash width <flashWidth>\n"
       "50 set pots general para bill type [12kc|16kc|anc] pulse voltage <billPulseVoltage>\n"
       "50 set pots general para impedance mode [560|600|680]\n"

@@ -94,7 +94,7 @@ static void dump(const u8* packet, u32 length) { ulogTypePkt(gModuleId_Msan, 10,
 int answerError(const SnmpCall& call, const SnmpErrInfo& err, const char* why, Where where) {
   buildSnmpErrRetPkt(call.reply, call.replyLen, call.id, &err);
   dump(call.reply, 32);
-  printTrace(where, why);
+  printTrace(where, why, call.id);
   return -1;
 }
 
@@ -185,16 +185,24 @@ int snmpOrder(const VoiceItem& item, const SnmpCall& call, Where where) {
   return answerSuccess(call, 0);
 }
 
-int snmpGet(const VoiceItem& item, const SnmpCall& call) {
-  const Where where = item.at(item.names->snmpGet);
-  if (call.id != item.id) {
+int beginGet(u16 id, const SnmpCall& call, Asks asks, Where where) {
+  if (call.id != id) {
     printTrace(where, "invalid SNMP command ID: 0x%04X", call.id);
     return -1;
   }
-  if (nIsSnmpGetParaNull(call.lastFlagOut, call.reply, call.replyLen)) {
+  const bool data = asks == Asks::something;
+  if (data ? nIsSnmpGetParaNullEx(call.lastFlagOut, call.data, call.reply, call.replyLen)
+           : nIsSnmpGetParaNull(call.lastFlagOut, call.reply, call.replyLen)) {
     printTrace(where, "SNMP para is NULL");
     return -1;
   }
+  if (data && call.length > 0) dump(call.data, static_cast<u32>(call.length));
+  return 0;
+}
+
+int snmpGet(const VoiceItem& item, const SnmpCall& call) {
+  const Where where = item.at(item.names->snmpGet);
+  if (beginGet(item.id, call, Asks::nothing, where) != 0) return -1;
   DataList list;
   if (getUnits(item, list) != 0) return answerFailed(call, "get configuration failed", where);
   Writer out(WireOut(call.reply + kReplyArea, kMaxPacket - kReplyArea));

@@ -147,8 +147,12 @@ int snmpOrder(const VoiceItem& item, const SnmpCall& call, Where where = Where::
 // A GET: read, encode, reply. 0 or -1.
 int snmpGet(const VoiceItem& item, const SnmpCall& call);
 
+// The head of a GET, which reads its frame or not. 0, or -1 without a reply.
+enum class Asks : u8 { nothing, something };
+int beginGet(u16 id, const SnmpCall& call, Asks asks, Where where);
+
 // The ends of a request: the packet with what `err` holds, or with the code of a step that has none of its own, -1; or
-// 00 00 00 01 ahead of `payload` bytes, 0.
+// 00 00 00 01 ahead of `payload` bytes, 0. `why` is traced, and may show the id.
 int answerError(const SnmpCall& call, const SnmpErrInfo& err, const char* why, Where where);
 int answerFailed(const SnmpCall& call, const char* why, Where where);
 int answerSuccess(const SnmpCall& call, u32 payload);
