@@ -16,6 +16,7 @@
 #include "voice/globals/signalToneTimer.h"
 #include "voice/globals/voiceMD5.h"
 #include "voice/globals/voiceTimer.h"
+#include "voice/status/callSimulation.h"
 #include "voice/status/node_views.h"
 #include "voice/status/onhook.h"
 #include "voice/status/port_views.h"
@@ -54,13 +55,15 @@ static int mgc_reg_cfg_regsnmpcmd_handle() { return registerItems(mgcRegisterIte
 static int reg_snmp_cmd_data() {
   registerItems(ngnConfiguration);
   registerNodeViews();
-  return registerPortViews();
+  registerPortViews();
+  return registerCallSimulation();
 }
 static int ninstall_mgc_register_cmdline() { return installItems(mgcRegisterItems); }
 static int install_sim_cmd_line() {
   installItems(ngnConfiguration);
   installNodeViews();
   installPortViews();
+  installCallSimulation();
   return installPotsGeneralCommands();
 }
 static int install_msan_ngncfg_showrun(Vty* vty) { return showrunItems(ngnConfiguration, vty); }

@@ -192,7 +192,10 @@ TEST_F(VoiceMD5Test, Catalogue) {
             "3096 Get voice device status\n3097 Get voice IP status\n"
             "3098 Get signalling packets statistics information\n3099 Get calling statistics information\n"
             "3100 Get NGN user port status\n3101 Get voice stream port statistics information\n"
-            "3102 Get port calling statistics information\n");
+            "3102 Get port calling statistics information\n"
+            "3103 Start call in simulation\n3104 Get call in simulation information\n3105 Stop call in simulation\n"
+            "3106 Start call out simulation\n3107 Get call out simulation information\n"
+            "3108 Stop call out simulation\n");
   std::string commands;
   for (const host::InstalledCommand& command : host::installedCommands()) {
     commands += std::to_string(command.node) + " " + command.syntax + "\n";
@@ -315,6 +318,13 @@ TEST_F(VoiceMD5Test, Catalogue) {
       "50 show ngn user port status interface <ifStr>\n"
       "50 show voice stream port statistics information interface <ifStr>\n"
       "50 show port call statistics information interface <ifStr>\n"
+      "50 start call in simulation timeout <simTimeout> interface <ifStr>\n"
+      "50 stop call in simulation interface <ifStr>\n"
+      "50 start call out simulation timeout <simTimeout> telephone number <startNumber> step <numberStep> interface "
+      "<ifStr>\n"
+      "50 stop call out simulation interface <ifStr>\n"
+      "50 show call in simulation status interface <ifStr>\n"
+      "50 show call out simulation status interface <ifStr>\n"
       "50 set pots general para pulse width <pulseWidth> interval <pulseInterval> flash width <flashWidth>\n"
       "50 set pots general para bill type [12kc|16kc|anc] pulse voltage <billPulseVoltage>\n"
       "50 set pots general para impedance mode [560|600|680]\n"

@@ -27,7 +27,7 @@ static int finishGet(const SnmpCall& call, u32 payload) {
   return answerSuccess(call, payload);
 }
 
-static void showHeading(Vty* vty, const ViewNames& names) {
+void showHeading(Vty* vty, const ViewNames& names) {
   vty_out(vty, "\r\n %s", names.title);
   vty_out(vty, "\r\n ");
   for (u32 i = 0; i < names.dashes; ++i) vty_out(vty, "-");
@@ -42,7 +42,7 @@ static int finishView(Vty* vty, const ViewNames& names) {
 
 int snmpGet(const NodeView& view, const SnmpCall& call) {
   const Where where = view.names.at("snmp_get_*");
-  if (beginGet(view.id, call, Asks::nothing, where) != 0) return -1;
+  if (beginRequest(view.id, call, Asks::nothing, where) != 0) return -1;
   PoolBytes record;
   if (view.build != nullptr && (record = zeroed(view.bytes, where)) == nullptr) return -1;
   putNumber(call.reply + kReplyArea, 4, 1);
@@ -154,7 +154,7 @@ static int answerPorts(const PortView& view, const SnmpCall& call, WireIn list, 
 
 int snmpGet(const PortView& view, const SnmpCall& call) {
   const Where where = view.names.at("snmp_get_*");
-  if (beginGet(view.id, call, Asks::something, where) != 0) return -1;
+  if (beginRequest(view.id, call, Asks::something, where) != 0) return -1;
   SnmpErrInfo err;
   const i32 length = call.length - static_cast<i32>(kArea);
   if (nCheckSnmpItemsLength(call.data + kArea, length, kLocation, 4, 0, kMostAsked, &err, where) != 0)

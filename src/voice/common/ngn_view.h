@@ -45,6 +45,9 @@ struct PortView {
   std::span<const ShownField> fields;
 };
 
+// The title above its rule.
+void showHeading(Vty* vty, const ViewNames& names);
+
 int snmpGet(const NodeView& view, const SnmpCall& call);
 int snmpGet(const PortView& view, const SnmpCall& call);
 int showView(const NodeView& view, Vty* vty, int argc, char** argv);

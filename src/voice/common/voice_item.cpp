@@ -110,17 +110,20 @@ int answerSuccess(const SnmpCall& call, u32 payload) {
   return 0;
 }
 
-// The head of a SET: what every one of them is asked first. 0 or -1, without a reply.
-static int beginSet(const VoiceItem& item, const SnmpCall& call, Where where) {
-  if (call.id != item.id) {
+int beginRequest(u16 id, const SnmpCall& call, Asks asks, Where where) {
+  if (call.id != id) {
     printTrace(where, "invalid SNMP command ID: 0x%04X", call.id);
     return -1;
   }
-  if (nIsSnmpSetParaNull(call.data, call.reply, call.replyLen)) {
+  const int null = asks == Asks::nothing ? nIsSnmpGetParaNull(call.lastFlagOut, call.reply, call.replyLen)
+                   : asks == Asks::orders
+                       ? nIsSnmpSetParaNull(call.data, call.reply, call.replyLen)
+                       : nIsSnmpGetParaNullEx(call.lastFlagOut, call.data, call.reply, call.replyLen);
+  if (null != 0) {
     printTrace(where, "SNMP para is NULL");
     return -1;
   }
-  if (call.length > 0) dump(call.data, static_cast<u32>(call.length));
+  if (asks != Asks::nothing && call.length > 0) dump(call.data, static_cast<u32>(call.length));
   return 0;
 }
 
@@ -155,7 +158,7 @@ static int forwardSet(const VoiceItem& item, const SnmpCall& call, u32 units) {
 
 int snmpSet(const VoiceItem& item, const SnmpCall& call) {
   const Where where = item.at(item.names->snmpSet);
-  if (beginSet(item, call, where) != 0) return -1;
+  if (beginRequest(item.id, call, Asks::orders, where) != 0) return -1;
   u32 units = 0;
   {
     DataList list;
@@ -174,7 +177,7 @@ int snmpSet(const VoiceItem& item, const SnmpCall& call) {
 }
 
 int snmpOrder(const VoiceItem& item, const SnmpCall& call, Where where) {
-  if (beginSet(item, call, where) != 0) return -1;
+  if (beginRequest(item.id, call, Asks::orders, where) != 0) return -1;
   u32 units = 0;
   {
     DataList list;
@@ -185,24 +188,9 @@ int snmpOrder(const VoiceItem& item, const SnmpCall& call, Where where) {
   return answerSuccess(call, 0);
 }
 
-int beginGet(u16 id, const SnmpCall& call, Asks asks, Where where) {
-  if (call.id != id) {
-    printTrace(where, "invalid SNMP command ID: 0x%04X", call.id);
-    return -1;
-  }
-  const bool data = asks == Asks::something;
-  if (data ? nIsSnmpGetParaNullEx(call.lastFlagOut, call.data, call.reply, call.replyLen)
-           : nIsSnmpGetParaNull(call.lastFlagOut, call.reply, call.replyLen)) {
-    printTrace(where, "SNMP para is NULL");
-    return -1;
-  }
-  if (data && call.length > 0) dump(call.data, static_cast<u32>(call.length));
-  return 0;
-}
-
 int snmpGet(const VoiceItem& item, const SnmpCall& call) {
   const Where where = item.at(item.names->snmpGet);
-  if (beginGet(item.id, call, Asks::nothing, where) != 0) return -1;
+  if (beginRequest(item.id, call, Asks::nothing, where) != 0) return -1;
   DataList list;
   if (getUnits(item, list) != 0) return answerFailed(call, "get configuration failed", where);
   Writer out(WireOut(call.reply + kReplyArea, kMaxPacket - kReplyArea));

@@ -147,9 +147,10 @@ int snmpOrder(const VoiceItem& item, const SnmpCall& call, Where where = Where::
 // A GET: read, encode, reply. 0 or -1.
 int snmpGet(const VoiceItem& item, const SnmpCall& call);
 
-// The head of a GET, which reads its frame or not. 0, or -1 without a reply.
-enum class Asks : u8 { nothing, something };
-int beginGet(u16 id, const SnmpCall& call, Asks asks, Where where);
+// What every request is asked first: its id, and whether all it needs is there. A GET may read its frame or not; what
+// orders something leaves the last flag alone. 0, or -1 without a reply.
+enum class Asks : u8 { nothing, something, orders };
+int beginRequest(u16 id, const SnmpCall& call, Asks asks, Where where);
 
 // The ends of a request: the packet with what `err` holds, or with the code of a step that has none of its own, -1; or
 // 00 00 00 01 ahead of `payload` bytes, 0. `why` is traced, and may show the id.
