@@ -17,6 +17,8 @@
 #include "voice/globals/voiceMD5.h"
 #include "voice/globals/voiceTimer.h"
 #include "voice/status/callSimulation.h"
+#include "voice/status/msan_112test.h"
+#include "voice/status/msan_ngn_user_register.h"
 #include "voice/status/node_views.h"
 #include "voice/status/onhook.h"
 #include "voice/status/port_views.h"
@@ -72,8 +74,10 @@ static constexpr SlotStep ngnDataDistribute[] = {distrib_pots_general_para};
 static int ngn_data_distribute(u16 slot) { return callAll(ngnDataDistribute, slot); }
 
 static constexpr Step init[] = {msanNGNDataInit, msan_ngn_cfg_init};
-static constexpr Step snmpRegister[] = {msanNGNSnmpMsgRegister, mgc_reg_cfg_regsnmpcmd_handle, reg_snmp_cmd_data};
-static constexpr Step install[] = {msan_cmd_init, ninstall_mgc_register_cmdline, install_sim_cmd_line};
+static constexpr Step snmpRegister[] = {msanNGNSnmpMsgRegister, mgc_reg_cfg_regsnmpcmd_handle, usereg_regsnmpcmd_handle,
+                                        test112_regsnmp_cmdhandle, reg_snmp_cmd_data};
+static constexpr Step install[] = {msan_cmd_init, ninstall_mgc_register_cmdline, ninstall_ngnuser_register_cmdline,
+                                   install_msan_112test_defun, install_sim_cmd_line};
 static constexpr PrintStep showrun[] = {msan_ngn_showrun, install_msan_ngncfg_showrun};
 
 int msanVoice_Init() {

@@ -203,27 +203,26 @@ template <const Simulation& simulation>
 static int simulatePorts(const CommandElement*, Vty* vty, int argc, char** argv) {
   if (argc != 1) return badQuantity(vty);
   DataList ports;
-  return readPorts(vty, argv[0], kLocationAttribute, simulation.bytes, ports) == 0 ? simulate(vty, simulation, ports)
-                                                                                   : -1;
+  return readPorts(vty, argv[0], kLocationAttribute, simulation.ports.bytes, ports) == 0
+             ? simulate(vty, simulation, ports)
+             : -1;
 }
 
 // --- Rows ---
 
 constexpr Simulation callInStart = {
-    .id = 3103,
+    .ports = {.id = 3103, .shape = &inShape, .bytes = sizeof(CallInStart)},
     .names = {.stem = "snmp_set_call_in_start",
               .showStem = "distrib_call_in_start",
               .title = "Call In Simulation Start Confirm",
               .dashes = 35,
               .words = "set call in simulation start configuration",
               .text = "Start call in simulation"},
-    .shape = &inShape,
-    .bytes = sizeof(CallInStart),
     .answerUnit = 120,
     .fields = inStartShown,
 };
 constexpr Simulation callInStatus = {
-    .id = 3104,
+    .ports = {.id = 3104},
     .names = {.stem = "snmp_get_call_in_status",
               .showStem = "get_call_in_status",
               .title = "Call In Simulation Status",
@@ -235,7 +234,7 @@ constexpr Simulation callInStatus = {
     .fields = inStatusShown,
 };
 constexpr Simulation callInStop = {
-    .id = 3105,
+    .ports = {.id = 3105},
     .names = {.stem = "snmp_set_call_in_stop",
               .showStem = "distrib_call_in_stop",
               .title = "Call In Simulation Stop Confirm",
@@ -246,22 +245,22 @@ constexpr Simulation callInStop = {
     .fields = inStopShown,
 };
 constexpr Simulation callOutStart = {
-    .id = 3106,
+    .ports = {.id = 3106,
+              .shape = &outShape,
+              .bytes = sizeof(CallOutStart),
+              .check = onRecord<check_call_out_start>,
+              .checkList = checkDuplicates},
     .names = {.stem = "snmp_get_call_out_start",
               .showStem = "distrib_call_out_start",
               .title = "Call Out Simulation Start Confirm",
               .dashes = 35,
               .words = "set call out simulation start configuration",
               .text = "Start call out simulation"},
-    .shape = &outShape,
-    .bytes = sizeof(CallOutStart),
-    .check = onRecord<check_call_out_start>,
-    .checkList = checkDuplicates,
     .answerUnit = 154,
     .fields = outStartShown,
 };
 constexpr Simulation callOutStatus = {
-    .id = 3107,
+    .ports = {.id = 3107},
     .names = {.stem = "snmp_get_call_out_status",
               .showStem = "get_call_out_status",
               .title = "Call Out Simulation Status",
@@ -273,7 +272,7 @@ constexpr Simulation callOutStatus = {
     .fields = outStatusShown,
 };
 constexpr Simulation callOutStop = {
-    .id = 3108,
+    .ports = {.id = 3108},
     .names = {.stem = "snmp_set_call_out_stop",
               .showStem = "distrib_call_out_stop",
               .title = "Call Out Simulation Stop Confirm",

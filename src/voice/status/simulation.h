@@ -5,24 +5,18 @@
 // Requests are big-endian; the answers' numbers stand as the processor keeps them, also in what a manager gets.
 
 #include "voice/common/ngn_view.h"
+#include "voice/common/port_units.h"
 
 struct Simulation {
-  u16 id;
+  PortUnits ports;  // as they are asked for
   // The stems are the whole names of the manager's handler and of the command's operation, the words those of its last
   // line: "<words> successfully."
   ViewNames names;
   Asks asks = Asks::orders;
-  // What a port's unit holds behind its location; null: 64 reserved bytes.
-  const Record* shape = nullptr;
-  u32 bytes = 2;                                         // of a port's record in memory
-  int (*check)(const void*, SnmpErrInfo*) = nullptr;     // of a port's record; null: its fields' ranges
-  int (*checkList)(LIST* list, SnmpErrInfo*) = nullptr;  // behind the check of each port
   u32 answerUnit;
   std::span<const ShownField> fields;
 
-  constexpr u32 unit() const { return kLocation + (shape != nullptr ? shape->unit : 64); }
   constexpr u32 mostReply() const { return 4 + kMaxLocations * (answerUnit + kGap); }
-  static constexpr u32 kLocation = 20;
   static constexpr u32 kGap = 480;  // behind each unit in a manager's answer
 };
 
@@ -40,5 +34,6 @@ int simulationGet(u16 id, u8* last, u8* data, i32 length, u8* reply, u32* replyL
 }
 template <const Simulation& simulation>
 constexpr SnmpMsgReg simulationMessage() {
-  return {simulation.id, {0, 0}, nullptr, simulationGet<simulation>, simulation.mostReply(), simulation.names.text};
+  return {simulation.ports.id,  {0, 0}, nullptr, simulationGet<simulation>, simulation.mostReply(),
+          simulation.names.text};
 }
