@@ -2,8 +2,10 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <stdexcept>
+#include <unordered_set>
 
 #include "files.h"
 #include "host/database.h"
@@ -40,25 +42,37 @@ std::string printRunning(node::Node& node, std::string& missing) {
   return printed;
 }
 
-void Startup::checkLoss() const {
+// A line that failed and is printed again, as those of profiles that can't be changed, is not lost.
+static std::size_t countLost(const std::vector<std::string>& failed, std::string_view text) {
+  if (failed.empty()) return 0;
+  std::unordered_set<std::string_view> kept;
+  for (std::size_t at = 0, end = 0; at < text.size(); at = end + 1) {
+    end = std::min(text.find('\n', at), text.size());
+    kept.insert(text.substr(at, end - at));
+  }
+  return static_cast<std::size_t>(
+      std::ranges::count_if(failed, [&](const std::string& line) { return !kept.contains(line); }));
+}
+
+void Startup::checkLoss(std::string_view text) const {
   if (!unread_.empty())
     throw std::runtime_error(
         fmt::format("the file was not executed at start ({}); \"write force\" keeps it under another name", unread_));
-  if (failed_ != 0)
+  if (const std::size_t lost = countLost(failed_, text); lost != 0)
     throw std::runtime_error(fmt::format(
-        "{}: {} lines failed at start and would be lost; \"write force\" writes nevertheless", path_, failed_));
+        "{}: {} lines failed at start and would be lost; \"write force\" writes nevertheless", path_, lost));
 }
 
 std::string Startup::write(node::Node& node, bool force) {
-  if (!force) checkLoss();
   std::string missing;
   const std::string text = asFile(printRunning(node, missing));
+  if (!force) checkLoss(text);
   if (!missing.empty() && !force)
     throw std::runtime_error(fmt::format("{}: the running configuration is incomplete: {}", path_, missing));
   const std::string kept = unread_.empty() ? "" : keepAside(path_);
   replaceFile(path_, text);
   unread_.clear();
-  failed_ = 0;
+  failed_.clear();
   return kept.empty() ? "" : fmt::format("the old file is kept as {}", kept);
 }
 
@@ -90,17 +104,18 @@ bool Startup::execute(node::Node& node, const std::function<bool()>& stopped) {
   const bool whole = node.executeStartup(
       text,
       [&](const node::FailedLine& line) {
-        if (++failed_ > kMaxTold) return;
+        failed_.push_back(line.command);
+        if (failed_.size() > kMaxTold) return;
         const std::string command = printable(std::string_view(line.command).substr(0, kMaxShown));
         complain(fmt::format("{}:{}: {}: {}", path_, line.line, command, why(line)));
       },
       stopped);
-  if (failed_ > kMaxTold) complain(fmt::format("{}: {} more lines failed", path_, failed_ - kMaxTold));
+  if (failed_.size() > kMaxTold) complain(fmt::format("{}: {} more lines failed", path_, failed_.size() - kMaxTold));
   if (!whole) {
     note(fmt::format("told to stop while the startup configuration {} was executed", path_));
   } else if (there) {
-    const std::string told = fmt::format("startup configuration {} executed, {} lines failed", path_, failed_);
-    failed_ == 0 ? note(told) : warn(told);
+    const std::string told = fmt::format("startup configuration {} executed, {} lines failed", path_, failed_.size());
+    failed_.empty() ? note(told) : warn(told);
   }
   return whole;
 }

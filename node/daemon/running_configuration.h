@@ -3,6 +3,8 @@
 
 #include <functional>
 #include <string>
+#include <string_view>
+#include <vector>
 
 #include "node.h"
 
@@ -28,11 +30,11 @@ class Startup {
 
  private:
   bool read(std::string& text);
-  void checkLoss() const;
+  void checkLoss(std::string_view text) const;
 
   std::string path_;
-  std::string unread_;  // why the file was not read at start; empty: it was, or is not there
-  u32 failed_ = 0;      // lines of it that failed at start
+  std::string unread_;               // why the file was not read at start; empty: it was, or is not there
+  std::vector<std::string> failed_;  // lines of it that failed at start
 };
 
 }  // namespace msand

@@ -14,6 +14,7 @@
 #include "platform/pool.h"
 #include "platform/tables.h"
 #include "ppda/volt_current.h"
+#include "voice/port/voice_port_record.h"
 
 i32 gModuleId_Msan = 0;
 i32 g_MsanMemPoolId = 0;
@@ -31,7 +32,7 @@ static constexpr SlotStep hotplug[] = {msan_combo_hotplug, msan_ppda_hotplug,  m
                                        msan_mcast_hotplug, msan_voice_hotplug, send_ngn_voice_rtp_ip_by_slot};
 
 // The database side of a slot that is given a card type, and of one that loses it.
-static constexpr SlotStep cardAuthorised[] = {volt_current_callback_after_cardauth_db};
+static constexpr SlotStep cardAuthorised[] = {init_voiceport_cfg, volt_current_callback_after_cardauth_db};
 static constexpr SlotStep cardUnauthorised[] = {delObjAttrBySlot};
 
 int inRecoverConfProcess() { return is_cliFastMode(); }

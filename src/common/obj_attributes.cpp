@@ -13,6 +13,7 @@
 #include "platform/objects.h"
 #include "ppda/volt_current.h"
 #include "voice/common/voice_msc.h"
+#include "voice/port/voice_port_record.h"
 
 // How an attribute is stored; all take the object's id, the data, offset and length.
 struct Attribute {
@@ -28,6 +29,7 @@ static int getPlain(u32 objectId, void* data, u32 offset, u32 length) {
 }
 
 static constexpr Attribute attributes[] = {
+    {kVoicePortAttribute, set_voiceportcfg_dbapi, get_voiceportcfg_dbapi},
     {kVlanAttribute, set_port_vlan_cfg_db_api, get_port_vlan_cfg_db_api},
     {kAdslLineAttribute, set_adsl_prf_att_dbapi, getPlain<get_adsl_prf_att_dbapi>},
     {kPvcAttribute, set_pvc_prf_att_dbapi, getPlain<get_pvc_prf_att_dbapi>},
@@ -36,9 +38,9 @@ static constexpr Attribute attributes[] = {
 };
 
 // What a port and a slot hold, in the order in which it is removed.
-static constexpr int (*portDeletes[])(u32 objectId) = {del_port_vlan_cfg_db_api, del_post_voltcurrent_db_api,
-                                                       clr_adsl_prf_att_dbapi, clr_pvc_prf_att_dbapi,
-                                                       clr_vdsl_line_prf_att_db_api};
+static constexpr int (*portDeletes[])(u32 objectId) = {del_voiceportcfg_dbapi,      del_port_vlan_cfg_db_api,
+                                                       del_post_voltcurrent_db_api, clr_adsl_prf_att_dbapi,
+                                                       clr_pvc_prf_att_dbapi,       clr_vdsl_line_prf_att_db_api};
 
 static const Attribute* findAttribute(u32 number) {
   const auto* row = std::ranges::find(attributes, number, &Attribute::number);
@@ -113,8 +115,6 @@ int delPortAttrByObjId(u32 objectId) {
 
 // No item stores anything for a slot so far.
 int delSlotAttrByObjId(u32) { return 0; }
-
-static constexpr u32 kVoicePortAttribute = 267;
 
 int delSlotAttrDataByCondition(u16 slot, u32 attribute, i32) {
   u32 id = 0;

@@ -7,6 +7,7 @@
 #include "platform/types.h"
 
 enum AttributeNumber : u32 {
+  kVoicePortAttribute = 267,
   kVlanAttribute = 272,
   kAdslLineAttribute = 281,
   kPvcAttribute = 282,

@@ -3,10 +3,9 @@
 #include <algorithm>
 #include <cstring>
 
-// A number field as the member holds it. Signed members keep their bits.
-static u32 load(const Field& field, const void* record) {
-  const void* at = field.at(record);
-  switch (field.width) {
+// A number as a member holds it. Signed members keep their bits.
+static u32 load(const void* at, u32 width) {
+  switch (width) {
     case 1:
       return *static_cast<const u8*>(at);
     case 2:
@@ -15,6 +14,8 @@ static u32 load(const Field& field, const void* record) {
       return *static_cast<const u32*>(at);
   }
 }
+
+static u32 load(const Field& field, const void* record) { return load(field.at(record), field.width); }
 
 static void store(const Field& field, void* record, u32 value) {
   void* at = field.at(record);
@@ -54,17 +55,29 @@ void resetRecord(Fields fields, void* record) {
   for (const Field& field : fields) {
     if (field.text) {
       std::memset(field.at(record), 0, field.width);
+      std::memcpy(field.at(record), field.initialText,
+                  std::min<std::size_t>(std::strlen(field.initialText), field.width));
     } else {
       store(field, record, field.initial);
     }
   }
 }
 
+bool applies(const Field& field, const void* record) {
+  const Condition& when = field.when;
+  return when.in == nullptr || when.values.holds(load(when.in(const_cast<void*>(record)), when.width));
+}
+
+const void* storedValue(const Field& field, const void* record) {
+  alignas(u32) static constexpr u8 kZeros[kLargestField] = {};
+  return applies(field, record) ? field.at(record) : kZeros;
+}
+
 const Field* firstBadField(Fields fields, const void* record, u32& value) {
   for (const Field& field : fields) {
-    if (field.code == 0) continue;
+    if (field.code == 0 || !applies(field, record)) continue;
     value = load(field, record);
-    const auto holds = [value](Range range) { return range.low <= value && value <= range.high; };
+    const auto holds = [value](Range range) { return range.holds(value); };
     if (!std::ranges::any_of(field.allowed, holds)) return &field;
   }
   return nullptr;

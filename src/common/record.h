@@ -11,16 +11,29 @@
 
 struct Range {
   u32 low = 1, high = 0;  // holds nothing until filled
+  u32 step = 1;
+  constexpr bool holds(u32 value) const { return low <= value && value <= high && (value - low) % step == 0; }
+};
+
+// The value of another field on which one depends; without a field it always holds.
+struct Condition {
+  void* (*in)(void* record) = nullptr;
+  u32 width = 0;
+  Range values = {};
 };
 
 // What an item says of one field.
 struct FieldRow {
-  u32 offset;             // in the unit on the wire
-  u32 initial = 0;        // default
-  Range allowed[2] = {};  // the second one where there is a gap
-  u16 code = 0;           // of a failed check; 0 takes any value
+  u32 offset;                    // in the unit on the wire
+  u32 initial = 0;               // default
+  const char* initialText = "";  // of a text
+  Range allowed[2] = {};         // the second one where there is a gap
+  u16 code = 0;                  // of a failed check; 0 takes any value
   const char* complaint = "";
+  Condition when = {};  // otherwise it is not checked, and stored as zero
 };
+
+inline constexpr u32 kLargestField = 2048;  // bytes
 
 // A field: its row, its width, and how record and table row hold it.
 struct Field : FieldRow {
@@ -42,6 +55,11 @@ struct MemberOf<Member> {
   static void* in(void* record) { return &(static_cast<R*>(record)->*Member); }
 };
 
+template <auto Member>
+constexpr Condition when(Range values) {
+  return {MemberOf<Member>::in, sizeof(typename MemberOf<Member>::Value), values};
+}
+
 // The functions of a table behind one signature; none for a pair that differs from the member in type.
 template <class Value, auto Get, auto Put>
 struct Column;
@@ -60,6 +78,7 @@ struct Column<char[N], Get, Put> {
 template <auto Member, auto Get, auto Put>
 constexpr Field field(FieldRow row) {
   using Value = typename MemberOf<Member>::Value;
+  static_assert(sizeof(Value) <= kLargestField);
   using C = Column<Value, Get, Put>;
   return {row, sizeof(Value), std::is_array_v<Value>, MemberOf<Member>::in, C::get, C::put};
 }
@@ -73,20 +92,18 @@ constexpr Field field(FieldRow row) {
 
 using Fields = std::span<const Field>;
 
-// The fields of a unit on the wire. Rows that overlap, leave the unit, break the downward order of the codes or
-// print wrongly do not compile.
+// The fields of a unit on the wire. Rows that overlap, leave the unit, share a code or print wrongly do not compile.
 struct Record {
   u32 unit;  // bytes on the wire; what no field covers is reserved
   Fields fields;
   consteval Record(u32 length, Fields list) : unit(length), fields(list) {
     u32 end = 0;
-    u32 code = 65536;
     for (const Field& f : list) {
       if (f.offset < end || f.offset + f.width > length) throw "a field overlaps or leaves the unit";
-      if (f.code >= code) throw "the codes go down from field to field";
       if (f.code != 0 && !conversionsFit<u32>(f.complaint)) throw "a complaint prints the value";
+      for (const Field& other : list)
+        if (&other != &f && f.code != 0 && other.code == f.code) throw "two fields share a code";
       end = f.offset + f.width;
-      if (f.code != 0) code = f.code;
     }
   }
 };
@@ -95,7 +112,11 @@ struct Record {
 void parseRecord(Fields fields, const u8* wire, void* record);
 // Record to wire; reserved bytes are left as they are.
 void encodeRecord(Fields fields, const void* record, u8* wire);
-// The defaults of all fields; texts become empty.
+// The defaults of all fields.
 void resetRecord(Fields fields, void* record);
+// The field counts: what it depends on has the value for it.
+bool applies(const Field& field, const void* record);
+// What is stored of a field: its value, or zeros while it does not count.
+const void* storedValue(const Field& field, const void* record);
 // The first field outside its ranges, null if there is none; `value` gets what it holds.
 const Field* firstBadField(Fields fields, const void* record, u32& value);

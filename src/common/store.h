@@ -73,7 +73,7 @@ int storeRow(const Table<Row>& table, Fields fields, const void* record, u32 key
     logFind(where, table.name, table.index, code, table.logHead);
   }
   if (code != 0) return kStoreFailed;
-  for (const Field& field : fields) field.put(&row, field.at(record));
+  for (const Field& field : fields) field.put(&row, storedValue(field, record));
   return transaction.commit();
 }
 

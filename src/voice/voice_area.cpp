@@ -16,6 +16,12 @@
 #include "voice/globals/signalToneTimer.h"
 #include "voice/globals/voiceMD5.h"
 #include "voice/globals/voiceTimer.h"
+#include "voice/profiles/dsp_channels.h"
+#include "voice/profiles/ngn_dsp.h"
+#include "voice/profiles/sip_call_profile.h"
+#include "voice/service/msan_fax_para_cfg.h"
+#include "voice/service/msan_rtp_prf_cfg.h"
+#include "voice/service/msan_sip_cfg.h"
 #include "voice/status/callSimulation.h"
 #include "voice/status/msan_112test.h"
 #include "voice/status/msan_ngn_user_register.h"
@@ -28,14 +34,18 @@
 static constexpr const VoiceItem* ngnItems[] = {&cidMode,    &potsNumber,      &iptNumber, &rfc2833,
                                                 &rohTimeout, &signalToneTimer, &voiceMD5,  &voiceTimer};
 static constexpr const VoiceItem* mgcRegisterItems[] = {&mgcRegister};
+static constexpr const VoiceItem* faxItems[] = {&faxParameter};
+static constexpr const VoiceItem* rtpItems[] = {&rtpResource};
+static constexpr const VoiceItem* sipItems[] = {&sipServer, &sipDigitMap, &sipAdvanced};
 // The gateway controllers and the POTS parameters stand apart from the others.
 static constexpr const VoiceItem* ngnConfiguration[] = {&mgc, &potsGeneral};
 
 // At the end of recovery the voice side is told all of it once more.
 static constexpr Step afterConfiguration[] = {
-    distributeOf<mgc>,       distributeOf<cidMode>,    distributeOf<potsNumber>,      distributeOf<iptNumber>,
-    distributeOf<rfc2833>,   distributeOf<rohTimeout>, distributeOf<signalToneTimer>, distributeOf<voiceMD5>,
-    distributeOf<voiceTimer>};
+    distributeOf<mgc>,          distributeOf<cidMode>,    distributeOf<potsNumber>,      distributeOf<iptNumber>,
+    distributeOf<rfc2833>,      distributeOf<rohTimeout>, distributeOf<signalToneTimer>, distributeOf<voiceMD5>,
+    distributeOf<voiceTimer>,   ndistrib_sipcallprofile,  distrib_dsp_profile,           distributeOf<rtpResource>,
+    distributeOf<faxParameter>, distributeOf<sipServer>,  distributeOf<sipDigitMap>,     distributeOf<sipAdvanced>};
 
 int msan_ngn_showrun(Vty* vty) { return showrunItems(ngnItems, vty); }
 
@@ -51,6 +61,61 @@ static int msan_cmd_init() {
   installOnhookCommand();
   return installCommands(commands);
 }
+
+// One area of the voice service's running configuration by itself.
+static int cli_showrun_faxpara_config_func(const CommandElement*, Vty* vty, int argc, char** argv) {
+  static constexpr struct {
+    const char* word;
+    VoiceItems items;
+  } kAreas[] = {{"faxshowrun", faxItems}, {"rtpshowrun", rtpItems}, {"sipshowrun", sipItems}};
+  if (argc != 1) return refuse(vty, "invalid parameter quantity");
+  const bool sip = bep_StrCmp(argv[0], "sipshowrun") == 0;
+  for (const auto& area : kAreas)
+    if (bep_StrCmp(argv[0], area.word) == 0) {
+      showrunItems(area.items, vty);
+      return sip ? nshowrun_sipcallprofile(vty) : 0;
+    }
+  return -1;
+}
+static constexpr Command areaCommands[] = {
+    command(CONFIG_NODE, "ngn cfg showrun [faxshowrun|rtpshowrun|sipshowrun|voiceportshowrun]",
+            cli_showrun_faxpara_config_func, "running configuration of a part of the voice service"),
+};
+
+static int ngn_voice_cfg_init() { return init_dsp(); }
+static int ninit_faxparameter() { return initItems(faxItems); }
+static int ninit_rtp_profile() { return initItems(rtpItems); }
+static int ninit_sip() { return initItems(sipItems); }
+static int reg_ngn_voice_snmp_cmd_handle() {
+  registerDspProfiles();
+  return registerDspChannels();
+}
+static int install_ngn_voice_cmd_line() {
+  install_dsp_cmd_line();
+  return installDspChannels();
+}
+static int show_run_ngn_voice(Vty* vty) { return show_run_dsp_profile(vty); }
+static int faxparacfg_regsnmpcmd_handle() { return registerItems(faxItems); }
+static int sipcfg_regsnmpcmdhandle() {
+  registerItems(sipItems);
+  return registerSipCallProfiles();
+}
+static int rtp_prf_cfg_regsnmpcmd_handle() { return registerItems(rtpItems); }
+static int ninstall_faxcmdline() {
+  installItems(faxItems);
+  return installCommands(areaCommands);
+}
+static int install_msan_sip_cfg_defun() {
+  installItems(sipItems);
+  return ninstall_sipcallprf_cfgline();
+}
+static int ninstall_rtp_cmdline() { return installItems(rtpItems); }
+static int nshowrun_faxparameter(Vty* vty) { return showrunItems(faxItems, vty); }
+static int showrun_msan_sip_cfg(Vty* vty) {
+  showrunItems(sipItems, vty);
+  return nshowrun_sipcallprofile(vty);
+}
+static int nshowrun_rtp_profile(Vty* vty) { return showrunItems(rtpItems, vty); }
 
 static int msan_ngn_cfg_init() { return initItems(ngnConfiguration); }
 static int mgc_reg_cfg_regsnmpcmd_handle() { return registerItems(mgcRegisterItems); }
@@ -73,12 +138,23 @@ static int install_msan_ngncfg_showrun(Vty* vty) { return showrunItems(ngnConfig
 static constexpr SlotStep ngnDataDistribute[] = {distrib_pots_general_para};
 static int ngn_data_distribute(u16 slot) { return callAll(ngnDataDistribute, slot); }
 
-static constexpr Step init[] = {msanNGNDataInit, msan_ngn_cfg_init};
-static constexpr Step snmpRegister[] = {msanNGNSnmpMsgRegister, mgc_reg_cfg_regsnmpcmd_handle, usereg_regsnmpcmd_handle,
-                                        test112_regsnmp_cmdhandle, reg_snmp_cmd_data};
-static constexpr Step install[] = {msan_cmd_init, ninstall_mgc_register_cmdline, ninstall_ngnuser_register_cmdline,
-                                   install_msan_112test_defun, install_sim_cmd_line};
-static constexpr PrintStep showrun[] = {msan_ngn_showrun, install_msan_ngncfg_showrun};
+static constexpr Step init[] = {msanNGNDataInit, ngn_voice_cfg_init,  ninit_faxparameter, ninit_rtp_profile,
+                                ninit_sip,       init_sipcallprofile, msan_ngn_cfg_init};
+static constexpr Step snmpRegister[] = {
+    msanNGNSnmpMsgRegister,   reg_ngn_voice_snmp_cmd_handle, faxparacfg_regsnmpcmd_handle,
+    sipcfg_regsnmpcmdhandle,  rtp_prf_cfg_regsnmpcmd_handle, mgc_reg_cfg_regsnmpcmd_handle,
+    usereg_regsnmpcmd_handle, test112_regsnmp_cmdhandle,     reg_snmp_cmd_data};
+static constexpr Step install[] = {msan_cmd_init,
+                                   install_ngn_voice_cmd_line,
+                                   ninstall_faxcmdline,
+                                   install_msan_sip_cfg_defun,
+                                   ninstall_rtp_cmdline,
+                                   ninstall_mgc_register_cmdline,
+                                   ninstall_ngnuser_register_cmdline,
+                                   install_msan_112test_defun,
+                                   install_sim_cmd_line};
+static constexpr PrintStep showrun[] = {msan_ngn_showrun,     show_run_ngn_voice,   nshowrun_faxparameter,
+                                        showrun_msan_sip_cfg, nshowrun_rtp_profile, install_msan_ngncfg_showrun};
 
 int msanVoice_Init() {
   callAll(init);

@@ -44,8 +44,8 @@ start
 open
 keys 'sh\t'
 see "Tab completes a word" "show"
-keys ' c\t'
-see "and the next one" " c*id "
+keys ' ci\t'
+see "and the next one" " ci*d "
 keys 'mo\t\r'
 see "the line is run" "mo*de *CID Mode: FSK*msan# "
 keys 'set cid mode ?'

@@ -61,7 +61,7 @@ static int fail(SnmpErrInfo* err, u16 code, const char* logged) {
 
 static int checkField(const ProfileField& field, u32 value, SnmpErrInfo* err) {
   if (field.code == 0) return 0;
-  const auto inRange = [value](const Range& range) { return range.low <= value && value <= range.high; };
+  const auto inRange = [value](const Range& range) { return range.holds(value); };
   const auto isWord = [value](const Word& word) { return word.value == value; };
   if (std::ranges::any_of(field.allowed, inRange) || std::ranges::any_of(field.words, isWord)) return 0;
   return fail(err, field.code, field.error);

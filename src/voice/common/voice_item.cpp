@@ -34,11 +34,11 @@ int checkItem(const VoiceItem& item, const void* cfg, SnmpErrInfo* err) {
 }
 
 int storeItem(const VoiceItem& item, const void* cfg, u32 key) {
-  return item.kept.store(item.kept.table, item.kept.shape->fields, cfg, key, item.at(item.names->store));
+  return item.kept.store(item.kept.table, item.kept.stored, cfg, key, item.at(item.names->store));
 }
 
 int loadItem(const VoiceItem& item, void* cfg, u32 key) {
-  return item.kept.load(item.kept.table, item.kept.shape->fields, cfg, key, item.at(item.names->load));
+  return item.kept.load(item.kept.table, item.kept.stored, cfg, key, item.at(item.names->load));
 }
 
 int parseUnits(const VoiceItem& item, WireIn area, LIST* list) {
@@ -159,16 +159,21 @@ static int forwardSet(const VoiceItem& item, const SnmpCall& call, u32 units) {
 int snmpSet(const VoiceItem& item, const SnmpCall& call) {
   const Where where = item.at(item.names->snmpSet);
   if (beginRequest(item.id, call, Asks::orders, where) != 0) return -1;
-  u32 units = 0;
-  {
-    DataList list;
-    if (acceptSet(item, call, list, where) != 0) return -1;
-    if (setUnits(item, list) != 0) return answerFailed(call, "set configuration failed", where);
-    units = static_cast<u32>(lstCount(list));
+  DataList list;
+  if (acceptSet(item, call, list, where) != 0) return -1;
+  if (setUnits(item, list) != 0) return answerFailed(call, "set configuration failed", where);
+  u16 code = 0;
+  if (item.forward != Forward::asItCame) {
+    code = encodeAndSend(item, static_cast<LIST*>(list), where);
+    if (code == kEncodeFailed && item.forward == Forward::encodedOrRefused)
+      return answerFailed(call, "encode configuration failed", where);
+  } else {
+    const u32 units = static_cast<u32>(lstCount(list));
+    vFreeDataList(list);  // the message takes memory of its own
+    if (forwardSet(item, call, units) != 0) code = kBuildFailed;
   }
-  const int built = forwardSet(item, call, units);
   answerSuccess(call, 0);
-  if (built == 0) {
+  if (code == 0) {
     trigger_obj_crc(kNodeSlot, 0, 0, item.id, kSnmp);
   } else {
     printTrace(where, "build MSC msg 0x%04X failed", item.id);
@@ -229,11 +234,15 @@ static u16 sendEncoded(const VoiceItem& item, u32 bytes, Encode encode, Where wh
 }
 
 u16 encodeAndSend(const VoiceItem& item, const void* cfg, Where where) {
+  if (item.encode != nullptr)
+    return sendEncoded(
+        item, item.encodedBytes, [&](Writer& out) { item.encode(cfg, out); }, where);
   return sendEncoded(
       item, item.kept.shape->unit, [&](Writer& out) { encodeUnit(item, cfg, out); }, where);
 }
 
 u16 encodeAndSend(const VoiceItem& item, LIST* list, Where where) {
+  if (item.encode != nullptr) return encodeAndSend(item, recordOf<const void>(lstFirst(list)), where);
   const u32 bytes = item.countWidth + item.kept.shape->unit * static_cast<u32>(lstCount(list));
   return sendEncoded(
       item, bytes, [&](Writer& out) { encodeArea(item, list, out); }, where);
@@ -328,7 +337,10 @@ int showItem(Vty* vty, const VoiceItem& item) {
 }
 
 int finishShow(Vty* vty, const VoiceItem& item, int result) {
-  vty_out(vty, "\r\n get %s configuration %s. \r\n", item.viewWords, result == 0 ? "successfully" : "failed");
+  if (result == 0)
+    vty_out(vty, "\r\n get %s configuration successfully. \r\n", item.shownWords);
+  else
+    vty_out(vty, "\r\n get %s configuration failed. \r\n", item.notShownWords);
   return result == 0 ? 0 : -1;
 }
 

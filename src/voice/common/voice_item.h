@@ -40,24 +40,44 @@ inline constexpr StepNames kServiceItem{  // ncheck_sip_server
 
 inline constexpr u32 kLargestRecord = 2112;
 
+// The spelling of a service item whose store and registrar have names of their own.
+constexpr StepNames serviceItem(const char* store, const char* load, const char* registrar,
+                                const char* init = "ninit_*") {
+  StepNames names = kServiceItem;
+  names.store = store;
+  names.load = load;
+  names.registrar = registrar;
+  names.init = init;
+  return names;
+}
+
 // A record in memory and how it is kept: on the wire, and as a row of a table.
 struct Kept {
   const Record* shape;
-  u32 bytes;  // of the record in memory
+  u32 bytes;           // of the record in memory
+  Fields stored = {};  // the columns
   const void* table = nullptr;
   int (*store)(const void* table, Fields fields, const void* cfg, u32 key, Where where) = nullptr;
   int (*load)(const void* table, Fields fields, void* cfg, u32 key, Where where) = nullptr;
 };
 template <class R, class Row>
-constexpr Kept kept(const Record& shape, const Table<Row>& table) {
+constexpr Kept kept(const Record& shape, const Table<Row>& table, Fields stored) {
   static_assert(sizeof(R) <= kLargestRecord && alignof(R) <= alignof(u32));
-  return {&shape, sizeof(R), &table,
+  return {&shape,
+          sizeof(R),
+          stored,
+          &table,
           [](const void* t, Fields all, const void* cfg, u32 key, Where where) {
             return storeRow(*static_cast<const Table<Row>*>(t), all, cfg, key, where);
           },
           [](const void* t, Fields all, void* cfg, u32 key, Where where) {
             return loadRow(*static_cast<const Table<Row>*>(t), all, cfg, key, where);
           }};
+}
+// Of a record whose columns are what stands on the wire.
+template <class R, class Row>
+constexpr Kept kept(const Record& shape, const Table<Row>& table) {
+  return kept<R>(shape, table, shape.fields);
 }
 // A record that is not stored.
 template <class R>
@@ -72,15 +92,22 @@ struct ItemMessage {
   const char* text = nullptr;
 };
 
+// How a SET goes on to the NGN side: the request's own bytes, or its record encoded anew. Where no buffer is had for
+// that, some SETs fail, others are done but for the message.
+enum class Forward : u8 { asItCame, encoded, encodedOrRefused };
+
 struct VoiceItem {
   u16 id;            // message id, for SNMP and for the NGN side
   const char* stem;  // of the names of its steps
   const StepNames* names = &kNodeItem;
-  const char* words;                 // "set <words> configuration ..." and the traces
-  const char* viewWords = words;     // in the lines of show, distribute and erase
+  const char* words;                   // "set <words> configuration ..." and the traces
+  const char* viewWords = words;       // in the lines of show, distribute and erase
+  const char* shownWords = viewWords;  // in the last line of a show, and of one that failed
+  const char* notShownWords = viewWords;
   const char* setName = names->set;  // of the step that a default that could not be stored is traced with
   Kept kept;
   u32 label = 22;  // bytes of the object label in a frame
+  Forward forward = Forward::asItCame;
   // Bytes of the count ahead of the units, 0 for an item that is one unit; and its limits.
   u32 countWidth = 0;
   u32 minimum = 1;
@@ -93,6 +120,9 @@ struct VoiceItem {
   int (*getHandle)(LIST* list) = nullptr;
   int (*init)() = nullptr;
   int (*distribute)() = nullptr;
+  // A record as the NGN side gets it, where that is not the unit: at most so many bytes.
+  void (*encode)(const void* cfg, Writer& out) = nullptr;
+  u32 encodedBytes = 0;
 
   void (*show)(Vty* vty, const void* cfg) = nullptr;     // what a show command prints ahead of its last line
   void (*showrun)(Vty* vty, const void* cfg) = nullptr;  // lines of the running configuration
@@ -112,6 +142,10 @@ struct OnRecord;
 template <class R, void (*Function)(Vty*, const R*)>
 struct OnRecord<Function> {
   static void call(Vty* vty, const void* cfg) { Function(vty, static_cast<const R*>(cfg)); }
+};
+template <class R, void (*Function)(const R*, Writer&)>
+struct OnRecord<Function> {
+  static void call(const void* cfg, Writer& out) { Function(static_cast<const R*>(cfg), out); }
 };
 template <class R, int (*Function)(const R*, SnmpErrInfo*)>
 struct OnRecord<Function> {
