@@ -37,15 +37,18 @@ void describe(CLI::App& app, Options& options) {
       ->envname("MSAN_MODULE");
   auto* record = app.add_flag("--record", options.record, "Print the whole record; expectations are ignored");
   auto* rewrite = app.add_flag("--rewrite", options.rewrite, "Write the record into the file as its expectations");
-  app.add_flag("--all", options.all, "With --rewrite: of all directives, not only of those that have expectations")
-      ->needs(rewrite);
-  auto* sweep = app.add_flag("--sweep", options.sweep, "Play again and again, each time with one more point failing");
+  auto* all = app.add_flag("--all", options.all,
+                           "With --rewrite: of all directives, not only of those that have expectations;\n"
+                           "with --sweep: every point, not only the first of each site");
+  auto* sweep = app.add_flag("--sweep", options.sweep, "Play again and again, each time with one more site failing");
   auto* replay =
       app.add_flag("--replay", options.replay, "Compare the running configuration ahead of and behind a restart");
   auto* explain =
       app.add_flag("--explain", options.explain, "Print the record with the fields of each message below its line");
   auto* messages = app.add_flag("--messages", options.messages, "Hold each message against its description");
   CLI::Option* const modes[] = {record, rewrite, sweep, replay, explain, messages};
+  for (auto* const one : modes)
+    if (one != rewrite && one != sweep) all->excludes(one);
   for (auto* const one : modes)
     for (auto* const other : modes)
       if (one != other) one->excludes(other);
@@ -58,6 +61,10 @@ void describe(CLI::App& app, Options& options) {
 int run(const Options& options) {
   bool bad = (options.record || options.explain) && options.files.size() != 1;
   if (bad) std::fputs("--record and --explain take one file\n", stderr);
+  if (options.all && !options.rewrite && !options.sweep) {
+    std::fputs("--all goes with --rewrite or --sweep\n", stderr);
+    bad = true;
+  }
   const auto scenarios = scenario::loadScenarios(options.files, bad);
   if (bad) return scenario::kBadFile;
   const std::string module = options.module.empty() ? installedModule() : options.module;
@@ -66,7 +73,7 @@ int run(const Options& options) {
   if (options.explain) return scenario::explainFile(module, scenarios.front());
   if (options.messages) return scenario::holdFiles(module, scenarios);
   if (options.rewrite) return scenario::rewriteFiles(module, scenarios, options.all);
-  if (options.sweep) return scenario::sweepFiles(module, scenarios);
+  if (options.sweep) return scenario::sweepFiles(module, scenarios, options.all);
   if (options.replay) return scenario::replayFiles(module, scenarios);
   return scenario::playFiles(module, scenarios);
 }

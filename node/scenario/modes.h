@@ -38,8 +38,8 @@ int holdFiles(const std::string& module, const std::vector<Scenario>& scenarios)
 // directives without expectations, too. Prints what it changed. Standard input goes to standard output.
 int rewriteFiles(const std::string& module, const std::vector<Scenario>& scenarios, bool all);
 
-// Plays files with each failure point failing in turn.
-int sweepFiles(const std::string& module, const std::vector<Scenario>& scenarios);
+// Plays files with each failing site failing once, over all files together; `all`: every failure point.
+int sweepFiles(const std::string& module, const std::vector<Scenario>& scenarios, bool all);
 
 // Plays files and holds the running configuration against the one that it gives behind a restart.
 int replayFiles(const std::string& module, const std::vector<Scenario>& scenarios);

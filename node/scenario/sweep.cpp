@@ -1,7 +1,7 @@
-// Each file is played in child processes, so that a crash ends a child alone. A child tells by shared memory where it
-// is; after a crash, and after a number of runs, a new one goes on with the next point. In a build that looks for leaks
-// a child does so once at its end, since a look takes long; when it finds any its runs are done again with a look
-// behind each.
+// Each file is played once to find its points, then with each chosen point failing. The runs are done in child
+// processes, so that a crash ends a child alone. A child tells by shared memory where it is; after a crash, and after a
+// number of runs, a new one goes on with the next point. In a build that looks for leaks a child does so once at its
+// end, since a look takes long; when it finds any its runs are done again with a look behind each.
 
 #include <fmt/format.h>
 #include <sys/mman.h>
@@ -9,12 +9,16 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <atomic>
 #include <cerrno>
 #include <cstring>
+#include <functional>
 #include <map>
-#include <optional>
+#include <numeric>
+#include <set>
 #include <stdexcept>
 #include <system_error>
+#include <thread>
 
 #include "host/agent.h"
 #include "host/database.h"
@@ -22,6 +26,7 @@
 #include "host/pool.h"
 #include "host/semaphores.h"
 #include "modes.h"
+#include "sweep_points.h"
 
 namespace scenario {
 
@@ -42,10 +47,9 @@ constexpr std::string_view kKinds[host::kFaults] = {
 };
 // clang-format on
 
-// Where a child is. Kind -1: the run in which nothing fails.
+// Where a child is. Point 0 is the run in which nothing fails.
 struct Progress {
-  int kind = -1;
-  u32 n = 0;
+  u32 point = 0;
   u32 directive = 0;  // that is played, counted from 0
   bool reached = false;
   u32 reachedIn = 0;  // the directive in which the point was reached
@@ -56,20 +60,33 @@ struct Progress {
   bool finished = false;
 };
 
-std::string pointOf(const Scenario& scenario, const Progress& at) {
+// What is swept: a file, and the points that fail in it one after the other.
+struct Swept {
+  const std::string& module;
+  const Scenario& scenario;
+  const std::vector<FailurePoint>& points;
+
+  const FailurePoint* at(const Progress& progress) const {
+    return progress.point == 0 ? nullptr : &points[progress.point - 1];
+  }
+};
+
+std::string pointOf(const Swept& swept, const Progress& at) {
+  const Scenario& scenario = swept.scenario;
   const u32 index = at.reached ? at.reachedIn : at.directive;
   std::string place = fmt::format("{}: at the end", scenario.name);
   if (index < scenario.directives.size()) {
     const Directive& directive = scenario.directives[index];
     place = fmt::format("{}:{}: {}", scenario.name, directive.line, directive.text);
   }
-  return at.kind < 0 ? fmt::format("{}: nothing failing", place)
-                     : fmt::format("{}: {} {}", place, kKinds[at.kind], at.n);
+  const FailurePoint* point = swept.at(at);
+  return point == nullptr ? fmt::format("{}: nothing failing", place)
+                          : fmt::format("{}: {} {}", place, kKinds[static_cast<int>(point->kind)], point->n);
 }
 
-void reportFailure(const Scenario& scenario, Progress& at, std::string_view why) {
+void reportFailure(const Swept& swept, Progress& at, std::string_view why) {
   ++at.failures;
-  fmt::print("{}: {}\n", pointOf(scenario, at), why);
+  fmt::print("{}: {}\n", pointOf(swept, at), why);
   std::fflush(stdout);
 }
 
@@ -115,17 +132,17 @@ std::string brokenRule(Stage& stage, const Blocks& fresh) {
 }
 
 // One run with the progress' point failing, counted from the first directive on.
-std::string playOnce(const std::string& module, const Scenario& scenario, Progress& at) {
+std::string playOnce(const Swept& swept, Progress& at) {
   at.reached = false;
   at.directive = 0;
-  Player player(module);
+  Player player(swept.module);
   Blocks fresh = countBlocks();
-  const auto kind = static_cast<host::Fault>(std::max(at.kind, 0));
-  const u32 begin = host::operationsCounted(kind);
-  if (at.kind >= 0) host::failNth(kind, at.n);
-  for (const Directive& directive : scenario.directives) {
+  const FailurePoint* point = swept.at(at);
+  const u32 begin = point != nullptr ? host::operationsCounted(point->kind) : 0;
+  if (point != nullptr) host::failNth(point->kind, point->n);
+  for (const Directive& directive : swept.scenario.directives) {
     player.play(directive.action);
-    if (at.kind >= 0 && !at.reached && host::operationsCounted(kind) - begin >= at.n) {
+    if (point != nullptr && !at.reached && host::operationsCounted(point->kind) - begin >= point->n) {
       at.reached = true;
       at.reachedIn = at.directive;
     }
@@ -133,7 +150,13 @@ std::string playOnce(const std::string& module, const Scenario& scenario, Progre
   }
   std::string broken;
   player.play([&](Stage& stage, Outcome&) { broken = brokenRule(stage, fresh); });
+  if (broken.empty() && point != nullptr && !at.reached) broken = "a point of the first run is not reached again";
   return broken;
+}
+
+void count(const Swept& swept, Progress& at) {
+  if (const FailurePoint* point = swept.at(at); point != nullptr && at.reached)
+    ++at.points[static_cast<int>(point->kind)];
 }
 
 void lookForLeaks(const Progress& at) {
@@ -146,46 +169,38 @@ void lookForLeaks(const Progress& at) {
 }
 
 // One run. What a broken rule leaves behind would show in all further runs: a fresh process goes on.
-void runOnce(const std::string& module, const Scenario& scenario, Progress& at) {
+void runOnce(const Swept& swept, Progress& at) {
   alarm(kMostSeconds);
   const int leaksBefore = node::Module::leaksFound();
   std::string broken;
   try {
-    broken = playOnce(module, scenario, at);
+    broken = playOnce(swept, at);
   } catch (const std::exception& error) {
     broken = error.what();
   }
   alarm(0);
   ++at.runs;
   if (broken.empty() && node::Module::leaksFound() != leaksBefore) broken = "memory has leaked";
-  if (at.kind >= 0 && at.reached) at.points[at.kind] = at.n;
+  count(swept, at);
   if (broken.empty()) return;
   lookForLeaks(at);
-  reportFailure(scenario, at, broken);
+  reportFailure(swept, at, broken);
   endChild(kGoOn);
 }
 
-// On to the next point: the next of the kind if this one was reached, else the first of the next kind.
-bool advance(Progress& at) {
-  if (at.failures >= kMostFailures) return false;
-  if (at.kind >= 0 && at.reached) {
-    ++at.n;
-    return true;
-  }
-  ++at.kind;
-  at.n = 1;
-  return at.kind < host::kFaults;
+bool advance(const Swept& swept, Progress& at) {
+  return at.failures < kMostFailures && ++at.point <= swept.points.size();
 }
 
-[[noreturn]] void runChild(const std::string& module, const Scenario& scenario, Progress& at) {
+[[noreturn]] void runChild(const Swept& swept, Progress& at) {
   node::Module::checkAtUnloading(at.careful);
   int runs = 0;
   do {
-    runOnce(module, scenario, at);
+    runOnce(swept, at);
     if (++runs < kMostRuns) continue;
     lookForLeaks(at);
     endChild(kGoOn);
-  } while (advance(at));
+  } while (advance(swept, at));
   lookForLeaks(at);
   at.finished = true;
   endChild(0);
@@ -197,32 +212,32 @@ std::string describeEnd(int status) {
   return fmt::format("crash: the process ended with {}", WEXITSTATUS(status));
 }
 
-int runInChild(const std::string& module, const Scenario& scenario, Progress& at) {
+int runInChild(const Swept& swept, Progress& at) {
   std::fflush(nullptr);
   const pid_t child = fork();
   if (child < 0) throw std::system_error(errno, std::generic_category(), "fork");
-  if (child == 0) runChild(module, scenario, at);
+  if (child == 0) runChild(swept, at);
   int status = 0;
   while (waitpid(child, &status, 0) < 0 && errno == EINTR) continue;
   return status;
 }
 
-// Memory that a child shares.
-class SharedProgress {
+// Memory that children share.
+template <class Value>
+class SharedMemory {
  public:
-  SharedProgress()
-      : memory_(mmap(nullptr, sizeof(Progress), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0)) {
+  SharedMemory() : memory_(mmap(nullptr, sizeof(Value), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0)) {
     if (memory_ == MAP_FAILED) throw std::system_error(errno, std::generic_category(), "mmap");
-    progress_ = new (memory_) Progress;
+    value_ = new (memory_) Value;
   }
-  ~SharedProgress() { munmap(memory_, sizeof(Progress)); }
-  SharedProgress(const SharedProgress&) = delete;
-  SharedProgress& operator=(const SharedProgress&) = delete;
-  Progress& operator*() { return *progress_; }
+  ~SharedMemory() { munmap(memory_, sizeof(Value)); }
+  SharedMemory(const SharedMemory&) = delete;
+  SharedMemory& operator=(const SharedMemory&) = delete;
+  Value& operator*() { return *value_; }
 
  private:
   void* memory_;
-  Progress* progress_ = nullptr;
+  Value* value_ = nullptr;
 };
 
 void printPoints(const Scenario& scenario, const Progress& at) {
@@ -238,19 +253,19 @@ void printPoints(const Scenario& scenario, const Progress& at) {
 }
 
 // Whether the point was reached is not known when the crash came within its directive; it is taken as reached.
-void reportCrash(const Scenario& scenario, Progress& at, int status) {
+void reportCrash(const Swept& swept, Progress& at, int status) {
   ++at.runs;
-  if (at.kind >= 0 && !at.reached) at.reached = true, at.reachedIn = at.directive;
-  reportFailure(scenario, at, describeEnd(status));
-  if (at.kind >= 0) at.points[at.kind] = at.n;
+  if (at.point != 0 && !at.reached) at.reached = true, at.reachedIn = at.directive;
+  reportFailure(swept, at, describeEnd(status));
+  count(swept, at);
 }
 
-bool sweepFile(const std::string& module, const Scenario& scenario) {
-  SharedProgress shared;
+bool sweepFile(const Swept& swept) {
+  SharedMemory<Progress> shared;
   Progress& at = *shared;
   while (!at.finished) {
     const Progress before = at;
-    const int status = runInChild(module, scenario, at);
+    const int status = runInChild(swept, at);
     const int code = WIFEXITED(status) ? WEXITSTATUS(status) : 0;
     if (at.finished) break;
     if (code == kDoAgain) {
@@ -259,22 +274,71 @@ bool sweepFile(const std::string& module, const Scenario& scenario) {
       continue;
     }
     at.careful = false;
-    if (code != kGoOn) reportCrash(scenario, at, status);
-    if (at.kind < 0 && at.failures != 0) break;
-    at.finished = !advance(at);
+    if (code != kGoOn) reportCrash(swept, at, status);
+    if (at.point == 0 && at.failures != 0) break;
+    at.finished = !advance(swept, at);
   }
-  printPoints(scenario, at);
-  if (at.failures >= kMostFailures) fmt::print("{}: given up\n", scenario.name);
+  printPoints(swept.scenario, at);
+  if (at.failures >= kMostFailures) fmt::print("{}: given up\n", swept.scenario.name);
   return at.failures == 0;
 }
 
+// What each file is to fail at: of all files together each site once, or every point.
+std::vector<std::vector<FailurePoint>> choosePoints(const std::string& module, const std::vector<Scenario>& scenarios,
+                                                    bool all) {
+  std::vector<std::vector<FailurePoint>> chosen;
+  std::set<u64> sites;
+  std::size_t points = 0;
+  for (const Scenario& scenario : scenarios) {
+    chosen.push_back(findPoints(module, scenario));
+    points += chosen.back().size();
+    std::vector<FailurePoint> fresh = chosen.back();
+    keepNewSites(fresh, sites);
+    if (!all) chosen.back() = std::move(fresh);
+  }
+  fmt::print("{} sites, {} points in {} files\n", sites.size(), points, scenarios.size());
+  std::fflush(stdout);
+  return chosen;
+}
+
+// Files that all workers take from, the ones with most points first.
+struct Shared {
+  std::atomic<std::size_t> next{0};
+  std::atomic<std::size_t> passed{0};
+};
+
 }  // namespace
 
-int sweepFiles(const std::string& module, const std::vector<Scenario>& scenarios) {
-  const auto passed = static_cast<std::size_t>(
-      std::ranges::count_if(scenarios, [&](const Scenario& scenario) { return sweepFile(module, scenario); }));
+int sweepFiles(const std::string& module, const std::vector<Scenario>& scenarios, bool all) {
+  const auto points = choosePoints(module, scenarios, all);
+  std::vector<std::size_t> order(scenarios.size());
+  std::iota(order.begin(), order.end(), std::size_t{0});
+  std::ranges::sort(order, std::greater{}, [&](std::size_t i) { return points[i].size(); });
+  SharedMemory<Shared> shared;
+  const auto work = [&] {
+    for (std::size_t i; (i = (*shared).next++) < order.size();)
+      if (sweepFile({module, scenarios[order[i]], points[order[i]]})) ++(*shared).passed;
+  };
+  std::fflush(nullptr);
+  std::vector<pid_t> workers;
+  while (workers.size() < std::min<std::size_t>(std::thread::hardware_concurrency(), scenarios.size())) {
+    const pid_t worker = fork();
+    if (worker < 0) throw std::system_error(errno, std::generic_category(), "fork");
+    if (worker == 0) {
+      work();
+      endChild(0);
+    }
+    workers.push_back(worker);
+  }
+  bool whole = true;
+  for (const pid_t worker : workers) {
+    int status = 0;
+    while (waitpid(worker, &status, 0) < 0 && errno == EINTR) continue;
+    whole = whole && status == 0;
+  }
+  const std::size_t passed = (*shared).passed;
   printCount(passed, scenarios.size() - passed);
-  return passed == scenarios.size() ? kGood : kDiffers;
+  return whole && passed == scenarios.size() ? kGood : kDiffers;
 }
 
 }  // namespace scenario

@@ -16,6 +16,7 @@ struct Orders {
 };
 
 std::mutex mutex;
+std::atomic<FaultWatcher> watching{nullptr};
 std::array<Orders, kFaults>& orders() {
   static std::array<Orders, kFaults> all;
   return all;
@@ -45,12 +46,15 @@ u32 operationsCounted(Fault kind) { return ordersOf(kind).counted; }
 bool faultDue(Fault kind) {
   Orders& mine = ordersOf(kind);
   const u32 number = mine.counted.fetch_add(1, std::memory_order_relaxed) + 1;
+  if (const FaultWatcher watcher = watching.load(std::memory_order_relaxed)) watcher(kind, number);
   if (!mine.any.load(std::memory_order_relaxed)) return false;
   const std::lock_guard lock(mutex);
   const bool due = std::erase(mine.due, number) != 0;
   mine.any = !mine.due.empty();
   return due;
 }
+
+void watchFaults(FaultWatcher watcher) { watching = watcher; }
 
 void clearFaults() {
   for (Orders& kind : orders()) forget(kind);

@@ -89,6 +89,13 @@ TEST(ScenarioPlaying, OrdersOfFaultsAddUp) {
   EXPECT_THAT(played[7].record, ElementsAre("pool 32"));
 }
 
+int sweepAll(const std::string& module, const std::vector<scenario::Scenario>& scenarios) {
+  return scenario::sweepFiles(module, scenarios, true);
+}
+int sweepSites(const std::string& module, const std::vector<scenario::Scenario>& scenarios) {
+  return scenario::sweepFiles(module, scenarios, false);
+}
+
 TEST(ScenarioSweep, FindsEachBrokenRuleAtItsPoint) {
   struct Case {
     const char* command;
@@ -100,7 +107,7 @@ TEST(ScenarioSweep, FindsEachBrokenRuleAtItsPoint) {
                           Case{"do hold", "file:2: cli do hold: alloc 1: ", "semaphores held: 1"},
                           Case{"do open", "file:2: cli do open: connect 2: ", "connections open: 1"},
                           Case{"do deaf", "file:2: cli do deaf: card send 1: ", "running-config gives -1"}}) {
-    const Seen seen = run(scenario::sweepFiles, "save\ncli " + std::string(one.command) + "\nsave\n");
+    const Seen seen = run(sweepAll, "save\ncli " + std::string(one.command) + "\nsave\n");
     EXPECT_EQ(seen.result, kDiffers);
     EXPECT_THAT(seen.text, HasSubstr(one.point));
     EXPECT_THAT(seen.text, HasSubstr(one.rule));
@@ -109,11 +116,18 @@ TEST(ScenarioSweep, FindsEachBrokenRuleAtItsPoint) {
   }
 }
 
-// 11 runs reach nothing: the first, and for each kind the one behind its last point.
+// A run with nothing failing, and one for each point.
 TEST(ScenarioSweep, ReachesEveryPointOnce) {
-  const Seen seen = run(scenario::sweepFiles, "fault alloc 2\ncli do nothing\ncli do deaf\ncli do open\n");
+  const Seen seen = run(sweepAll, "fault alloc 2\ncli do nothing\ncli do deaf\ncli do open\n");
   EXPECT_EQ(seen.result, kDiffers);
-  EXPECT_THAT(seen.text, HasSubstr("file: 3 points reached (connect 2, card send 1) in 14 runs\n"));
+  EXPECT_THAT(seen.text, HasSubstr("file: 3 points reached (connect 2, card send 1) in 4 runs\n"));
+}
+
+// What the same calls lead to again is swept once.
+TEST(ScenarioSweep, FailsEachSiteOnce) {
+  const Seen seen = run(sweepSites, "cli do deaf\ncli do deaf\ncli do deaf\n");
+  EXPECT_THAT(seen.text, HasSubstr("1 sites, 3 points in 1 files\n"));
+  EXPECT_THAT(seen.text, HasSubstr("file: 1 points reached (card send 1) in 2 runs\n"));
 }
 
 TEST(ScenarioReplay, ShowsWhatARestartChanges) {

@@ -23,4 +23,8 @@ bool faultDue(Fault kind);
 
 void clearFaults();
 
+// Called at each operation, with its number, on the thread that does it. Null: nobody watches.
+using FaultWatcher = void (*)(Fault kind, u32 number);
+void watchFaults(FaultWatcher watcher);
+
 }  // namespace host
