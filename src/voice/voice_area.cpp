@@ -16,6 +16,8 @@
 #include "voice/globals/signalToneTimer.h"
 #include "voice/globals/voiceMD5.h"
 #include "voice/globals/voiceTimer.h"
+#include "voice/port/msan_voice_port_cfg.h"
+#include "voice/port/msan_vportenable_cfg.h"
 #include "voice/profiles/dsp_channels.h"
 #include "voice/profiles/ngn_dsp.h"
 #include "voice/profiles/sip_call_profile.h"
@@ -42,10 +44,11 @@ static constexpr const VoiceItem* ngnConfiguration[] = {&mgc, &potsGeneral};
 
 // At the end of recovery the voice side is told all of it once more.
 static constexpr Step afterConfiguration[] = {
-    distributeOf<mgc>,          distributeOf<cidMode>,    distributeOf<potsNumber>,      distributeOf<iptNumber>,
-    distributeOf<rfc2833>,      distributeOf<rohTimeout>, distributeOf<signalToneTimer>, distributeOf<voiceMD5>,
-    distributeOf<voiceTimer>,   ndistrib_sipcallprofile,  distrib_dsp_profile,           distributeOf<rtpResource>,
-    distributeOf<faxParameter>, distributeOf<sipServer>,  distributeOf<sipDigitMap>,     distributeOf<sipAdvanced>};
+    distributeOf<mgc>,         distributeOf<cidMode>,     distributeOf<potsNumber>,      distributeOf<iptNumber>,
+    distributeOf<rfc2833>,     distributeOf<rohTimeout>,  distributeOf<signalToneTimer>, distributeOf<voiceMD5>,
+    distributeOf<voiceTimer>,  ndistrib_sipcallprofile,   voice_port_enable_hotplug,     distrib_dsp_profile,
+    distrib_voiceport,         distributeOf<rtpResource>, distributeOf<faxParameter>,    distributeOf<sipServer>,
+    distributeOf<sipDigitMap>, distributeOf<sipAdvanced>};
 
 int msan_ngn_showrun(Vty* vty) { return showrunItems(ngnItems, vty); }
 
@@ -75,7 +78,7 @@ static int cli_showrun_faxpara_config_func(const CommandElement*, Vty* vty, int 
       showrunItems(area.items, vty);
       return sip ? nshowrun_sipcallprofile(vty) : 0;
     }
-  return -1;
+  return bep_StrCmp(argv[0], "voiceportshowrun") == 0 ? showrun_voiceport(vty) : -1;
 }
 static constexpr Command areaCommands[] = {
     command(CONFIG_NODE, "ngn cfg showrun [faxshowrun|rtpshowrun|sipshowrun|voiceportshowrun]",
@@ -140,21 +143,31 @@ static int ngn_data_distribute(u16 slot) { return callAll(ngnDataDistribute, slo
 
 static constexpr Step init[] = {msanNGNDataInit, ngn_voice_cfg_init,  ninit_faxparameter, ninit_rtp_profile,
                                 ninit_sip,       init_sipcallprofile, msan_ngn_cfg_init};
-static constexpr Step snmpRegister[] = {
-    msanNGNSnmpMsgRegister,   reg_ngn_voice_snmp_cmd_handle, faxparacfg_regsnmpcmd_handle,
-    sipcfg_regsnmpcmdhandle,  rtp_prf_cfg_regsnmpcmd_handle, mgc_reg_cfg_regsnmpcmd_handle,
-    usereg_regsnmpcmd_handle, test112_regsnmp_cmdhandle,     reg_snmp_cmd_data};
+static constexpr Step snmpRegister[] = {msanNGNSnmpMsgRegister,
+                                        reg_ngn_voice_snmp_cmd_handle,
+                                        voiceportcfg_regsnmpcmdhandle,
+                                        faxparacfg_regsnmpcmd_handle,
+                                        sipcfg_regsnmpcmdhandle,
+                                        rtp_prf_cfg_regsnmpcmd_handle,
+                                        mgc_reg_cfg_regsnmpcmd_handle,
+                                        usereg_regsnmpcmd_handle,
+                                        test112_regsnmp_cmdhandle,
+                                        msan_reg_vportenable_snmp,
+                                        reg_snmp_cmd_data};
 static constexpr Step install[] = {msan_cmd_init,
                                    install_ngn_voice_cmd_line,
+                                   ninstall_voiceportcfg_cmdline,
                                    ninstall_faxcmdline,
                                    install_msan_sip_cfg_defun,
                                    ninstall_rtp_cmdline,
                                    ninstall_mgc_register_cmdline,
                                    ninstall_ngnuser_register_cmdline,
                                    install_msan_112test_defun,
-                                   install_sim_cmd_line};
-static constexpr PrintStep showrun[] = {msan_ngn_showrun,     show_run_ngn_voice,   nshowrun_faxparameter,
-                                        showrun_msan_sip_cfg, nshowrun_rtp_profile, install_msan_ngncfg_showrun};
+                                   install_sim_cmd_line,
+                                   msan_init_vportenable_cmd};
+static constexpr PrintStep showrun[] = {msan_ngn_showrun,           show_run_ngn_voice,   nshowrun_faxparameter,
+                                        showrun_msan_sip_cfg,       nshowrun_rtp_profile, showrun_voiceport,
+                                        install_msan_ngncfg_showrun};
 
 int msanVoice_Init() {
   callAll(init);

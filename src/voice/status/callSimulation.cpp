@@ -1,12 +1,12 @@
 #include "voice/status/callSimulation.h"
 
 #include <cerrno>
+#include <cstddef>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <limits>
 #include <string_view>
-#include <unordered_map>
 
 #include "platform/wrappers.h"
 #include "voice/common/voice_obj.h"
@@ -61,23 +61,11 @@ int check_call_out_start(const CallOutStart* record, SnmpErrInfo* err) {
 
 int is_call_out_number_duplicate(LIST* list, u16* slot, u16* port, char* number) {
   if (list == nullptr || slot == nullptr || port == nullptr || number == nullptr) return -1;
-  struct First {
-    int at;
-    const DataNode* node;
-  };
-  std::unordered_map<std::string_view, First> seen;
-  const First* first = nullptr;
-  int i = 0;
-  for (NODE* at = lstFirst(list); at != nullptr; at = lstNext(at), ++i) {
-    const auto* record = recordOf<CallOutStart>(at);
-    const std::string_view all(record->number, sizeof record->number);
-    const auto [known, fresh] = seen.try_emplace(all, First{i, static_cast<const DataNode*>(at)});
-    if (!fresh && (first == nullptr || known->second.at < first->at)) first = &known->second;
-  }
+  const DataNode* first = firstTwice(list, {offsetof(CallOutStart, number), sizeof CallOutStart::number, true});
   if (first == nullptr) return 0;
-  *slot = first->node->slot;
-  *port = first->node->port;
-  std::memcpy(number, first->node->data, sizeof CallOutStart::number);
+  *slot = first->slot;
+  *port = first->port;
+  std::memcpy(number, first->data, sizeof CallOutStart::number);
   return 1;
 }
 

@@ -128,7 +128,7 @@ struct TestResult {
   std::span<const ShownField> fields;
   const char* words;
 
-  constexpr u32 mostReply() const { return 4 + kMostPorts * record; }
+  constexpr u32 mostReply() const { return 4 + ports.maximum * record; }
 };
 
 // clang-format off

@@ -5,12 +5,10 @@
 #include "platform/log.h"
 #include "voice/common/ngn_view.h"
 #include "voice/common/port_units.h"
-#include "voice/common/voice_msc.h"
 
 static constexpr u16 kRegisterMessage = 3094;
 static constexpr u32 kItem = 82, kUnit = 86;  // of a manager, of the voice side
 static constexpr u32 kShortLocation = 16;
-static constexpr u16 kSendSlot = 18;  // for trace lines
 
 static constexpr Field fields[] = {
     field<&UserRegister::option>(
@@ -35,13 +33,6 @@ int mspack_register_user(u32 count, WireIn area, WireOut buffer) {
   return out.failed() ? -1 : 0;
 }
 
-// 0, or the code of the step that failed. A send that fails shows in the trace alone.
-static u16 sendUnits(const u8* units, u32 length) {
-  DataList sends;
-  if (vBuildMscPacketI(kSendSlot, kRegisterMessage, 0, units, length, sends) != 0) return kBuildFailed;
-  return vSendMscPacketI(sends) == 0 ? 0 : u16{kSendFailed};
-}
-
 static int nsnmp_register_user(u16 id, u8, u8* data, i32 length, u8* reply, u32* replyLen, void*, void*) {
   const SnmpCall call{id, nullptr, data, length, reply, replyLen};
   const Where where = Where::here();
@@ -63,21 +54,15 @@ static int nsnmp_register_user(u16 id, u8, u8* data, i32 length, u8* reply, u32*
     ulogPrintf(gModuleId_Msan, 13, "\r\n %s, %s %d, malloc error. \r\n", where.function, fileName(where), where.line);
     return -1;
   }
-  if (mspack_register_user(count, area, WireOut(units.get(), bytes)) != 0 || sendUnits(units.get(), bytes) != 0)
+  if (mspack_register_user(count, area, WireOut(units.get(), bytes)) != 0 ||
+      sendPortBytes(ports, units.get(), bytes) != 0)
     return answerFailed(call, "build MSC msg 0x%04X failed", where);
   return answerSuccess(call, 0);
 }
 
 int nregister_user(LIST* list, SnmpErrInfo* err) {
   if (inRecoverConfProcess() != 1 && checkPorts(ports, list, err) != 0) return -1;
-  u8* units = nullptr;
-  const u32 bytes = 4 + kUnit * static_cast<u32>(lstCount(list));
-  u16 code = kEncodeFailed;
-  if (vMemAlloc(&units, static_cast<i32>(bytes)) == 0) {
-    const PoolBytes owner(units);
-    Writer out(WireOut(units, bytes));
-    if (encodePorts(ports, list, out) == 0) code = sendUnits(units, bytes);
-  }
+  const u16 code = sendPorts(ports, list);
   if (code != 0) vSetErrorInfo(code, nullptr, 0, err);
   return 0;
 }
