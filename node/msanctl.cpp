@@ -25,6 +25,7 @@ struct Options {
   std::vector<std::string> commands;
   std::string file;
   int wait = 0;
+  bool yes = false;
 };
 
 void declare(CLI::App& app, Options& options) {
@@ -37,6 +38,7 @@ void declare(CLI::App& app, Options& options) {
   app.add_option("--wait", options.wait, "wait for msand for so long")
       ->type_name("SECONDS")
       ->check(CLI::Range(0, 3600));
+  app.add_flag("--yes", options.yes, "questions of commands are answered with yes");
   app.footer(
       "Without -c and -f: a terminal, or the lines of standard input if that is none.\n"
       "Exit codes: 0 all lines did well, 1 a line failed, 2 bad options or an unreadable file, 3 no msand, or\n"
@@ -62,10 +64,17 @@ int run(const Options& options) {
   ctl::Connection connection(options.socket, options.wait);
   int code = kDone;
   u64 number = 0;
+  bool asks = false;
+  if (options.yes) ctl::runCommand(connection, "answer yes", 0);
   for (const std::string& command : options.commands) {
     const auto outcome = ctl::runCommand(connection, command, ++number);
     if (outcome.failed != 0) code = kLineFailed;
     if (outcome.ended) return code;
+    asks = outcome.asks;
+  }
+  if (asks && options.file.empty()) {
+    std::fprintf(stderr, "msanctl: command:%llu asks, and got no answer\n", static_cast<unsigned long long>(number));
+    code = kLineFailed;
   }
   if (!options.file.empty()) return std::max(code, runFile(connection, options.file));
   if (!options.commands.empty()) return code;

@@ -5,6 +5,7 @@
 #include <chrono>
 #include <cstdio>
 #include <deque>
+#include <optional>
 
 #include "display.h"
 
@@ -88,6 +89,13 @@ class Batch {
   void flush() { std::fflush(stdout); }
   BatchOutcome outcome() const { return outcome_; }
 
+  // Nothing more comes: a question that is open stays without an answer.
+  void close() {
+    if (asked_) fail(*asked_, "asks, and got no answer");
+    asked_.reset();
+  }
+  bool asks() const { return asked_.has_value(); }
+
  private:
   struct Line {
     u64 number;
@@ -108,7 +116,12 @@ class Batch {
     if (!result || underWay_.empty()) throw ConnectionError("what answers is no msand");
     if (lineOpen_) std::fputc('\n', stdout);
     lineOpen_ = false;
-    if (result->good())
+    asked_.reset();
+    if (result->outcome == wire::kAsks) {
+      print(connection_.prompt() + "\n");
+      asked_ = std::move(underWay_.front());
+      underWay_.pop_front();
+    } else if (result->good())
       underWay_.pop_front();
     else
       failFront(reasonOf(*result));
@@ -116,15 +129,18 @@ class Batch {
   }
 
   void failFront(const std::string& why) {
+    fail(underWay_.front(), why);
+    underWay_.pop_front();
+  }
+
+  void fail(const Line& line, const std::string& why) {
     flush();
     progress_.clear();
-    const Line& line = underWay_.front();
     constexpr std::size_t kShown = 200;
     const std::string text = forDisplay(std::string_view(line.text).substr(0, kShown), true);
     std::fprintf(stderr, "%s:%llu: %s: %s\n", name_.c_str(), static_cast<unsigned long long>(line.number), why.c_str(),
                  text.c_str());
     ++outcome_.failed;
-    underWay_.pop_front();
   }
 
   Connection& connection_;
@@ -132,6 +148,7 @@ class Batch {
   const bool terminal_;
   Progress progress_;
   std::deque<Line> underWay_;
+  std::optional<Line> asked_;  // the line whose question is open
   bool lineOpen_ = false;
   BatchOutcome outcome_;
 };
@@ -154,6 +171,7 @@ BatchOutcome runLines(Connection& connection, LineReader& reader, const std::str
     if (batch.ended()) break;
     batch.tellProgress(reader.bytesRead());
   }
+  batch.close();
   batch.flush();
   return batch.outcome();
 }
@@ -163,7 +181,9 @@ BatchOutcome runCommand(Connection& connection, const std::string& line, u64 num
   batch.add(number, line, line.size() >= wire::kMaxRequest);
   while (!batch.idle() && !batch.ended()) batch.takeResult();
   batch.flush();
-  return batch.outcome();
+  BatchOutcome outcome = batch.outcome();
+  outcome.asks = batch.asks();
+  return outcome;
 }
 
 }  // namespace ctl

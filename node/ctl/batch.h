@@ -12,6 +12,7 @@ namespace ctl {
 struct BatchOutcome {
   u64 lines = 0;
   u64 failed = 0;
+  bool asks = false;   // a question is open
   bool ended = false;  // by "exit"; the lines behind it were not run
 };
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <exception>
 #include <shared_mutex>
+#include <utility>
 #include <vector>
 
 #include "host/jobs.h"
@@ -13,12 +14,13 @@ namespace msand {
 Operator::Operator(node::Node& node, Startup& startup) : node_(node), startup_(startup) { installPlatformWords(); }
 
 std::string Operator::prompt(const Terminal& terminal) const {
+  if (terminal.yes != nullptr) return terminal.question;
   return terminal.level == Level::debug ? "msan(debug)# " : "msan# ";
 }
 
 static wire::Result resultOf(host::LineOutcome outcome) { return {static_cast<u8>(outcome.result), outcome.returned}; }
 
-wire::Result Operator::runModuleLine(const Terminal& terminal, std::string_view line, std::string& text) {
+wire::Result Operator::runModuleLine(Terminal& terminal, std::string_view line, std::string& text) {
   Vty vty;
   wire::Result result;
   {
@@ -27,7 +29,38 @@ wire::Result Operator::runModuleLine(const Terminal& terminal, std::string_view 
   }
   text += vty.text;
   host::runJobs();
-  return result;
+  if (vty.yes == nullptr) return result;
+  terminal.question = vty.question;
+  terminal.yes = vty.yes;
+  if (terminal.answers != Answers::asked) return answer(terminal, terminal.answers == Answers::yes, text);
+  return {wire::kAsks, 0};
+}
+
+wire::Result Operator::answer(Terminal& terminal, bool yes, std::string& text) {
+  Vty vty;
+  vty.yes = std::exchange(terminal.yes, nullptr);
+  text += std::exchange(terminal.question, {}) + (yes ? "yes\r\n" : "no\r\n");
+  int returned = 0;
+  {
+    const std::shared_lock request(host::requestGate());
+    returned = host::answerQuestion(vty, yes);
+  }
+  text += vty.text;
+  host::runJobs();
+  return {static_cast<u8>(host::LineResult::ran), returned};
+}
+
+// Anything else than an answer takes the question back.
+wire::Result Operator::answerLine(Terminal& terminal, std::string_view line, std::string& text) {
+  while (!line.empty() && (line.back() == ' ' || line.back() == '\r')) line.remove_suffix(1);
+  for (const std::string_view yes : {"y", "Y", "yes"})
+    if (line == yes) return answer(terminal, true, text);
+  for (const std::string_view no : {"n", "N", "no"})
+    if (line == no) return answer(terminal, false, text);
+  terminal.yes = nullptr;
+  terminal.question.clear();
+  text += "neither y nor n: nothing is done\r\n";
+  return {static_cast<u8>(host::LineResult::ran), -1};
 }
 
 wire::Result Operator::runPlatformLine(Terminal& terminal, std::string_view line, std::string& text) {
@@ -39,6 +72,7 @@ wire::Result Operator::runPlatformLine(Terminal& terminal, std::string_view line
 }
 
 wire::Result Operator::run(Terminal& terminal, std::string_view line, std::string& text) try {
+  if (terminal.yes != nullptr) return answerLine(terminal, line, text);
   return isPlatformLine(line) ? runPlatformLine(terminal, line, text) : runModuleLine(terminal, line, text);
 } catch (const std::exception& error) {
   text += std::string(error.what()) + "\r\n";

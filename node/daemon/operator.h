@@ -23,7 +23,9 @@ class Operator : public Service {
   Startup& startup() { return startup_; }
 
  private:
-  wire::Result runModuleLine(const Terminal& terminal, std::string_view line, std::string& text);
+  wire::Result runModuleLine(Terminal& terminal, std::string_view line, std::string& text);
+  wire::Result answer(Terminal& terminal, bool yes, std::string& text);
+  wire::Result answerLine(Terminal& terminal, std::string_view line, std::string& text);
   wire::Result runPlatformLine(Terminal& terminal, std::string_view line, std::string& text);
 
   node::Node& node_;

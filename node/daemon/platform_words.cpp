@@ -130,6 +130,12 @@ int writeCommand(const CommandElement*, Vty* vty, int argc, char**) {
 }
 int showChassisCommand(const CommandElement*, Vty* vty, int, char**) { return leave(vty, showChassis); }
 
+int answerCommand(const CommandElement*, Vty* vty, int, char** argv) {
+  const std::string_view word = argv[0];
+  const Answers answers = word == "yes" ? Answers::yes : word == "no" ? Answers::no : Answers::asked;
+  return leave(vty, [answers](const PlatformCall& call) { return call.terminal.answers = answers, 0; });
+}
+
 int traceCommand(const CommandElement*, Vty* vty, int, char** argv) {
   const std::string_view word = argv[0];
   const TraceForm form = word == "on"     ? TraceForm::brief
@@ -174,6 +180,7 @@ const CommandElement kEverywhere[] = {
     {"exit", exitCommand, "back to the level above; from the first level: end the session"},
     {"show running-config", showRunningCommand, "the running configuration, as commands"},
     {"write {[force]}*1", writeCommand, "make the running configuration the startup configuration"},
+    {"answer [ask|yes|no]", answerCommand, "how questions of this session's commands are answered: by the next line, or so"},
     {"trace [on|full|hex|off]", traceCommand, "show every message that leaves the node: by name, with all fields, as bytes"},
     {"chassis show", showChassisCommand, "slots and cards"},
     {"chassis slot <1-20> card <type>", slotCardCommand, "give a slot a card type, or none"},
@@ -183,7 +190,7 @@ const CommandElement kEverywhere[] = {
 };
 const CommandElement kDebug = {"debug", debugCommand, "go to the debug level"};
 
-constexpr std::string_view kWords[] = {"help", "exit", "write", "trace", "chassis", "flow", "debug"};
+constexpr std::string_view kWords[] = {"help", "exit", "answer", "write", "trace", "chassis", "flow", "debug"};
 // clang-format on
 
 bool equal(std::string_view typed, std::string_view word) {

@@ -11,7 +11,8 @@
 //     H  first of all: u8 version of this protocol
 //     P  the prompt, after H and whenever it changes
 //     T  text of the line under way, as the command printed it; as many frames as it takes
-//     R  the end of a line, one for each L in the order of the lines: u8 outcome (the number of a LineResult), then
+//     R  the end of a line, one for each L in the order of the lines: u8 outcome (the number of a LineResult, or
+//     kAsks), then
 //        i32 what the handler returned, big-endian
 //     S  the answer to ?: one row "word TAB help LF" per suggestion; "<cr>" where the line may end
 //     M  a line of the live trace; comes at any time, between the other frames
@@ -54,6 +55,10 @@ void appendFrame(std::string& to, Kind kind, std::string_view payload);
 
 // Appends a payload of any length in as many frames as it takes, none for an empty one.
 void appendFrames(std::string& to, Kind kind, std::string_view payload);
+
+// An outcome beside those of a LineResult: the line has left a question open, which is the prompt now. The next line is
+// the answer.
+inline constexpr u8 kAsks = 100;
 
 // The payload of R.
 struct Result {

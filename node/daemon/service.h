@@ -4,6 +4,7 @@
 #include <string>
 #include <string_view>
 
+#include "host/terminal.h"
 #include "protocol.h"
 
 namespace msand {
@@ -13,11 +14,16 @@ enum class Level : u8 { configuration, debug };
 // How a terminal is shown messages: by name on few lines, with every field, as bytes.
 enum class TraceForm : u8 { off, brief, full, hex };
 
+enum class Answers : u8 { asked, yes, no };
+
 // A terminal, as its commands see it.
 struct Terminal {
   Level level = Level::configuration;
   TraceForm trace = TraceForm::off;  // of the live trace
   bool ended = false;                // the session ends behind this line
+  Answers answers = Answers::asked;  // how questions of commands are answered
+  std::string question;              // that a command has left open; the next line answers it
+  int (*yes)(Vty* vty) = nullptr;
 };
 
 class Service {

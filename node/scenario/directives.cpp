@@ -97,10 +97,11 @@ Action readCard(Arguments& arguments) {
 
 // Operator.
 
-void runLine(int node, const std::string& line, Outcome& outcome) {
-  Vty vty;
+void runLine(Stage& stage, int node, const std::string& line, Outcome& outcome) {
+  Vty& vty = stage.terminal = {};
   const host::LineOutcome ran = host::runLine(vty, node, line);
   outcome.terminal = std::move(vty.text);
+  outcome.question = vty.question;
   if (ran.result == host::LineResult::ran)
     outcome.result(ran.returned);
   else
@@ -108,14 +109,22 @@ void runLine(int node, const std::string& line, Outcome& outcome) {
 }
 
 Action readLine(Arguments& arguments, int node) {
-  return [node, line = std::string(arguments.rest())](Stage&, Outcome& outcome) { runLine(node, line, outcome); };
+  return [node, line = std::string(arguments.rest())](Stage& stage, Outcome& outcome) {
+    runLine(stage, node, line, outcome);
+  };
 }
 
 Action readCli(Arguments& arguments) { return readLine(arguments, CONFIG_NODE); }
 
 Action readConfirm(Arguments& arguments) {
-  arguments.choice({"yes", "no"});
-  return notAvailable("no command of this node asks");
+  const bool yes = arguments.choice({"yes", "no"}) == 0;
+  return [yes](Stage& stage, Outcome& outcome) {
+    if (stage.terminal.yes == nullptr) return outcome.notAvailable("no command has asked");
+    stage.terminal.text.clear();
+    const int result = host::answerQuestion(stage.terminal, yes);
+    outcome.terminal = stage.terminal.text;
+    outcome.result(result);
+  };
 }
 
 Action readRunningConfiguration(Arguments&) {

@@ -17,7 +17,7 @@ void Outcome::notAvailable(std::string_view why) {
   available = false;
 }
 
-Player::Player(const std::string& module) : node_(module), stage_{node_, recorder_, {}, host::poolInUse(), {}, {}} {
+Player::Player(const std::string& module) : node_(module), stage_{node_, recorder_, {}, {}, host::poolInUse(), {}, {}} {
   host::runJobs();
   recorder_.take();
 }
@@ -35,6 +35,7 @@ Played Player::play(const Action& action) {
   host::runJobs();
   Played played{recorder_.take(), outcome.available};
   for (const std::string& line : terminalLines(outcome.terminal)) played.record.push_back(marked("|", line));
+  if (!outcome.question.empty()) played.record.push_back(marked("?", outcome.question));
   for (std::string& line : outcome.lines) played.record.push_back(std::move(line));
   return played;
 }

@@ -16,6 +16,7 @@ struct Stage {
   node::Node& node;
   Recorder& recorder;
   std::string startup;  // the startup configuration that `save` keeps
+  Vty terminal;         // the operator's, with the question that its last command left open
   u64 poolMark = 0;
   std::set<u16> setIds, getIds;  // messages of which a SET or a GET in pieces may be unfinished
 };
@@ -23,6 +24,7 @@ struct Stage {
 // What a directive gave besides its events, in the order of the record.
 struct Outcome {
   std::string terminal;
+  std::string question;
   std::vector<std::string> lines;
   bool available = true;
 

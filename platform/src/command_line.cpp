@@ -43,6 +43,22 @@ Installed& installed() {
 
 std::atomic<bool> fastMode = false;
 
+// The terminal of the handler that runs on this thread, as long as it lives.
+class Running {
+ public:
+  explicit Running(Vty& vty) : outer_(std::exchange(innermost(), &vty)) {}
+  ~Running() { innermost() = outer_; }
+  Running(const Running&) = delete;
+  Running& operator=(const Running&) = delete;
+  static Vty*& innermost() {
+    thread_local Vty* vty = nullptr;
+    return vty;
+  }
+
+ private:
+  Vty* outer_;
+};
+
 // The thread's memory for reading lines. A handler may run a line in its turn, whose reading then has its own.
 class BorrowedReading {
  public:
@@ -99,6 +115,26 @@ void vty_out(Vty* vty, const char* format, ...) {
   va_end(again);
 }
 
+// The text up to its last line end is print like any other; the rest waits for an answer.
+void vty_direct_out(Vty* vty, const char* text) {
+  const std::string_view all = text;
+  const std::size_t asks = all.rfind('\n') == all.npos ? 0 : all.rfind('\n') + 1;
+  vty->text += all.substr(0, asks);
+  vty->question += all.substr(asks);
+}
+
+void vty_confirm(Vty* vty, int (*yes)(Vty*)) { vty->yes = yes; }
+
+int cli_run_one_defun_func(const char* text, u32 length) {
+  std::string_view line(text, length);
+  while (!line.empty() && (line.back() == '\n' || line.back() == '\r' || line.back() == ' ')) line.remove_suffix(1);
+  Vty* outer = Running::innermost();
+  Vty inner;
+  const host::LineOutcome outcome = host::runLine(inner, CONFIG_NODE, line);
+  if (outer != nullptr) outer->text += inner.text;
+  return outcome.result == host::LineResult::ran ? outcome.returned : -1;
+}
+
 int cl_install_module_by_mod_id(i32 module, int (*install)(), int (*showrun)(Vty*)) {
   Installed& commands = installed();
   {
@@ -151,7 +187,16 @@ LineOutcome runLine(Vty& vty, int node, std::string_view line) {
     element = at->command(chosen->command).element;
     arguments = reading.arguments(*at, *chosen);
   }
+  const Running running(vty);
   return {LineResult::ran, element->handler(element, &vty, static_cast<int>(arguments.size()), arguments.data())};
+}
+
+int answerQuestion(Vty& vty, bool yes) {
+  const auto action = std::exchange(vty.yes, nullptr);
+  vty.question.clear();
+  if (!yes || action == nullptr) return 0;
+  const Running running(vty);
+  return action(&vty);
 }
 
 std::vector<Suggestion> suggestions(int node, std::string_view line) {

@@ -15,6 +15,7 @@
 #include "platform/tables.h"
 #include "ppda/volt_current.h"
 #include "voice/port/voice_port_record.h"
+#include "voice/service/ngn_protocol.h"
 
 i32 gModuleId_Msan = 0;
 i32 g_MsanMemPoolId = 0;
@@ -38,8 +39,7 @@ static constexpr SlotStep cardUnauthorised[] = {delObjAttrBySlot};
 int inRecoverConfProcess() { return is_cliFastMode(); }
 
 int msan_Module_Init() {
-  // The protocol type gives its load callback and its update handler when it exists.
-  gModuleId_Msan = modInitRegister("msan", 0, nullptr, nullptr, 0, 0, 0);
+  gModuleId_Msan = modInitRegister("msan", 0, nload_ngn_protocol_type, nullptr, 0, 0, 0);
   if (gModuleId_Msan < 0) {
     ulogPrintf(gModuleId_Msan, 14, "%s: Failed to get module id, ret = %d.\r\n", __func__, gModuleId_Msan);
     return gModuleId_Msan;
@@ -117,14 +117,19 @@ static int changeEvents(DbConnection database, const char* function, Change chan
 }
 
 int msan_register_events(DbConnectionData* database) {
-  return changeEvents(database, __func__, [](mco_trans_h t) { mco_register_typeUpdate_handler(t, nullptr, 0, 1); });
+  return changeEvents(database, __func__,
+                      [](mco_trans_h t) { mco_register_typeUpdate_handler(t, ngn_protocol_update, 0, 1); });
 }
 
 int msan_unregister_events(DbConnectionData* database) {
-  return changeEvents(database, __func__, [](mco_trans_h t) { mco_unregister_typeUpdate_handler(t, nullptr); });
+  return changeEvents(database, __func__,
+                      [](mco_trans_h t) { mco_unregister_typeUpdate_handler(t, ngn_protocol_update); });
 }
 
-int msan_slave_flush() { return 0; }
+int msan_slave_flush() {
+  ngn_protocol_flush();
+  return 0;
+}
 
 int msan_get_attribute(u16 slot, u16 port, u32 attribute, void* data, u32 length) {
   const ObjIndex object{0, port == 0 ? kSlotLevel : kPortLevel, {1, slot, port}};

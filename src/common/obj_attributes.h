@@ -12,7 +12,8 @@ enum AttributeNumber : u32 {
   kAdslLineAttribute = 281,
   kPvcAttribute = 282,
   kFeedAttribute = 285,
-  kVdslLineAttribute = 291
+  kVdslLineAttribute = 291,
+  kSelfPortAttribute = 296,
 };
 
 enum AttributeError : int { kReadWithOffset = -53, kNoSuchAttribute = -54 };

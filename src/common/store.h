@@ -94,3 +94,46 @@ int loadRow(const Table<Row>& table, Fields fields, void* record, u32 key, Where
   for (const Field& field : fields) field.get(&row, field.at(record));
   return transaction.commit();
 }
+
+// The functions of a table whose rows are moved whole, as the structure of their columns.
+template <class Row, class Columns>
+struct WholeTable {
+  const char* name;
+  const char* index;
+  int (*find)(mco_trans_h, u32 key, Row*);
+  int (*create)(mco_trans_h, Row*);
+  int (*put)(Row*, const Columns*);
+  int (*get)(Row*, Columns*);
+};
+
+// Writes the row of the key, which is created if needed; the key stands in the columns, too. 0 or kStoreFailed.
+template <class Row, class Columns>
+int storeWhole(const WholeTable<Row, Columns>& table, u32 key, const Columns& columns, Where where = Where::here()) {
+  Transaction transaction(Access::write, where);
+  if (!transaction) return kStoreFailed;
+  Row row;
+  int code = table.find(transaction, key, &row);
+  if (code == DB_NOT_FOUND) {
+    code = table.create(transaction, &row);
+    if (code != 0) logNew(where, table.name, code);
+  } else if (code != 0) {
+    logFind(where, table.name, table.index, code);
+  }
+  if (code != 0) return kStoreFailed;
+  table.put(&row, &columns);
+  return transaction.commit();
+}
+
+// Reads the row of the key. 0 or kStoreFailed; then `columns` are as they were.
+template <class Row, class Columns>
+int loadWhole(const WholeTable<Row, Columns>& table, u32 key, Columns& columns, Where where = Where::here()) {
+  Transaction transaction(Access::read, where);
+  if (!transaction) return kStoreFailed;
+  Row row;
+  if (const int code = table.find(transaction, key, &row)) {
+    logRead(where, code);
+    return kStoreFailed;
+  }
+  table.get(&row, &columns);
+  return transaction.commit();
+}

@@ -18,12 +18,18 @@
 #include "voice/globals/voiceTimer.h"
 #include "voice/port/msan_voice_port_cfg.h"
 #include "voice/port/msan_vportenable_cfg.h"
+#include "voice/port/voice_self_port.h"
 #include "voice/profiles/dsp_channels.h"
 #include "voice/profiles/ngn_dsp.h"
 #include "voice/profiles/sip_call_profile.h"
 #include "voice/service/msan_fax_para_cfg.h"
 #include "voice/service/msan_rtp_prf_cfg.h"
 #include "voice/service/msan_sip_cfg.h"
+#include "voice/service/ngn_protocol.h"
+#include "voice/service/ngn_vo_basis.h"
+#include "voice/service/ngn_vo_ip.h"
+#include "voice/service/ngn_vo_vlan.h"
+#include "voice/service/voice_self_switch.h"
 #include "voice/status/callSimulation.h"
 #include "voice/status/msan_112test.h"
 #include "voice/status/msan_ngn_user_register.h"
@@ -37,18 +43,36 @@ static constexpr const VoiceItem* ngnItems[] = {&cidMode,    &potsNumber,      &
                                                 &rohTimeout, &signalToneTimer, &voiceMD5,  &voiceTimer};
 static constexpr const VoiceItem* mgcRegisterItems[] = {&mgcRegister};
 static constexpr const VoiceItem* faxItems[] = {&faxParameter};
+static constexpr const VoiceItem* basisItems[] = {&voiceBasis};
 static constexpr const VoiceItem* rtpItems[] = {&rtpResource};
 static constexpr const VoiceItem* sipItems[] = {&sipServer, &sipDigitMap, &sipAdvanced};
 // The gateway controllers and the POTS parameters stand apart from the others.
 static constexpr const VoiceItem* ngnConfiguration[] = {&mgc, &potsGeneral};
 
 // At the end of recovery the voice side is told all of it once more.
-static constexpr Step afterConfiguration[] = {
-    distributeOf<mgc>,         distributeOf<cidMode>,     distributeOf<potsNumber>,      distributeOf<iptNumber>,
-    distributeOf<rfc2833>,     distributeOf<rohTimeout>,  distributeOf<signalToneTimer>, distributeOf<voiceMD5>,
-    distributeOf<voiceTimer>,  ndistrib_sipcallprofile,   voice_port_enable_hotplug,     distrib_dsp_profile,
-    distrib_voiceport,         distributeOf<rtpResource>, distributeOf<faxParameter>,    distributeOf<sipServer>,
-    distributeOf<sipDigitMap>, distributeOf<sipAdvanced>};
+static constexpr Step afterConfiguration[] = {distributeOf<mgc>,
+                                              distributeOf<cidMode>,
+                                              distributeOf<potsNumber>,
+                                              distributeOf<iptNumber>,
+                                              distributeOf<rfc2833>,
+                                              distributeOf<rohTimeout>,
+                                              distributeOf<signalToneTimer>,
+                                              distributeOf<voiceMD5>,
+                                              distributeOf<voiceTimer>,
+                                              ndistrib_sipcallprofile,
+                                              voice_port_enable_hotplug,
+                                              distrib_dsp_profile,
+                                              distrib_voiceport,
+                                              distrib_voice_vlan,
+                                              distrib_voice_ip,
+                                              distributeOf<voiceBasis>,
+                                              distributeOf<rtpResource>,
+                                              distributeOf<faxParameter>,
+                                              distributeOf<sipServer>,
+                                              distributeOf<sipDigitMap>,
+                                              distributeOf<sipAdvanced>,
+                                              ndistrib_voice_self_switch,
+                                              distrib_voice_self_port};
 
 int msan_ngn_showrun(Vty* vty) { return showrunItems(ngnItems, vty); }
 
@@ -85,23 +109,42 @@ static constexpr Command areaCommands[] = {
             cli_showrun_faxpara_config_func, "running configuration of a part of the voice service"),
 };
 
-static int ngn_voice_cfg_init() { return init_dsp(); }
+// The first failure ends it.
+static int ngn_voice_cfg_init() {
+  return init_dsp() == 0 && init_voice_ip() == 0 && init_voice_vlan(0) == 0 && init_voice_vlan(1) == 0
+             ? initItems(basisItems)
+             : -1;
+}
 static int ninit_faxparameter() { return initItems(faxItems); }
 static int ninit_rtp_profile() { return initItems(rtpItems); }
 static int ninit_sip() { return initItems(sipItems); }
 static int reg_ngn_voice_snmp_cmd_handle() {
   registerDspProfiles();
-  return registerDspChannels();
+  registerDspChannels();
+  registerVoiceIp();
+  registerVoiceVlan();
+  return registerItems(basisItems);
 }
 static int install_ngn_voice_cmd_line() {
   install_dsp_cmd_line();
-  return installDspChannels();
+  installDspChannels();
+  installVoiceIp();
+  installVoiceVlan();
+  return installItems(basisItems);
 }
-static int show_run_ngn_voice(Vty* vty) { return show_run_dsp_profile(vty); }
+static int show_run_ngn_voice(Vty* vty) {
+  show_run_dsp_profile(vty);
+  show_run_voice_vlan(vty);
+  show_run_voice_ip(vty);
+  return showrunItems(basisItems, vty);
+}
 static int faxparacfg_regsnmpcmd_handle() { return registerItems(faxItems); }
 static int sipcfg_regsnmpcmdhandle() {
   registerItems(sipItems);
-  return registerSipCallProfiles();
+  registerSipCallProfiles();
+  registerNgnProtocol();
+  registerVoiceSelfSwitch();
+  return registerVoiceSelfPort();
 }
 static int rtp_prf_cfg_regsnmpcmd_handle() { return registerItems(rtpItems); }
 static int ninstall_faxcmdline() {
@@ -110,13 +153,18 @@ static int ninstall_faxcmdline() {
 }
 static int install_msan_sip_cfg_defun() {
   installItems(sipItems);
-  return ninstall_sipcallprf_cfgline();
+  ninstall_sipcallprf_cfgline();
+  installNgnProtocol();
+  installVoiceSelfSwitch();
+  return installVoiceSelfPort();
 }
 static int ninstall_rtp_cmdline() { return installItems(rtpItems); }
 static int nshowrun_faxparameter(Vty* vty) { return showrunItems(faxItems, vty); }
 static int showrun_msan_sip_cfg(Vty* vty) {
   showrunItems(sipItems, vty);
-  return nshowrun_sipcallprofile(vty);
+  nshowrun_sipcallprofile(vty);
+  nshowrun_voice_self_switch(vty);
+  return nshowrun_voice_self_port(vty);
 }
 static int nshowrun_rtp_profile(Vty* vty) { return showrunItems(rtpItems, vty); }
 
@@ -141,8 +189,9 @@ static int install_msan_ngncfg_showrun(Vty* vty) { return showrunItems(ngnConfig
 static constexpr SlotStep ngnDataDistribute[] = {distrib_pots_general_para};
 static int ngn_data_distribute(u16 slot) { return callAll(ngnDataDistribute, slot); }
 
-static constexpr Step init[] = {msanNGNDataInit, ngn_voice_cfg_init,  ninit_faxparameter, ninit_rtp_profile,
-                                ninit_sip,       init_sipcallprofile, msan_ngn_cfg_init};
+static constexpr Step init[] = {
+    msanNGNDataInit,     ngn_voice_cfg_init, ninit_faxparameter,      ninit_rtp_profile,      ninit_sip,
+    init_sipcallprofile, msan_ngn_cfg_init,  ninit_ngn_protocol_type, ninit_voice_self_switch};
 static constexpr Step snmpRegister[] = {msanNGNSnmpMsgRegister,
                                         reg_ngn_voice_snmp_cmd_handle,
                                         voiceportcfg_regsnmpcmdhandle,
@@ -165,9 +214,9 @@ static constexpr Step install[] = {msan_cmd_init,
                                    install_msan_112test_defun,
                                    install_sim_cmd_line,
                                    msan_init_vportenable_cmd};
-static constexpr PrintStep showrun[] = {msan_ngn_showrun,           show_run_ngn_voice,   nshowrun_faxparameter,
-                                        showrun_msan_sip_cfg,       nshowrun_rtp_profile, showrun_voiceport,
-                                        install_msan_ngncfg_showrun};
+static constexpr PrintStep showrun[] = {nshowrun_ngn_protocol_type, msan_ngn_showrun,           show_run_ngn_voice,
+                                        nshowrun_faxparameter,      showrun_msan_sip_cfg,       nshowrun_rtp_profile,
+                                        showrun_voiceport,          install_msan_ngncfg_showrun};
 
 int msanVoice_Init() {
   callAll(init);
@@ -191,6 +240,8 @@ int msanVoice_Showrun(Vty* vty) {
 
 int msan_voice_hotplug(u16 slot) {
   ngn_data_distribute(slot);
+  send_rtp_vlan_by_slot(slot);
+  send_rtp_ip_by_slot(slot);
   if (debugOn(Area::voice)) ulogPrintf(gModuleId_Msan, 10, "%s: finished. \n\r", __func__);
   return 0;
 }

@@ -82,5 +82,22 @@ flow       id name                 entries
 rule        3 data                       0
 policy      2 gold" "$out"
 
+# A command that asks: the answer is the next line, or told ahead; without one nothing is done.
+type() { ctl -c "show ngn_protocol_type" | tail -n 1; }
+run ctl -c "set ngn_protocol_type sip"
+expect "exit code of a question without an answer" 1 "$code"
+expectMatch "it is told" "*asks, and got no answer" "$err"
+expect "and nothing done" "ngn_protocol_type: none " "$(type)"
+printf 'set ngn_protocol_type sip\nshow cid mode\n' >"$folder/lines"
+run ctl -f "$folder/lines"
+expect "what is no answer takes the question back" "$folder/lines:2: failed (-1): show cid mode" "$err"
+printf 'set ngn_protocol_type sip\nn\nset ngn_protocol_type sip\ny\n' >"$folder/lines"
+run ctl -f "$folder/lines"
+expect "exit code of answers in a file" "0 " "$code $err"
+expect "the second of which was yes" "ngn_protocol_type: sip " "$(type)"
+run ctl --yes -c "set ngn_protocol_type h248"
+expect "exit code of an answer ahead" "0 " "$code $err"
+expect "which was yes" "ngn_protocol_type: h248 " "$(type)"
+
 stop
 exit $bad

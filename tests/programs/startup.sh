@@ -120,7 +120,7 @@ printf '5 = { card = "vdsl16" }\n' >>"$folder/msand.toml"
 : >"$folder/log"
 start
 expectMatch "a service with its rule" "*$line*" "$(ctl -c 'show running-config')"
-expectMatch "and no line of it failed" "" "$(grep 'startup.cfg:[0-9]*:.*vlan' "$folder/log" || true)"
+expectMatch "and no line of it failed" "" "$(grep 'startup.cfg:[0-9]*: attach vlan' "$folder/log" || true)"
 stop
 { echo 'flow = ["rule 5 named video"]'; cat "$folder/plain.toml"; } >"$folder/msand.toml"
 run "$bin/msand" --config "$folder/msand.toml" --snmp none

@@ -7,9 +7,11 @@
 
 #include "platform/command_line.h"
 
-// The terminal of a command: what it printed, as it printed it.
+// The terminal of a command: what it printed, as it printed it; a question that it left open, and what is done on yes.
 struct Vty {
   std::string text;
+  std::string question;
+  int (*yes)(Vty* vty) = nullptr;
 };
 
 namespace host {
@@ -24,6 +26,9 @@ struct LineOutcome {
 
 // Runs a line at a node. An empty line, and one that begins with '!', run nothing and give 0.
 LineOutcome runLine(Vty& vty, int node, std::string_view line);
+
+// Answers the question that a line left open. What was done gave, 0 for a no.
+int answerQuestion(Vty& vty, bool yes);
 
 // What may stand next at the end of the line: words for completion and help. The word that the line ends with counts as
 // being typed; behind a blank a new one begins.

@@ -26,13 +26,24 @@ struct CommandElement {
   const char* help;  // a few words, shown behind the command's words by ? and Tab
 };
 
-enum CommandNode { DEBUG_NODE = 10, CONFIG_NODE = 50 };
+enum CommandNode { CONFIRM_NODE = 7, DEBUG_NODE = 10, CONFIG_NODE = 50 };
 
 // Installs a command at a node. 0, or -1 for a syntax that can't be read or whose lines another command takes.
 int install_element(int node, const CommandElement* element);
 
 // Prints to the terminal of a command.
 void vty_out(Vty* vty, const char* format, ...) __attribute__((format(printf, 2, 3)));
+
+// Prints to the terminal at once: a question.
+void vty_direct_out(Vty* vty, const char* text);
+
+// Saves the terminal's node, puts it into that of confirmation, and keeps the function for the operator's yes. Either
+// answer brings the node back.
+void vty_confirm(Vty* vty, int (*yes)(Vty* vty));
+
+// Runs one line at the node of configuration as if it were typed; what it prints goes to the terminal of the command
+// that runs. What its handler gave, -1 for a line that is no command.
+int cli_run_one_defun_func(const char* text, u32 length);
 
 // Records the function that installs a module's commands, which is called at once, and the one that prints its
 // running configuration. Returns what `install` gave.

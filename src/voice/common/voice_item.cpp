@@ -162,6 +162,7 @@ int snmpSet(const VoiceItem& item, const SnmpCall& call) {
   DataList list;
   if (acceptSet(item, call, list, where) != 0) return -1;
   if (setUnits(item, list) != 0) return answerFailed(call, "set configuration failed", where);
+  if (item.reportsFirst) trigger_obj_crc(kNodeSlot, 0, 0, item.id, kSnmp);
   u16 code = 0;
   if (item.forward != Forward::asItCame) {
     code = encodeAndSend(item, static_cast<LIST*>(list), where);
@@ -173,11 +174,10 @@ int snmpSet(const VoiceItem& item, const SnmpCall& call) {
     if (forwardSet(item, call, units) != 0) code = kBuildFailed;
   }
   answerSuccess(call, 0);
-  if (code == 0) {
-    trigger_obj_crc(kNodeSlot, 0, 0, item.id, kSnmp);
-  } else {
+  if (code != 0)
     printTrace(where, "build MSC msg 0x%04X failed", item.id);
-  }
+  else if (!item.reportsFirst)
+    trigger_obj_crc(kNodeSlot, 0, 0, item.id, kSnmp);
   return 0;
 }
 
@@ -256,6 +256,7 @@ int storeAndSend(const VoiceItem& item, const void* cfg, SnmpErrInfo* err) {
     printTrace(where, "set %s configuration failed", item.words);
     return -1;
   }
+  if (item.reportsFirst) trigger_obj_crc(kNodeSlot, 0, 0, item.id, kCommand);
   if (const u16 code = encodeAndSend(item, cfg, where)) vSetErrorInfo(code, nullptr, 0, err);
   return 0;
 }
@@ -300,7 +301,7 @@ int finishSet(Vty* vty, const VoiceItem& item, int result, const SnmpErrInfo& er
   const int code = static_cast<i16>(err.errCode);
   vty_out(vty, "\r\n %s %s(%d). \r\n", done, result == -1 ? "failed" : "successfully", code);
   if (result == -1) return -1;
-  trigger_obj_crc(kNodeSlot, 0, 0, item.id, kCommand);
+  if (!item.reportsFirst) trigger_obj_crc(kNodeSlot, 0, 0, item.id, kCommand);
   return 0;
 }
 
@@ -312,20 +313,17 @@ int configure(Vty* vty, const VoiceItem& item, const void* cfg, const char* done
 
 int distributeErase(Vty* vty, const VoiceItem& item, int argc, char** argv) {
   if (argc != 1) return refuse(vty, "invalid parameter quantity");
-  int result = 0;
-  if (bep_StrCmp(argv[0], "distribute") == 0) {
-    result = distributeItem(item);
-  } else if (bep_StrCmp(argv[0], "erase") == 0) {
-    result = eraseItem(item);
-  } else {
-    return refuse(vty, "invalid configuration operation");
-  }
+  const bool erases = bep_StrCmp(argv[0], "erase") == 0;
+  if (!erases && bep_StrCmp(argv[0], "distribute") != 0) return refuse(vty, "invalid configuration operation");
+  const int result = erases ? eraseItem(item) : distributeItem(item);
   if (result != 0) {
     vty_out(vty, "\r\n %s %s configuration failed. \r\n", argv[0], item.viewWords);
     return -1;
   }
+  const auto report = [&] { trigger_obj_crc(kNodeSlot, 0, 0, item.id, kCommand); };
+  if (item.reportsFirst && erases) report();
   vty_out(vty, "\r\n %s %s configuration successfully. \r\n", argv[0], item.viewWords);
-  trigger_obj_crc(kNodeSlot, 0, 0, item.id, kCommand);
+  if (!item.reportsFirst) report();
   return 0;
 }
 

@@ -108,6 +108,7 @@ struct VoiceItem {
   Kept kept;
   u32 label = 22;  // bytes of the object label in a frame
   Forward forward = Forward::asItCame;
+  bool reportsFirst = false;  // a change is reported ahead of its message, a distribution not at all
   // Bytes of the count ahead of the units, 0 for an item that is one unit; and its limits.
   u32 countWidth = 0;
   u32 minimum = 1;

@@ -24,5 +24,12 @@ int distrib_voiceport();           // of all slots
 int nerase_voiceport(u16 slot);    // all but the enabling
 int showrun_voiceport(Vty* vty);
 
+// Numbers over a list of ports, for the commands that count them up. The ports of an interface string with records of a
+// voice port: 0, or -1 behind a line. A number in their records, counted up in its last digits; of a long one the first
+// 9, 18 or 27 stay as they are: 0, or -1 for one that its field does not hold.
+bool numberIsTooLong(Vty* vty, const char* number);  // with a line
+int listCounted(Vty* vty, const char* ifStr, u32 attribute, u32 step, LIST* list);
+int setNumbers(const char* number, u32 step, LIST* list);
+
 int voiceportcfg_regsnmpcmdhandle();
 int ninstall_voiceportcfg_cmdline();

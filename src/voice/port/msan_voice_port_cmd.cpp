@@ -81,14 +81,16 @@ static int cli_set_voice_port_protocol_profile_config_func(const CommandElement*
   return nset_voiceport_datalista(&record, list) == 0 ? finish(vty, list) : badList(vty);
 }
 
-// The ports of numbers that are counted up; several of them want a step.
-static int listCounted(Vty* vty, const char* ifStr, u32 step, LIST* list) {
-  if (listPorts(vty, ifStr, list) != 0) return -1;
-  if (step == 0 && lstCount(list) > 1) {
-    vty_out(vty, "\r\n invalid user name step: %d. \r\n", 0);
-    return -1;
-  }
-  return readRecords(vty, list);
+// Several ports want a step: one number would stand at all of them.
+int listCounted(Vty* vty, const char* ifStr, u32 attribute, u32 step, LIST* list) {
+  if (readPorts(vty, ifStr, attribute, sizeof(VoicePort), list) != 0) return -1;
+  if (step != 0 || lstCount(list) <= 1) return 0;
+  vty_out(vty, "\r\n invalid user name step: %d. \r\n", 0);
+  return -1;
+}
+
+static int readCounted(Vty* vty, const char* ifStr, u32 step, LIST* list) {
+  return listCounted(vty, ifStr, kVoicePortAttribute, step, list) == 0 ? readRecords(vty, list) : -1;
 }
 
 static bool tooLong(Vty* vty, const char* what, const char* text) {
@@ -97,6 +99,8 @@ static bool tooLong(Vty* vty, const char* what, const char* text) {
   return true;
 }
 
+bool numberIsTooLong(Vty* vty, const char* number) { return tooLong(vty, "telephone number", number); }
+
 static int cli_set_voice_port_user_name_func(const CommandElement*, Vty* vty, int argc, char** argv) {
   if (argc != 4) return badQuantity(vty);
   if (argv[0][0] == '\0') return refuse(vty, "the start user name is NULL");
@@ -104,12 +108,11 @@ static int cli_set_voice_port_user_name_func(const CommandElement*, Vty* vty, in
   const u32 start = static_cast<u32>(bep_atoiEx(argv[1]));
   const u32 step = static_cast<u32>(bep_atoiEx(argv[2]));
   DataList list;
-  if (listCounted(vty, argv[3], step, list) != 0) return -1;
+  if (readCounted(vty, argv[3], step, list) != 0) return -1;
   return nset_voiceport_datalistb(argv[0], start, step, list) == 0 ? finish(vty, list) : badList(vty);
 }
 
-// A number is counted up in its last digits: of a long one the first 9, 18 or 27 stay as they are.
-static int setNumbers(const char* number, u32 step, LIST* list) {
+int setNumbers(const char* number, u32 step, LIST* list) {
   const std::size_t length = std::strlen(number);
   if (step == 0) return nset_voiceport_datalistb(number, 0, 0, list);
   const std::size_t head = length < 10 ? 0 : length < 19 ? 9 : length < 28 ? 18 : 27;
@@ -122,10 +125,10 @@ static int setNumbers(const char* number, u32 step, LIST* list) {
 
 static int cli_set_voice_port_telephone_number_func(const CommandElement*, Vty* vty, int argc, char** argv) {
   if (argc != 3) return badQuantity(vty);
-  if (tooLong(vty, "telephone number", argv[0])) return -1;
+  if (numberIsTooLong(vty, argv[0])) return -1;
   const u32 step = static_cast<u32>(bep_atoiEx(argv[1]));
   DataList list;
-  if (listCounted(vty, argv[2], step, list) != 0) return -1;
+  if (readCounted(vty, argv[2], step, list) != 0) return -1;
   return setNumbers(argv[0], step, list) == 0 ? finish(vty, list) : badList(vty);
 }
 

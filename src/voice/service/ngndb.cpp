@@ -47,38 +47,57 @@ class OwnTransaction {
   mco_trans_h handle_ = nullptr;
 };
 
-}  // namespace
+// A table of one row with one number.
+template <class Row>
+struct Single {
+  int (*cursor)(mco_trans_h, mco_cursor_t*);
+  int (*from)(mco_trans_h, const mco_cursor_t*, Row*);
+  int (*create)(mco_trans_h, Row*);
+  int (*get)(Row*, u16*);
+  int (*put)(Row*, u16);
+};
+constexpr Single<NgnProtocolType> protocolType{NgnProtocolType_list_cursor, NgnProtocolType_from_cursor,
+                                               NgnProtocolType_new, NgnProtocolType_type_get, NgnProtocolType_type_put};
+constexpr Single<VoiceSelfSwitch> selfSwitch{VoiceSelfSwitch_list_cursor, VoiceSelfSwitch_from_cursor,
+                                             VoiceSelfSwitch_new, VoiceSelfSwitch_selfSwitch_get,
+                                             VoiceSelfSwitch_selfSwitch_put};
 
-int db_get_ngn_protocol_type(u16* type) {
-  if (type == nullptr) {
-    ulogPrintf(gModuleId_Msan, 13, "[ERROR] %s(%d):%s:configuration para is NULL .\r\n", fileName(Where::here()),
-               __LINE__, __func__);
+template <class Row>
+int read(const Single<Row>& table, u16* value, Where where) {
+  if (value == nullptr) {
+    ulogPrintf(gModuleId_Msan, 13, "[ERROR] %s(%d):%s:configuration para is NULL .\r\n", fileName(where), where.line,
+               where.function);
     return -1;
   }
-  OwnTransaction transaction(Access::read, Where::here());
+  OwnTransaction transaction(Access::read, where);
   if (!transaction) return kStoreFailed;
   mco_cursor_t cursor;
-  NgnProtocolType row;
-  if (NgnProtocolType_list_cursor(transaction, &cursor) != 0 ||
-      NgnProtocolType_from_cursor(transaction, &cursor, &row) != 0) {
-    return kStoreFailed;
-  }
-  NgnProtocolType_type_get(&row, type);
+  Row row;
+  if (table.cursor(transaction, &cursor) != 0 || table.from(transaction, &cursor, &row) != 0) return kStoreFailed;
+  table.get(&row, value);
   return transaction.commit();
 }
 
-int db_set_ngn_protocol_type(u16 type) {
-  OwnTransaction transaction(Access::write, Where::here());
+template <class Row>
+int write(const Single<Row>& table, u16 value, Where where) {
+  OwnTransaction transaction(Access::write, where);
   if (!transaction) return kStoreFailed;
   mco_cursor_t cursor;
-  NgnProtocolType row;
-  int code = NgnProtocolType_list_cursor(transaction, &cursor);
+  Row row;
+  int code = table.cursor(transaction, &cursor);
   if (code == DB_END) {
-    code = NgnProtocolType_new(transaction, &row);
+    code = table.create(transaction, &row);
   } else if (code == 0) {
-    code = NgnProtocolType_from_cursor(transaction, &cursor, &row);
+    code = table.from(transaction, &cursor, &row);
   }
   if (code != 0) return kStoreFailed;
-  NgnProtocolType_type_put(&row, type);
+  table.put(&row, value);
   return transaction.commit();
 }
+
+}  // namespace
+
+int db_get_ngn_protocol_type(u16* type) { return read(protocolType, type, Where::here()); }
+int db_set_ngn_protocol_type(u16 type) { return write(protocolType, type, Where::here()); }
+int db_get_voice_self_switch(u16* value) { return read(selfSwitch, value, Where::here()); }
+int db_set_voice_self_switch(u16 value) { return write(selfSwitch, value, Where::here()); }
