@@ -18,7 +18,7 @@
 static constexpr u16 kRtpVlanMessage = 2851;
 static constexpr u16 kNodeSlot = 9;
 static constexpr u16 kTypes = 2, kRtp = 1;
-static constexpr u32 kUnit = 48, kShortUnit = 46;  // a manager's, the NGN side's
+static constexpr u32 kShortUnit = 46;  // the NGN side's; a manager's is `shape.unit`
 static constexpr u32 kMessage = 2 + kTypes * kShortUnit;
 enum Origin { kSnmp = 1, kCommand = 3 };
 using Rows = std::array<VoiceVlan, kTypes>;
@@ -43,7 +43,7 @@ static constexpr Field fields[] = {
         {.offset = 14, .initial = kNoVlan, .allowed = {{0, 7}, kNone}, .code = 65409, .complaint = "invalid CVLAN COS: %d"}),
 };
 // clang-format on
-static constexpr Record shape(kUnit, fields);
+static constexpr Record shape(48, fields);
 static constexpr Table<VoiceVlanCfg> table{
     "VoiceVlanCfg", "treeIdx",
     [](mco_trans_h handle, u32 type, VoiceVlanCfg* row) {
@@ -155,11 +155,11 @@ static int snmp_set_voice_vlan(u16 id, u8, u8* data, i32 length, u8* reply, u32*
   if (beginRequest(kVoiceVlanMessage, call, Asks::orders, where) != 0) return -1;
   SnmpErrInfo err;
   if (nCheckSnmpItemsLengthPre(data, length, kLabel, &err, where) != 0 ||
-      nCheckSnmpItemsLength(data + kItems, length - static_cast<i32>(kItems), kUnit, 2, kTypes, kTypes, &err, where) !=
-          0)
+      nCheckSnmpItemsLength(data + kItems, length - static_cast<i32>(kItems), shape.unit, 2, kTypes, kTypes, &err,
+                            where) != 0)
     return answerError(call, err, "invalid SNMP command para", where);
   Rows rows, old;
-  for (u16 i = 0; i < kTypes; ++i) parseRecord(fields, data + kItems + 2 + i * kUnit, &rows[i]);
+  for (u16 i = 0; i < kTypes; ++i) parseRecord(fields, data + kItems + 2 + i * shape.unit, &rows[i]);
   for (const VoiceVlan& row : rows)
     if (checkRecord(fields, &row, &err) != 0) return answerError(call, err, "check configuration failed", where);
   if (getRows(old) != 0 || setRows(rows) != 0) return answerFailed(call, "set configuration failed", where);
@@ -184,7 +184,7 @@ static int snmp_get_voice_vlan(u16 id, u8* last, u8* data, i32 length, u8* reply
   out.number(4, 1);
   out.zeros(kLabel);
   out.number(2, kTypes);
-  for (const VoiceVlan& row : rows) encodeRecord(fields, &row, out.skip(kUnit));
+  for (const VoiceVlan& row : rows) encodeRecord(fields, &row, out.skip(shape.unit));
   *last = 1;
   return answerSuccess(call, out.length() + kReplyArea - 4);
 }
