@@ -34,7 +34,10 @@ static void store(const Field& field, void* record, u32 value) {
 void parseRecord(Fields fields, const u8* wire, void* record) {
   for (const Field& field : fields) {
     if (field.text) {
-      std::memcpy(field.at(record), wire + field.offset, field.width);
+      char* text = static_cast<char*>(field.at(record));
+      std::memcpy(text, wire + field.offset, field.width);
+      const u32 length = field.cutAtEnd ? static_cast<u32>(strnlen(text, field.width)) : field.width;
+      std::memset(text + length, 0, field.width - length);
     } else {
       store(field, record, getNumber(wire + field.offset, field.width));
     }

@@ -30,6 +30,7 @@ struct FieldRow {
   Range allowed[2] = {};         // the second one where there is a gap
   u16 code = 0;                  // of a failed check; 0 takes any value
   const char* complaint = "";
+  bool cutAtEnd = false;  // a text: what stands behind its end on the wire is not taken
   Condition when = {};  // otherwise it is not checked, and stored as zero
 };
 

@@ -18,7 +18,7 @@ static std::string_view textOf(const SipDigitMap& cfg) { return {cfg.map, strnle
 // clang-format off
 static constexpr Field fields[] = {
     field<&SipDigitMap::map, SIPDigitMapCfg_digitMap_get, SIPDigitMapCfg_digitMap_put>(
-        {.offset = 0, .initialText = "[0-9ABCD].|[EF][0-9ABCDEF]."}),
+        {.offset = 0, .initialText = "[0-9ABCD].|[EF][0-9ABCDEF].", .cutAtEnd = true}),
 };
 // clang-format on
 static constexpr Record shape(kMap + kReserved, fields);
