@@ -16,8 +16,11 @@
 #include "agent.h"
 #include "descriptor.h"
 #include "door.h"
+#include "host/chassis.h"
+#include "host/links.h"
 #include "host/observer.h"
 #include "listener.h"
+#include "messages/answer.h"
 #include "node.h"
 #include "note.h"
 #include "operator.h"
@@ -93,6 +96,17 @@ static void fillFlowStore(Operator& commands, const Configuration& configuration
   }
 }
 
+// The simulated cards and the voice side answer what they are asked, by the descriptions: a node to try has something
+// to show behind every command. A card that is not up says nothing.
+static std::optional<std::vector<u8>> answerPlainly(host::Link link, u16 slot, u16 id, host::Bytes question) {
+  using messages::Road;
+  if (link != host::Link::ngn && host::cardState(slot) != host::CardState::up) return {};
+  const Road road = link == host::Link::gpon    ? Road::gponAsk
+                    : link == host::Link::gepon ? Road::geponAsk
+                                                : Road::ngnAsk;
+  return messages::plainAnswer(messages::book(), road, id, question);
+}
+
 void runDaemon(const Configuration& configuration) {
   const Descriptor stop = stopSignals();
   ignoreFailedWrites();
@@ -103,6 +117,7 @@ void runDaemon(const Configuration& configuration) {
   Trace trace;
   const Observing observing(trace);
   const host::CaptureOutput capture;
+  host::answerBy(answerPlainly);
   node::Node node(configuration.module);
   for (const SlotConfiguration& slot : configuration.slots)
     if (const int result = node.authorise(slot.slot, *slot.card); result != 0)

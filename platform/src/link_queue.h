@@ -9,9 +9,9 @@ namespace host {
 // The result of a send: a fault's, a queued failure, or 0.
 int sendResult(Fault fault, Link link, u16 slot, u16 id);
 
-// The end of an exchange: what is queued first, or -1. Fills `response` and `responseLen` (its size, then the length
-// of what it holds: 0 without an answer).
-int exchangeResult(Fault fault, Link link, u16 slot, u16 id, void* response, u32* responseLen);
+// The end of an exchange: what is queued first, what the answerer says, or -1. Fills `response` and `responseLen` (its
+// size, then the length of what it holds: 0 without an answer).
+int exchangeResult(Fault fault, Link link, u16 slot, u16 id, Bytes question, void* response, u32* responseLen);
 
 inline Bytes bytesOf(const void* data, u32 length) {
   return data != nullptr ? Bytes(static_cast<const u8*>(data), length) : Bytes();

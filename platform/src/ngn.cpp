@@ -14,7 +14,8 @@ int writeNgnCmd(u16 id, i32, const void* data, u32 length, i32, i32, i32, i32) {
 
 int readNgnCmd(u16 id, i32, const void* request, u32 requestLen, void* response, u32* responseLen, i32, i32) {
   host::told([=](Observer& observer) { observer.ask(Link::ngn, 0, id, bytesOf(request, requestLen)); });
-  return host::exchangeResult(Fault::ngnExchange, Link::ngn, 0, id, response, responseLen);
+  return host::exchangeResult(Fault::ngnExchange, Link::ngn, 0, id, bytesOf(request, requestLen), response,
+                              responseLen);
 }
 
 int send_ngn_voice_rtp_ip_by_slot(u16 slot) {

@@ -1,7 +1,10 @@
 #pragma once
 // The other ends of the messages: what they answer is queued here, used once and in order. With nothing queued a
-// send succeeds with 0 and an exchange fails with -1. A send passes over queued answers.
+// send succeeds with 0 and an exchange fails with -1, unless an answerer knows better. A send passes over queued
+// answers.
 
+#include <functional>
+#include <optional>
 #include <vector>
 
 #include "host/observer.h"
@@ -14,6 +17,11 @@ void queueAnswer(Link link, u16 slot, u16 id, std::vector<u8> answer);
 // The next send or exchange of the id on the link gives `result`. Link ngn, the slot and id 0:
 // the next send_ngn_voice_rtp_ip_by_slot of the slot gives it.
 void queueFailure(Link link, u16 slot, u16 id, int result);
+
+// Who answers exchanges for which nothing is queued; nothing is no answer. Called on the thread that asks, on several
+// at once; set before any of them runs.
+using Answerer = std::function<std::optional<std::vector<u8>>(Link link, u16 slot, u16 id, Bytes question)>;
+void answerBy(Answerer answerer);
 
 // The card in the slot, or the voice side (slot 0), takes so long over each message that reaches it. `clearLinks` ends
 // it.
