@@ -72,6 +72,8 @@ std::optional<wire::Frame> Connection::next() {
       ended_ = true;
       farewell_ = frame->payload;
       return std::nullopt;
+    } else if (givenUp_ != 0 && (frame->kind == wire::Kind::text || frame->kind == wire::Kind::result)) {
+      if (frame->kind == wire::Kind::result) --givenUp_;
     } else {
       return frame;
     }

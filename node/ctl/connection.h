@@ -40,6 +40,9 @@ class Connection {
   // The next frame if there is one already.
   std::optional<wire::Frame> receiveReady();
 
+  // What is still to come of the line under way is nobody's business any more.
+  void giveUp() { ++givenUp_; }
+
   const std::string& prompt() const { return prompt_; }
   bool ended() const { return ended_; }
   const std::string& farewell() const { return farewell_; }  // why the node ended the session, if it told
@@ -55,6 +58,7 @@ class Connection {
   std::string prompt_;
   std::string farewell_;
   bool ended_ = false;
+  u32 givenUp_ = 0;  // lines whose results are still to come
 };
 
 }  // namespace ctl

@@ -258,6 +258,21 @@ unsigned char Editor::complete(std::string_view line) {
 
 // --- lines
 
+// Waits for what the node says next, and shows behind a second that it does. False: the user waits no longer.
+bool waitForNode(const Connection& connection) {
+  const EditingSignals signals;
+  pollfd waiting{connection.descriptor(), POLLIN, 0};
+  for (int seconds = 0;; ++seconds) {
+    const timespec second{1, 0};
+    const int ready = ppoll(&waiting, 1, &second, &signals.outside());
+    const bool stops = std::exchange(interrupted, 0) != 0;
+    if (seconds != 0 || stops) std::fputs("\r\033[K", stdout);
+    if (stops || ready > 0 || terminated != 0) return !stops;
+    std::printf("... %d s; Control-C waits no longer", seconds + 1);
+    std::fflush(stdout);
+  }
+}
+
 // Runs a line and shows what comes of it. False at the end of the session.
 bool runLine(Connection& connection, const std::string& line) {
   if (line.size() >= wire::kMaxRequest) {
@@ -265,20 +280,29 @@ bool runLine(Connection& connection, const std::string& line) {
     return true;
   }
   connection.send(wire::Kind::line, line);
-  std::string printed;
-  while (const auto frame = connection.receive()) {
-    if (frame->kind == wire::Kind::text) printed += frame->payload;
+  char last = '\0';  // of what was shown
+  while (true) {
+    const auto frame = connection.receiveReady();
+    if (!frame && (connection.ended() || terminated != 0)) return false;
+    if (!frame && waitForNode(connection)) continue;
+    if (!frame) {
+      connection.giveUp();
+      std::puts("% no longer waited for; the node finishes it");
+      return true;
+    }
     if (frame->kind == wire::Kind::trace) std::printf("%s\n", forDisplay(frame->payload, true).c_str());
+    if (frame->kind == wire::Kind::text) {
+      const std::string shown = forDisplay(frame->payload, true);
+      std::fputs(shown.c_str(), stdout);
+      if (!shown.empty()) last = shown.back();
+    }
     if (frame->kind != wire::Kind::result) continue;
-    const std::string shown = forDisplay(printed, true);
-    std::fputs(shown.c_str(), stdout);
-    if (!shown.empty() && shown.back() != '\n') std::fputc('\n', stdout);
+    if (last != '\0' && last != '\n') std::fputc('\n', stdout);
     const auto result = wire::readResult(frame->payload);
     if (!result) throw ConnectionError("what answers is no msand");
-    if (!result->good() && (shown.empty() || result->outcome != 0)) std::printf("%% %s\n", reasonOf(*result).c_str());
+    if (!result->good() && (last == '\0' || result->outcome != 0)) std::printf("%% %s\n", reasonOf(*result).c_str());
     return true;
   }
-  return false;
 }
 
 }  // namespace

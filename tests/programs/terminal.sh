@@ -69,6 +69,18 @@ msan# '
 keys 'show cid mode\r'
 see "and was not run" '*CID Mode: FSK*msan# '
 
+# A command that takes long: the terminal lives, and need not wait for it.
+keys 'chassis voice delay 2500\r'
+see "a voice side that takes its time" '*msan# '
+keys 'set cid mode dtmf\r'
+see "a sign of life" '*... 1 s; Control-C waits no longer'
+keys '\x03'
+see "the prompt is back" '*no longer waited for; the node finishes it
+msan# '
+keys 'show cid mode\r'
+see "the next line has its own result, behind the first one" '*CID Mode: DTMF*msan# '
+ctl -c 'chassis voice delay 0' -c 'set cid mode fsk' >/dev/null
+
 keys 'trace on\r'
 see "trace on" "*trace on
 msan# "
