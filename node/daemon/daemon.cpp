@@ -19,6 +19,7 @@
 #include "host/chassis.h"
 #include "host/links.h"
 #include "host/observer.h"
+#include "job_thread.h"
 #include "listener.h"
 #include "messages/answer.h"
 #include "node.h"
@@ -122,6 +123,7 @@ void runDaemon(const Configuration& configuration) {
   for (const SlotConfiguration& slot : configuration.slots)
     if (const int result = node.authorise(slot.slot, *slot.card); result != 0)
       complain(fmt::format("slot {}: card type {} gave {}", slot.slot, slot.card->name, result));
+  const JobThread jobs;
   Startup startup(configuration.startup);
   Operator commands(node, startup);
   fillFlowStore(commands, configuration);

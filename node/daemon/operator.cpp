@@ -6,7 +6,6 @@
 #include <utility>
 #include <vector>
 
-#include "host/jobs.h"
 #include "platform_words.h"
 
 namespace msand {
@@ -28,7 +27,6 @@ wire::Result Operator::runModuleLine(Terminal& terminal, std::string_view line, 
     result = resultOf(host::runLine(vty, moduleNode(terminal.level), line));
   }
   text += vty.text;
-  host::runJobs();
   if (vty.yes == nullptr) return result;
   terminal.question = vty.question;
   terminal.yes = vty.yes;
@@ -46,7 +44,6 @@ wire::Result Operator::answer(Terminal& terminal, bool yes, std::string& text) {
     returned = host::answerQuestion(vty, yes);
   }
   text += vty.text;
-  host::runJobs();
   return {static_cast<u8>(host::LineResult::ran), returned};
 }
 
@@ -67,7 +64,6 @@ wire::Result Operator::runPlatformLine(Terminal& terminal, std::string_view line
   PlatformVty vty;
   wire::Result result = resultOf(host::runLine(vty, platformNode(terminal.level), line));
   if (vty.action != nullptr) result.returned = vty.action({*this, terminal, text});
-  host::runJobs();
   return result;
 }
 

@@ -12,7 +12,6 @@
 
 #include "hold.h"
 #include "host/chassis.h"
-#include "host/jobs.h"
 #include "host/pool.h"
 
 namespace msand {
@@ -136,7 +135,6 @@ static void endCollection(u16 id) {
   }
 }
 
-// Jobs are reports of what the request changed, and short.
 void ModuleRoad::askModule(Waiting& one) {
   ModuleRequest& request = one.request;
   const u32 refusals = host::poolRefusals();
@@ -150,7 +148,6 @@ void ModuleRoad::askModule(Waiting& one) {
       if (holdsMessages()) holdAnswer(request, one.answer);
     }
   }
-  host::runJobs();
   one.noMemory = host::poolRefusals() != refusals;
 }
 

@@ -39,11 +39,6 @@ Answerer& answerer() {
   return one;
 }
 
-void takeTime(u16 slot) {
-  const u32 delay = slot < delays.size() ? delays[slot].load() : 0;
-  if (delay != 0) std::this_thread::sleep_for(std::chrono::milliseconds(delay));
-}
-
 void enqueue(const Key& key, Outcome outcome) {
   const std::lock_guard lock(mutex);
   queues()[key].push_back(std::move(outcome));
@@ -73,6 +68,11 @@ void queueAnswer(Link link, u16 slot, u16 id, std::vector<u8> answer) {
 }
 
 void queueFailure(Link link, u16 slot, u16 id, int result) { enqueue({link, slot, id}, {false, result, {}}); }
+
+void takeTime(u16 slot) {
+  const u32 delay = slot < delays.size() ? delays[slot].load() : 0;
+  if (delay != 0) std::this_thread::sleep_for(std::chrono::milliseconds(delay));
+}
 
 void answerBy(Answerer one) { answerer() = std::move(one); }
 

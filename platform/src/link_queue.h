@@ -13,6 +13,9 @@ int sendResult(Fault fault, Link link, u16 slot, u16 id);
 // size, then the length of what it holds: 0 without an answer).
 int exchangeResult(Fault fault, Link link, u16 slot, u16 id, Bytes question, void* response, u32* responseLen);
 
+// As long as the card in the slot, or the voice side (0), is told to take over a message.
+void takeTime(u16 slot);
+
 inline Bytes bytesOf(const void* data, u32 length) {
   return data != nullptr ? Bytes(static_cast<const u8*>(data), length) : Bytes();
 }

@@ -1,6 +1,7 @@
 #include "platform/voice_mode.h"
 
 #include <array>
+#include <condition_variable>
 #include <deque>
 #include <mutex>
 #include <optional>
@@ -8,6 +9,7 @@
 
 #include "host/jobs.h"
 #include "host/observer.h"
+#include "link_queue.h"
 
 namespace {
 
@@ -17,6 +19,8 @@ struct QueuedJob {
 };
 
 std::mutex mutex;
+std::condition_variable added;
+bool stopped = false;
 std::deque<QueuedJob>& jobs() {
   static std::deque<QueuedJob> all;
   return all;
@@ -35,6 +39,8 @@ std::optional<typename Queue::value_type> takeFirst(Queue& queue) {
   return first;
 }
 
+void run(const QueuedJob& job) { job.function(job.arguments[0], job.arguments[1], job.arguments[2]); }
+
 std::string describe(const QueuedJob& job) {
   std::string text = job.function == &set_voice_module_mode ? "set_voice_module_mode" : "unnamed";
   for (const u32 argument : job.arguments) text += ' ' + std::to_string(argument);
@@ -45,6 +51,7 @@ std::string describe(const QueuedJob& job) {
 
 int set_voice_module_mode(u32 oldType, u32 newType, u32 flag) {
   host::told([=](host::Observer& observer) { observer.voiceMode(oldType, newType, flag); });
+  host::takeTime(0);
   return takeFirst(results()).value_or(0);
 }
 
@@ -54,17 +61,35 @@ int job_add(i32, Job* function, u32 a0, u32 a1, u32 a2, u32 a3, u32 a4, u32 a5, 
   host::told([&](host::Observer& observer) { observer.job(describe(job)); });
   const std::lock_guard lock(mutex);
   jobs().push_back(job);
+  added.notify_one();
   return 0;
 }
 
 namespace host {
 
 void runJobs() {
-  while (const auto job = takeFirst(jobs())) job->function(job->arguments[0], job->arguments[1], job->arguments[2]);
+  while (const auto job = takeFirst(jobs())) run(*job);
+}
+
+bool runNextJob() {
+  {
+    std::unique_lock lock(mutex);
+    added.wait(lock, [] { return stopped || !jobs().empty(); });
+    if (stopped) return false;
+  }
+  if (const auto job = takeFirst(jobs())) run(*job);
+  return true;
+}
+
+void stopJobs() {
+  const std::lock_guard lock(mutex);
+  stopped = true;
+  added.notify_all();
 }
 
 void clearJobs() {
   const std::lock_guard lock(mutex);
+  stopped = false;
   jobs().clear();
   results().clear();
 }

@@ -58,8 +58,17 @@ ctl -c "chassis voice delay 0" >/dev/null
 expectMatch "and the next request is served" "$table.1.1.3087 *" \
   "$(manager snmpset "$udp" $table.1.1.3087 x "$(frame 1)")"
 
-# A node that is told to stop while a request waits.
+# Two switches of the protocol at once, each with a job that takes a second: the requests don't wait for those.
 ctl -c "chassis voice delay 1000" >/dev/null
+began=$(milliseconds)
+manager snmpset "$udp" $table.1.1.30720 x "$(zeros 32)0001" >"$folder/switch" &
+switch=$!
+ctl --yes -c "set ngn_protocol_type h248" >/dev/null
+wait $switch
+expectMatch "a manager's switch" "$table.1.1.30720 *" "$(cat "$folder/switch")"
+expect "both were done together" yes "$( (($(milliseconds) - began < 1700)) && echo yes)"
+
+# A node that is told to stop while a job runs, and a request waits.
 patience=1
 manager snmpset "$udp" $table.1.1.3087 x "$(frame 2)" >/dev/null &
 sleep 0.2
