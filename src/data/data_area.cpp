@@ -9,11 +9,11 @@
 #include "platform/objects.h"
 
 static constexpr Step init[] = {init_port_vlan_cfg_module};
-static constexpr Step snmpRegister[] = {register_port_vlan_cfg_msg_snmp};
+static constexpr Step snmpRegister[] = {registerOf<portVlan>};
 static constexpr Step install[] = {install_port_vlan_cfg_cli_element};
 static constexpr SlotStep hotplug[] = {recover_port_vlan_cfg};
 // Of each slot with a card of the module's, all items of one slot ahead of the next slot.
-static constexpr int (*slotShowrun[])(Vty* vty, u16 slot) = {showrun_vlan_table};
+static constexpr int (*slotShowrun[])(Vty* vty, u16 slot) = {showrunOf<portVlan>};
 
 int msan_data_init() {
   callAll(init);

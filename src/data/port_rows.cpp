@@ -25,6 +25,11 @@ int get_pvcnum(u16 slot, u16 port, u16* rows) {
   return 0;
 }
 
+bool hasRows(const ObjIndex* object) {
+  u16 rows = 0;
+  return get_pvcnum(object->addr[1], object->addr[2], &rows) == 0;
+}
+
 int check_pvcnum(u16 slot, u16 port, u16* rows, bool* multiPvc, SnmpErrInfo* err) {
   u16 right = 0;
   if (get_pvcnum(slot, port, &right) != 0) return -1;

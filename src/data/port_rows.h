@@ -16,6 +16,7 @@ bool isVdslCard(u16 slot);
 
 // 8 or 1. 0, or -1 for a port without rows.
 int get_pvcnum(u16 slot, u16 port, u16* rows);
+bool hasRows(const ObjIndex* object);
 
 // The form of a check: on an ADSL card `rows` has to be 8, on a VDSL card it is set. `multiPvc`: whether the rows are
 // those of PVCs. 0, or -1 with `err` filled; a port without rows has no code.

@@ -1,14 +1,18 @@
 #include "data/common/data_item.h"
 
 #include <algorithm>
+#include <bitset>
 
 #include "common/obj_attributes.h"
+#include "data/port_rows.h"
 #include "platform/database.h"
+#include "platform/log.h"
+#include "platform/objects.h"
 #include "voice/common/voice_msc.h"
 
-static constexpr u32 kSelector = 20;  // bytes: slot, port, 16 reserved
-static constexpr u32 kAnswer = 36;    // offset of the count in an answer
-static constexpr u32 kEnvelope = sizeof(MscHeader);
+static constexpr u32 kSelector = 20;        // bytes: slot, port, 16 reserved
+static constexpr u32 kSmallestObject = 22;  // of an answer: the same, and a count
+static constexpr u32 kAnswer = 36;          // offset of the count in an answer
 
 // --- Parts ---
 
@@ -39,86 +43,173 @@ void reportSlots(LIST* records, u16 id, int origin) {
   slots.report(id, origin);
 }
 
-// --- Set ---
-
-int saveRecords(const DataItem& item, LIST* records) {
-  for (NODE* cell = lstFirst(records); cell != nullptr; cell = lstNext(cell)) {
-    const auto* object = dataOf<const ObjIndex>(cell);
-    const void* value = dataOf<const u8>(cell) + item.valueOffset;
-    if (setObjAttrDataByCondition(object, item.attribute, value, 0, static_cast<i32>(item.valueBytes)) != 0) return -1;
-  }
+static int append(ObjIndex* record, LIST* records) {
+  auto* cell = static_cast<ObjListCell*>(mpuAlloc_(g_MsanMemPoolId, sizeof(ObjListCell), __FILE__, __LINE__));
+  if (cell == nullptr) return -1;
+  cell->next = cell->previous = nullptr;
+  cell->data = record;
+  lstInsert(records, lstLast(records), cell);
   return 0;
 }
+
+int addRecord(const DataItem& item, ObjIndex* record, LIST* records) {
+  const int result = item.work == Work::array ? append(record, records) : insert_sort_list_by_index(record, records);
+  return result == 0 ? 0 : -1;
+}
+
+// Without memory a list is refused; for an array there is no answer at all.
+static int noMemory(const DataItem& item, SnmpErrInfo* err) {
+  const int refused = reject(err, kNoMemory);
+  return item.work == Work::array ? kNoMemory : refused;
+}
+
+int checkObject(const DataItem& item, const void* record, SnmpErrInfo* err) {
+  return checkObjErr(item.id, item.attribute, &objectOf(record), kAnyCard, err);
+}
+
+int readRecord(const DataItem& item, void* record) {
+  return getObjAttrDataByCondition(&objectOf(record), item.attribute, item.kept.valueOf(record), 0,
+                                   static_cast<i32>(item.kept.valueBytes), 0);
+}
+
+// A record for one object after the other.
+class AnyRecord {
+ public:
+  AnyRecord(const DataItem& item, const ObjIndex& object) {
+    item.kept.make(bytes_);
+    objectOf(bytes_) = object;
+  }
+  operator void*() { return bytes_; }
+
+ private:
+  alignas(u64) u8 bytes_[kLargestDataRecord];
+};
+
+// --- Set ---
 
 // A message to the card of a slot, built object by object in a buffer that serves for the next slot too.
 class CardMessage {
  public:
-  explicit CardMessage(const DataItem& item)
-      : item_(item), buffer_(static_cast<u8*>(mpuAlloc_(g_MsanMemPoolId, item.message, __FILE__, __LINE__))) {
+  CardMessage(const DataItem& item, LIST* records)
+      : item_(item), room_(roomFor(item, static_cast<u32>(lstCount(records)))) {
     clear();
   }
 
-  explicit operator bool() const { return buffer_ != nullptr; }
+  // Has a buffer from now on. 0 or -1.
+  int begin() {
+    if (buffer_ == nullptr) buffer_.reset(static_cast<u8*>(mpuAlloc_(g_MsanMemPoolId, room_, __FILE__, __LINE__)));
+    return buffer_ != nullptr ? 0 : -1;
+  }
 
-  // Appends an object by a step of the item; one that can't be built, or for which there is no room, leaves no trace.
-  int add(const ObjIndex* object, int (*encode)(const ObjIndex*, Writer&)) {
-    Writer out(WireOut(buffer_.get() + length_, item_.message - length_));
-    if (encode(object, out) != 0 || out.failed()) return -1;
+  // Appends a record; one that can't be built, or for which there is no room, leaves no trace.
+  int add(const void* record) {
+    Writer out(WireOut(buffer_.get() + length_, room_ - length_));
+    if (item_.encode(record, out) != 0 || out.failed()) return -1;
     length_ += out.length();
     ++objects_;
     return 0;
   }
 
   void send(u16 slot) {
-    buildMscHeader(buffer_.get(), item_.id, 0);
-    putNumber(buffer_.get() + kEnvelope, 4, objects_);
-    if (sendMscMsg(slot, buffer_.get(), length_) < 0) item_.sendFailed(slot);
+    if (objects_ >= item_.leastSent) {
+      buildMscHeader(buffer_.get(), item_.id, 0);
+      putNumber(buffer_.get() + kHead - 4, 4, objects_);
+      if (sendMscMsg(slot, buffer_.get(), length_) < 0) tellSend(slot);
+    }
     clear();
   }
 
+  void tellBuild(u16 slot) const {
+    if (item_.buildFailed != nullptr) return item_.buildFailed(slot);
+    log(FunctionName(item_.at("build_*_msc_pkt")).text, slot);
+  }
+
  private:
+  static constexpr u32 kHead = sizeof(MscHeader) + 4;
+
+  static u32 roomFor(const DataItem& item, u64 records) {
+    return static_cast<u32>(std::min<u64>(item.mostMessage, kHead + item.encodedBytes * records));
+  }
+
+  void tellSend(u16 slot) const {
+    if (item_.sendFailed != nullptr) return item_.sendFailed(slot);
+    log("send", slot);
+  }
+
+  void log(const char* step, u16 slot) const {
+    ulogPrintf(gModuleId_Msan, 10, "F(%s)L(%d):  %s slotno %d mscmsg err\r\n",
+               FunctionName(item_.at("send_*_cfg")).text, item_.line, step, slot);
+  }
+
   void clear() {
-    length_ = kEnvelope + 4;
+    length_ = kHead;
     objects_ = 0;
   }
 
   const DataItem& item_;
+  const u32 room_;
   PoolBytes buffer_;
   u32 length_ = 0;
   u32 objects_ = 0;
 };
 
 int sendRecords(const DataItem& item, LIST* records) {
-  CardMessage message(item);
-  if (!message) return -1;
-  for (NODE* cell = lstFirst(records); cell != nullptr; cell = lstNext(cell)) {
-    const auto* record = dataOf<const ObjIndex>(cell);
-    const u16 slot = record->addr[1];
-    if (message.add(record, item.encode) != 0) item.buildFailed(slot);
-    NODE* next = lstNext(cell);
-    if (next == nullptr || dataOf<const ObjIndex>(next)->addr[1] != slot) message.send(slot);
+  CardMessage message(item, records);
+  std::bitset<0x10000> sent;  // slots
+  for (NODE* first = lstFirst(records); first != nullptr; first = lstNext(first)) {
+    const auto* object = dataOf<const ObjIndex>(first);
+    const u16 slot = object->addr[1];
+    if (sent[slot] || (item.reaches != nullptr && !item.reaches(object))) continue;
+    sent.set(slot);
+    if (message.begin() != 0) return -1;
+    for (NODE* cell = first; cell != nullptr; cell = lstNext(cell)) {
+      const auto* record = dataOf<const void>(cell);
+      if (objectOf(record).addr[1] == slot) {
+        if (message.add(record) != 0) message.tellBuild(slot);
+      } else if (item.work == Work::list) {
+        break;  // the records of a slot are adjacent
+      }
+    }
+    message.send(slot);
   }
   return 0;
 }
 
+static int saveRecord(const DataItem& item, void* record) {
+  if (item.save != nullptr) return item.save(record);
+  return setObjAttrDataByCondition(&objectOf(record), item.attribute, item.kept.valueOf(record), 0,
+                                   static_cast<i32>(item.kept.valueBytes));
+}
+
 int setRecords(const DataItem& item, LIST* records, SnmpErrInfo* err) {
-  if (inRecoverConfProcess() != 1 && item.check(records, err) != 0) return -1;
-  return item.save(records) == 0 ? item.send(records) : -1;
+  const bool checks = item.check != nullptr && inRecoverConfProcess() != 1;
+  for (NODE* cell = lstFirst(records); checks && cell != nullptr; cell = lstNext(cell)) {
+    if (const int code = item.check(dataOf<void>(cell), err)) return code;
+  }
+  for (NODE* cell = lstFirst(records); cell != nullptr; cell = lstNext(cell)) {
+    if (const int code = saveRecord(item, dataOf<void>(cell))) return code;
+  }
+  return sendRecords(item, records);
+}
+
+void reportRecords(const DataItem& item, LIST* records, int origin) {
+  (item.report != nullptr ? item.report : reportSlots)(records, item.id, origin);
 }
 
 static int parseRecords(const DataItem& item, WireIn frame, LIST* records, SnmpErrInfo* err) {
   u32 count = 0;
-  if (readCount(frame, item.least, item.most, &count, err) != 0) return -1;
+  if (readCount(frame, item.minimum, item.maximum, &count, err) != 0) return -1;
   Reader in(frame.subspan(kObjects));
   for (; count != 0; --count) {
-    void* memory = mpuAlloc_(g_MsanMemPoolId, item.recordBytes, __FILE__, __LINE__);
-    auto* record = static_cast<ObjIndex*>(memory);
-    if (record == nullptr) return reject(err, kNoMemory);
+    void* record = mpuAlloc_(g_MsanMemPoolId, item.kept.bytes, __FILE__, __LINE__);
+    if (record == nullptr) return noMemory(item, err);
+    item.kept.make(record);
     int result = item.parse(in, record, err);
-    if (result == 0 && insert_sort_list_by_index(record, records) != 0) result = reject(err, kNoMemory);
+    if (result == 0 && in.failed()) result = -1;
+    if (result == 0 && addRecord(item, &objectOf(record), records) != 0) result = noMemory(item, err);
     if (result == 0) continue;
-    mpuFree(memory);
-    return in.failed() ? tooShort(err, frame) : -1;
+    mpuFree(record);
+    return in.failed() ? tooShort(err, frame) : result;
   }
   return 0;
 }
@@ -128,68 +219,92 @@ static WireIn frameOf(const u8* data, i32 length) { return {data, static_cast<u3
 int snmpSet(const DataItem& item, const u8* data, i32 length, u8* reply, u32* replyLen) {
   SnmpErrInfo err;
   ObjList records;
-  if (parseRecords(item, frameOf(data, length), records, &err) != 0 || item.set(records, &err) != 0) {
-    return answerError(item.id, err, reply, replyLen);
-  }
-  reportSlots(records, item.id, kByManager);
+  const int parsed = parseRecords(item, frameOf(data, length), records, &err);
+  if (parsed == kNoMemory) return kNoMemory;
+  if (parsed != 0 || setRecords(item, records, &err) != 0) return answerError(item.id, err, reply, replyLen);
+  reportRecords(item, records, kByManager);
   return answerSuccess(reply, replyLen);
 }
 
 // --- Walks ---
 
-// The objects of the item under a slot, or with slot 0 under the system.
-static int walk(const DataItem& item, u16 slot, LIST* objects) {
+int walkObjects(const DataItem& item, u16 slot, LIST* objects) {
   // A target that matches goes into the list, so it comes from the pool.
   auto* target = newRecord<ObjIndex>();
   if (target == nullptr) return -1;
+  const auto count = static_cast<i32>(item.objectTypes.size());
   int result = SlotNoPortConvertObjIndex(slot, 0, 0, target);
-  if (result == 0)
-    result = ForEachTargetTree(target, objects, 0, item.types.data(), static_cast<i32>(item.types.size()));
+  if (result == 0) result = ForEachTargetTree(target, objects, 0, item.objectTypes.data(), count);
   NODE* first = lstFirst(objects);
   if (first == nullptr || dataOf<ObjIndex>(first) != target) mpuFree(target);
   return result == 0 ? 0 : -1;
 }
 
-int recoverSlot(const DataItem& item, u16 slot) {
+int recoverSlot(const DataItem& item, u16 slot, bool (*which)(const ObjIndex* object)) {
   ObjList objects;
-  CardMessage message(item);
-  if (!message || walk(item, slot, objects) != 0) return -1;
+  if (walkObjects(item, slot, objects) != 0) return -1;
+  CardMessage message(item, objects);
+  if (message.begin() != 0) return -1;
   for (NODE* cell = lstFirst(objects); cell != nullptr; cell = lstNext(cell)) {
-    if (message.add(dataOf<const ObjIndex>(cell), item.recover) != 0) return -1;
+    const auto* object = dataOf<const ObjIndex>(cell);
+    if (which != nullptr && !which(object)) continue;
+    AnyRecord record(item, *object);
+    if (readRecord(item, record) != 0 || message.add(record) != 0) return -1;
   }
   message.send(slot);
   return 0;
 }
 
+int showrunSlot(const DataItem& item, Vty* vty, u16 slot) {
+  u16 ports = 0;
+  if (!isDataCard(slot) || ddGetBoardServePortAmountByType(static_cast<u16>(get_config_card_type(slot)), &ports) != 0) {
+    return 0;
+  }
+  for (u16 port = 1; port <= ports; ++port) {
+    ObjIndex object;
+    if (SlotNoPortConvertObjIndex(slot, port, 0, &object) != 0) continue;
+    AnyRecord record(item, object);
+    if (readRecord(item, record) == 0) item.showrun(vty, record);
+  }
+  return 0;
+}
+
 // --- Get ---
 
-// Refused as well: more objects than an answer holds.
+// Objects of an answer at most: an array is full; what does not fit into an answer is refused.
 static int addObject(const DataItem& item, ObjIndex* object, LIST* objects, SnmpErrInfo* err) {
-  const bool fits = static_cast<u32>(lstCount(objects)) < kMaxPacket / item.leastAnswer;
-  if (fits && insert_sort_list_by_index(object, objects) == 0) return 0;
+  const auto count = static_cast<u32>(lstCount(objects));
+  const bool full = item.work == Work::array && count == kMostRecords;
+  if (!full && count < kMaxPacket / kSmallestObject && addRecord(item, object, objects) == 0) return 0;
   mpuFree(object);
-  return reject(err, kNoMemory);
+  return full ? 0 : noMemory(item, err);
 }
 
 // What a walk finds and the item is kept for.
 static int selectAll(const DataItem& item, u16 slot, LIST* objects, SnmpErrInfo* err) {
   ObjList found;
-  if (walk(item, slot, found) != 0) return reject(err, kNoMemory);
+  if (walkObjects(item, slot, found) != 0) return noMemory(item, err);
   for (NODE* cell = lstFirst(found); cell != nullptr; cell = lstNext(cell)) {
     auto* object = dataOf<ObjIndex>(cell);
-    if (!item.holds(object)) continue;
+    if (item.holds != nullptr && !item.holds(object)) continue;
     static_cast<ObjListCell*>(cell)->data = nullptr;
-    if (addObject(item, object, objects, err) != 0) return -1;
+    if (const int code = addObject(item, object, objects, err)) return code;
   }
   return 0;
 }
 
+static int selectPlace(u16 slot, u16 port, ObjIndex* object, SnmpErrInfo* err) {
+  if (isSlotAuthed(slot) != 1) return reject(err, kNoSlot, {slot});
+  const int code = SlotNoPortConvertObjIndex(slot, port, 0, object);
+  return code == 0 ? 0 : reject(err, code);
+}
+
 static int selectOne(const DataItem& item, u16 slot, u16 port, LIST* objects, SnmpErrInfo* err) {
   auto* object = newRecord<ObjIndex>();
-  if (object == nullptr) return reject(err, kNoMemory);
-  if (const int code = SlotNoPortConvertObjIndex(slot, port, 0, object)) {
+  if (object == nullptr) return noMemory(item, err);
+  if ((item.select != nullptr ? item.select : selectPlace)(slot, port, object, err) != 0) {
     mpuFree(object);
-    return reject(err, code);
+    return -1;
   }
   return addObject(item, object, objects, err);
 }
@@ -204,16 +319,19 @@ int selectObjects(const DataItem& item, WireIn frame, LIST* objects, SnmpErrInfo
     const auto slot = static_cast<u16>(in.number(2));
     const auto port = static_cast<u16>(in.number(2));
     in.skip(kSelector - 4);
-    if (isSlotAuthed(slot) != 1) return reject(err, kNoSlot, {slot});
     const bool whole = port == item.wholeSlot;
-    if ((whole ? selectAll(item, slot, objects, err) : selectOne(item, slot, port, objects, err)) != 0) return -1;
+    if (whole && isSlotAuthed(slot) != 1) return reject(err, kNoSlot, {slot});
+    const int code = whole ? selectAll(item, slot, objects, err) : selectOne(item, slot, port, objects, err);
+    if (code != 0) return code;
   }
   return 0;
 }
 
 static int answerObjects(const DataItem& item, LIST* objects, Writer& out, SnmpErrInfo* err) {
   for (NODE* cell = lstFirst(objects); cell != nullptr; cell = lstNext(cell)) {
-    if (item.answer(dataOf<const ObjIndex>(cell), out, err) != 0) return -1;
+    AnyRecord record(item, *dataOf<const ObjIndex>(cell));
+    if ((item.get != nullptr ? item.get(record, err) : readRecord(item, record)) != 0) return -1;
+    if ((item.answer != nullptr ? item.answer : item.encode)(record, out) != 0) return -1;
     if (out.failed()) return reject(err, kNoMemory);
   }
   return 0;
@@ -223,11 +341,19 @@ int snmpGet(const DataItem& item, const u8* data, i32 length, u8* reply, u32* re
   SnmpErrInfo err;
   ObjList objects;
   Writer out(WireOut(reply + kAnswer + 4, kMaxPacket - kAnswer - 4));
-  if (selectObjects(item, frameOf(data, length), objects, &err) != 0 || answerObjects(item, objects, out, &err) != 0) {
+  const int selected = selectObjects(item, frameOf(data, length), objects, &err);
+  if (selected == kNoMemory) return kNoMemory;
+  if (selected != 0 || answerObjects(item, objects, out, &err) != 0) {
     return answerError(item.id, err, reply, replyLen);
   }
   putNumber(reply, 4, 1);
   putNumber(reply + kAnswer, 4, static_cast<u32>(lstCount(objects)));
   *replyLen = kAnswer + 4 + out.length();
   return 0;
+}
+
+int registerItem(const DataItem& item) {
+  const ItemMessage& m = item.message;
+  const SnmpMsgReg message{item.id, {0, 0}, m.set, m.get, m.mostReply, m.text};
+  return SnmpMsgRegister(&message);
 }

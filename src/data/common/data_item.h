@@ -3,50 +3,104 @@
 // port's slot. A manager's SET and an operator's command make the same list of records, which the item's set checks,
 // saves and sends; a card that returns is told what is stored.
 //
-// A record begins with its ObjIndex and comes from the pool. Lists are sorted by slot and port
-// (insert_sort_list_by_index), so that the records of a slot are adjacent. A road goes through the item's row, in which
-// the steps are functions of the item's own; where an item does something in its own way, it has a longer function
-// there, or does not take the road. Items that work on arrays take what stands below the roads.
+// An item is a row, DataItem. What an item does as all do is the road's own and stands here alone; where an item
+// differs, its source has a function under the step's name and the row names it. A record begins with its ObjIndex, the
+// attribute's value behind it, and comes from the pool.
 
+#include <cstddef>
 #include <initializer_list>
 #include <new>
 #include <span>
 
+#include "common/commands.h"
 #include "common/interface_list.h"
+#include "common/item.h"
 #include "common/memory.h"
 #include "common/msan_init.h"
 #include "common/msan_snmp.h"
+#include "common/trace.h"
 #include "common/wire.h"
 #include "data/common/terminal.h"
 
+// A record in memory, and where in it the attribute's value stands.
+struct KeptRecord {
+  u32 bytes;
+  u32 valueBytes;
+  void* (*valueOf)(void* record);
+  void (*make)(void* memory);  // as the members' defaults have it
+};
+inline constexpr u32 kLargestDataRecord = 4224;
+template <auto Value>
+struct ValueOf;
+template <class R, class T, T R::*Value>
+struct ValueOf<Value> {
+  static_assert(sizeof(R) <= kLargestDataRecord && offsetof(R, object) == 0);
+  static constexpr KeptRecord kept{sizeof(R), sizeof(T),
+                                   [](void* record) -> void* { return &(static_cast<R*>(record)->*Value); },
+                                   [](void* memory) { new (memory) R; }};
+};
+template <auto Value>
+constexpr KeptRecord kept() {
+  return ValueOf<Value>::kept;
+}
+
+// A list is in the order of slot and port, and has no other end than memory. An array is as it was asked for, and holds
+// kMostRecords: a walk ends where it is full, and a SET without memory for it has no answer.
+enum class Work : u8 { list, array };
+inline constexpr u32 kMostRecords = 1024;
+
+inline constexpr u32 kNoPort = 0x10000;
+inline constexpr u32 kWholeSlot = 65535;
+inline constexpr u32 kNoLimit = 0xFFFFFFFF;
+
 struct DataItem {
-  u16 id;                       // of the message, from and to managers and to cards
-  u32 attribute;                // number
-  u32 valueOffset, valueBytes;  // of the attribute's value in a record
-  u32 recordBytes;
-  std::span<const u16> types;  // of its objects
-  u32 least, most;             // objects of a SET
-  u32 mostSelected;            // selectors of a GET; none stand for the whole node
-  u16 wholeSlot;               // the port of a selector that stands for all of its slot
-  u32 leastAnswer;             // bytes of the smallest object of an answer
-  u32 message;                 // room for a message to a card, its envelope included
+  u16 id;            // of the message, from and to managers and to cards
+  const char* stem;  // of the names of its steps
+  u32 attribute;
+  KeptRecord kept;
+  std::span<const u16> objectTypes;
+  Work work = Work::list;
+  u32 minimum = 1;  // objects of a SET
+  u32 maximum = kMostRecords;
+  u32 mostSelected = kMostRecords;  // selectors of a GET; none stand for the whole node
+  u32 wholeSlot = kNoPort;          // the port of a selector that stands for all of its slot
+  // Of a message to a card: bytes of its largest object, room for all of it, and the objects without which it is not
+  // sent.
+  u32 encodedBytes;
+  u32 mostMessage = kNoLimit;
+  u32 leastSent = 1;
 
   // An object of a SET into a record. 0, or -1 with `err` filled; a frame that has ended is the road's to tell.
-  int (*parse)(Reader& in, ObjIndex* record, SnmpErrInfo* err);
-  int (*set)(LIST* records, SnmpErrInfo* err);
-  int (*check)(LIST* records, SnmpErrInfo* err);
-  int (*save)(LIST* records);
-  int (*send)(LIST* records);
-  // For the card: a record; what is stored for an object. For a manager: what is stored. 0 or -1.
-  int (*encode)(const ObjIndex* record, Writer& out);
-  int (*recover)(const ObjIndex* object, Writer& out);
-  int (*answer)(const ObjIndex* object, Writer& out, SnmpErrInfo* err);
-  // Whether an object that a walk has found has the item at all.
-  bool (*holds)(const ObjIndex* object);
+  int (*parse)(Reader& in, void* record, SnmpErrInfo* err);
+  // As the card wants it, and as a manager does (null: the same). 0 or -1.
+  int (*encode)(const void* record, Writer& out);
+  int (*answer)(const void* record, Writer& out) = nullptr;
+
+  // Steps that the item does in its own way; null: the road's. 0, or what the set of a list then gives back.
+  int (*check)(void* record, SnmpErrInfo* err) = nullptr;  // none
+  int (*save)(const void* record) = nullptr;               // the value into the attribute
+  int (*get)(void* record, SnmpErrInfo* err) = nullptr;    // and out of it
+  // The object of a selector. By the road: the slot is authorised (-3), and what the object model then says.
+  int (*select)(u16 slot, u16 port, ObjIndex* object, SnmpErrInfo* err) = nullptr;
+  bool (*holds)(const ObjIndex* object) = nullptr;  // whether an object that a walk has found has the item at all: all
+  bool (*reaches)(const ObjIndex* object) = nullptr;  // whether a message to the object's card is tried now: always
+  void (*report)(LIST* records, u16 id, int origin) = nullptr;  // of slots that have changed: each of them, once
   // What is logged of a message that could not be sent, and of a record that could not be built into it.
-  void (*sendFailed)(u16 slot);
-  void (*buildFailed)(u16 slot);
+  void (*sendFailed)(u16 slot) = nullptr;
+  void (*buildFailed)(u16 slot) = nullptr;
+
+  void (*showrun)(Vty* vty, const void* record) = nullptr;  // a port's lines of the running configuration
+
+  std::span<const Command> commands = {};
+  ItemMessage message = {};
+
+  Where at(const char* step) const { return {step, file, line, stem}; }
+  const char* file = __builtin_FILE();  // of the row
+  int line = __builtin_LINE();
 };
+
+inline ObjIndex& objectOf(void* record) { return *static_cast<ObjIndex*>(record); }
+inline const ObjIndex& objectOf(const void* record) { return *static_cast<const ObjIndex*>(record); }
 
 // --- Roads ---
 
@@ -54,19 +108,29 @@ struct DataItem {
 int snmpSet(const DataItem& item, const u8* data, i32 length, u8* reply, u32* replyLen);
 int snmpGet(const DataItem& item, const u8* data, i32 length, u8* reply, u32* replyLen);
 
-// Check (not while the startup configuration is executed, whose records are taken as they stand), save, send.
+// Check (not while the startup configuration is executed, whose records are taken as they stand), save, send. 0, or
+// what the step that failed gave; behind a check alone `err` is filled.
 int setRecords(const DataItem& item, LIST* records, SnmpErrInfo* err);
+void reportRecords(const DataItem& item, LIST* records, int origin);
 
-// What the slot's objects hold, in one message. -1 when one can't be read or built: then nothing is sent.
-int recoverSlot(const DataItem& item, u16 slot);
+// What the slot's objects hold, in one message; those alone that `which` takes. -1 when one can't be read or built:
+// then nothing is sent.
+int recoverSlot(const DataItem& item, u16 slot, bool (*which)(const ObjIndex* object) = nullptr);
+
+// The lines of each port of a data card, in their order. A port that can't be read has none.
+int showrunSlot(const DataItem& item, Vty* vty, u16 slot);
 
 // --- Steps ---
 
-// Stores record by record; the first failure ends it.
-int saveRecords(const DataItem& item, LIST* records);
 // A message for each slot. A record that can't be built is left out, a send that fails is dropped: what is stored
 // stands, and the card is told when it returns. -1 without memory.
 int sendRecords(const DataItem& item, LIST* records);
+
+// What is stored for the record's object, into it. 0, or the code of the attribute.
+int readRecord(const DataItem& item, void* record);
+
+// The check of a record's object, the card's presence aside.
+int checkObject(const DataItem& item, const void* record, SnmpErrInfo* err);
 
 // --- Parts ---
 
@@ -76,8 +140,14 @@ enum DataError : int { kCountRange = -1, kNoSlot = -3, kShortFrame = -18, kNoMem
 int readCount(WireIn frame, u32 least, u32 most, u32* count, SnmpErrInfo* err);
 inline constexpr u32 kObjects = 36;  // offset of what is counted
 
-// The objects that the selectors of a GET name, sorted. 0 or -1.
+// The objects that the selectors of a GET name. 0, -1, or kNoMemory where that has no answer.
 int selectObjects(const DataItem& item, WireIn frame, LIST* objects, SnmpErrInfo* err);
+
+// The objects of the item under a slot, or with slot 0 under the system, sorted. 0 or -1.
+int walkObjects(const DataItem& item, u16 slot, LIST* objects);
+
+// Puts a record into a list, in the item's order. 0 or -1.
+int addRecord(const DataItem& item, ObjIndex* record, LIST* records);
 
 // Reports to the platform that the configuration of slots has changed, once for each, up to 16 of them.
 class ChangedSlots {
@@ -99,22 +169,12 @@ Record* newRecord() {
   return memory != nullptr ? new (memory) Record : nullptr;
 }
 
-// The record that begins with an object.
-template <class Record>
-Record* recordAt(ObjIndex* object) {
-  return reinterpret_cast<Record*>(object);
-}
-template <class Record>
-const Record* recordAt(const ObjIndex* object) {
-  return reinterpret_cast<const Record*>(object);
-}
-
 // Where the making of an operator's records ended.
 enum class Gathered { all, noMemory, badAddress, refused, notListed };
 
 // A record for each entry of an interface string, changed by `change(address, record)`, which gives 0 or says why not.
 template <class Record, class Change>
-Gathered gatherRecords(Vty* vty, LIST* addresses, LIST* records, Change change) {
+Gathered gatherRecords(const DataItem& item, Vty* vty, LIST* addresses, LIST* records, Change change) {
   for (NODE* cell = lstFirst(addresses); cell != nullptr; cell = lstNext(cell)) {
     const auto& address = *dataOf<const CliAddr>(cell);
     Record* record = newRecord<Record>();
@@ -124,7 +184,7 @@ Gathered gatherRecords(Vty* vty, LIST* addresses, LIST* records, Change change) 
       result = Gathered::badAddress;
     } else if (change(address, record) != 0) {
       result = Gathered::refused;
-    } else if (insert_sort_list_by_index(&record->object, records) != 0) {
+    } else if (addRecord(item, &record->object, records) != 0) {
       result = Gathered::notListed;
     }
     if (result != Gathered::all) {
@@ -133,4 +193,32 @@ Gathered gatherRecords(Vty* vty, LIST* addresses, LIST* records, Change change) 
     }
   }
   return Gathered::all;
+}
+
+// --- Handlers of an item, for its row and the area's lists ---------------------------------------------------------
+
+template <const DataItem& item>
+int setOf(u16, u8, u8* data, i32 length, u8* reply, u32* replyLen, void*, void*) {
+  return snmpSet(item, data, length, reply, replyLen);
+}
+template <const DataItem& item>
+int getOf(u16, u8*, u8* data, i32 length, u8* reply, u32* replyLen, void*, void*) {
+  return snmpGet(item, data, length, reply, replyLen);
+}
+template <const DataItem& item>
+constexpr ItemMessage setAndGet(u32 mostReply, const char* text) {
+  return {setOf<item>, getOf<item>, mostReply, text};
+}
+int registerItem(const DataItem& item);
+template <const DataItem& item>
+int registerOf() {
+  return registerItem(item);
+}
+template <const DataItem& item>
+int installOf() {
+  return installCommands(item.commands);
+}
+template <const DataItem& item>
+int showrunOf(Vty* vty, u16 slot) {
+  return showrunSlot(item, vty, slot);
 }

@@ -1,9 +1,7 @@
 #include "data/vlan/port_vlan.h"
 
 #include "common/obj_attributes.h"
-#include "data/common/data_item.h"
 #include "platform/flow_store.h"
-#include "platform/log.h"
 
 // --- Wire ---
 //
@@ -85,8 +83,7 @@ static int parseRow(Reader& in, const ObjIndex& object, VlanItem* row, SnmpErrIn
   return in.failed() ? -1 : 0;
 }
 
-int parse_set_port_vlan(Reader& in, ObjIndex* object, SnmpErrInfo* err) {
-  auto* record = recordAt<PortVlanRecord>(object);
+static int parse_set_port_vlan(Reader& in, PortVlanRecord* record, SnmpErrInfo* err) {
   const u16 slot = readU16(in);
   const u16 port = readU16(in);
   in.skip(kLocationReserved);
@@ -94,11 +91,11 @@ int parse_set_port_vlan(Reader& in, ObjIndex* object, SnmpErrInfo* err) {
   table.pvcNum = readU16(in);
   if (in.failed()) return -1;
   if (!isDataCard(slot)) return reject(err, kNoSlot, {slot});
-  if (const int code = SlotNoPortConvertObjIndex(slot, port, 0, object)) return reject(err, code);
+  if (const int code = SlotNoPortConvertObjIndex(slot, port, 0, &record->object)) return reject(err, code);
   if (table.pvcNum > kPvcRows) return reject(err, kRowCount, {slot, port, table.pvcNum});
   for (u16 i = 0; i < kPvcRows; ++i) {
     init_vlan_item(&table.rows[i], i);
-    if (i < table.pvcNum && parseRow(in, *object, &table.rows[i], err) != 0) return -1;
+    if (i < table.pvcNum && parseRow(in, record->object, &table.rows[i], err) != 0) return -1;
   }
   return 0;
 }
@@ -175,91 +172,43 @@ static int writeForCard(const VlanService& s, Writer& out) {
   return 0;
 }
 
-int build_port_vlan_msc_pkt(const ObjIndex* record, Writer& out) {
-  return writePort(*recordAt<PortVlanRecord>(record), out, writeForCard);
+static int build_port_vlan_msc_pkt(const PortVlanRecord* record, Writer& out) {
+  return writePort(*record, out, writeForCard);
 }
 
-int build_port_vlan_snmp_pkt(const PortVlanRecord& record, Writer& out) {
-  return writePort(record, out, writeForManager);
+static int build_port_vlan_snmp_pkt(const PortVlanRecord* record, Writer& out) {
+  return writePort(*record, out, writeForManager);
 }
 
 // --- Steps ---
 
-int readPortVlan(PortVlanRecord* record) {
-  return getObjAttrDataByCondition(&record->object, kVlanAttribute, &record->table, 0, sizeof record->table, 0);
-}
-
-int get_port_vlan(PortVlanRecord* record, SnmpErrInfo* err) {
-  if (checkObjErr(kVlanMessage, kVlanAttribute, &record->object, kAnyCard, err) != 0) return -1;
+static int get_port_vlan(PortVlanRecord* record, SnmpErrInfo* err) {
+  if (checkObject(portVlan, record, err) != 0) return -1;
   if (!isDataCard(record->object.addr[1])) return reject(err, kServiceCount);
-  return readPortVlan(record) == 0 ? 0 : -1;
+  return readRecord(portVlan, record) == 0 ? 0 : -1;
 }
 
-static int recoverPort(const ObjIndex* object, Writer& out) {
-  PortVlanRecord record{*object, {}};
-  return readPortVlan(&record) == 0 ? build_port_vlan_msc_pkt(&record.object, out) : -1;
-}
+int recover_port_vlan_cfg(u16 slot) { return isDataCard(slot) ? recoverSlot(portVlan, slot) : kServiceCount; }
 
-static int answerPort(const ObjIndex* object, Writer& out, SnmpErrInfo* err) {
-  PortVlanRecord record{*object, {}};
-  return get_port_vlan(&record, err) == 0 ? build_port_vlan_snmp_pkt(record, out) : -1;
-}
+// With services that only a replay stores: 16 in each of the eight rows.
+static constexpr u32 kLargestPort = 22 + kPvcRows * (20 + kVlanServices * (34 + 2 * kFlowEntries * 42));
 
-static bool hasRows(const ObjIndex* object) {
-  u16 rows = 0;
-  return get_pvcnum(object->addr[1], object->addr[2], &rows) == 0;
-}
-
-static void logSend(u16 slot) {
-  ulogPrintf(gModuleId_Msan, 10, "F(%s)L(%d):  send slotno %d mscmsg err\r\n", "send_port_vlan_cfg", __LINE__, slot);
-}
-
-static void logBuild(u16 slot) {
-  ulogPrintf(gModuleId_Msan, 10, "F(%s)L(%d):  build_port_vlan_msc_pkt slotno %d mscmsg err\r\n", "send_port_vlan_cfg",
-             __LINE__, slot);
-}
-
-static constexpr DataItem item = {
+constexpr DataItem portVlan = {
     .id = kVlanMessage,
+    .stem = "port_vlan",
     .attribute = kVlanAttribute,
-    .valueOffset = offsetof(PortVlanRecord, table),
-    .valueBytes = sizeof(PortVlanTable),
-    .recordBytes = sizeof(PortVlanRecord),
-    .types = kRowPortTypes,
-    .least = 1,
-    .most = 1024,
-    .mostSelected = 1024,
-    .wholeSlot = 65535,
-    .leastAnswer = 42,
-    .message = 600000,
-    .parse = parse_set_port_vlan,
-    .set = set_port_vlan_cfg,
-    .check = check_port_vlan_cfg,
-    .save = save_port_vlan_cfg,
-    .send = send_port_vlan_cfg,
-    .encode = build_port_vlan_msc_pkt,
-    .recover = recoverPort,
-    .answer = answerPort,
+    .kept = kept<&PortVlanRecord::table>(),
+    .objectTypes = kRowPortTypes,
+    .wholeSlot = kWholeSlot,
+    .encodedBytes = kLargestPort,
+    .mostMessage = 600000,
+    .leastSent = 0,
+    .parse = onRecord<parse_set_port_vlan>,
+    .encode = onRecord<build_port_vlan_msc_pkt>,
+    .answer = onRecord<build_port_vlan_snmp_pkt>,
+    .check = onRecord<check_port_vlan_cfg>,
+    .get = onRecord<get_port_vlan>,
     .holds = hasRows,
-    .sendFailed = logSend,
-    .buildFailed = logBuild,
+    .showrun = onRecord<showrunPortVlan>,
+    .message = setAndGet<portVlan>(3000, "port vlan config msg"),
 };
-
-int save_port_vlan_cfg(LIST* records) { return saveRecords(item, records); }
-int send_port_vlan_cfg(LIST* records) { return sendRecords(item, records); }
-int set_port_vlan_cfg(LIST* records, SnmpErrInfo* err) { return setRecords(item, records, err); }
-
-int recover_port_vlan_cfg(u16 slot) { return isDataCard(slot) ? recoverSlot(item, slot) : kServiceCount; }
-
-int br_set_port_vlan(u16, u8, u8* data, i32 length, u8* reply, u32* replyLen, void*, void*) {
-  return snmpSet(item, data, length, reply, replyLen);
-}
-
-int br_get_port_vlan(u16, u8*, u8* data, i32 length, u8* reply, u32* replyLen, void*, void*) {
-  return snmpGet(item, data, length, reply, replyLen);
-}
-
-static constexpr SnmpMsgReg message{kVlanMessage,     {0, 0}, br_set_port_vlan,
-                                    br_get_port_vlan, 3000,   "port vlan config msg"};
-
-int register_port_vlan_cfg_msg_snmp() { return SnmpMsgRegister(&message); }

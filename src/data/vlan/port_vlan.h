@@ -7,6 +7,7 @@
 
 #include "common/msan_snmp.h"
 #include "common/wire.h"
+#include "data/common/data_item.h"
 #include "data/port_rows.h"
 #include "data/vlan/vlan_profile.h"
 #include "platform/lists.h"
@@ -45,25 +46,16 @@ enum PortVlanError : int {
   kPvcIndex = -120,
 };
 
-// The steps. 0 or -1, with `err` filled where one is given.
-int parse_set_port_vlan(Reader& in, ObjIndex* record, SnmpErrInfo* err);
-int check_port_vlan_cfg(LIST* records, SnmpErrInfo* err);  // sets row counts and PVC indexes as the port has them
-int save_port_vlan_cfg(LIST* records);
-int send_port_vlan_cfg(LIST* records);
-int set_port_vlan_cfg(LIST* records, SnmpErrInfo* err);
-int get_port_vlan(PortVlanRecord* record, SnmpErrInfo* err);
-int build_port_vlan_msc_pkt(const ObjIndex* record, Writer& out);
-int build_port_vlan_snmp_pkt(const PortVlanRecord& record, Writer& out);
-int recover_port_vlan_cfg(u16 slot);
-int showrun_vlan_table(Vty* vty, u16 slot);
+extern const DataItem portVlan;
 
-SnmpSetHandler br_set_port_vlan;
-SnmpGetHandler br_get_port_vlan;
-int register_port_vlan_cfg_msg_snmp();
+// The steps that are its own. 0 or -1, with `err` filled where one is given.
+int check_port_vlan_cfg(PortVlanRecord* record,
+                        SnmpErrInfo* err);  // sets row count and PVC indexes as the port has them
+void showrunPortVlan(Vty* vty, const PortVlanRecord* record);
+int recover_port_vlan_cfg(u16 slot);
+
 int install_port_vlan_cfg_cli_element();
 
-// What is stored for a port. 0, or the code of the attribute.
-int readPortVlan(PortVlanRecord* record);
 inline bool isInUse(const VlanService& service) { return service.entryState == kInUse; }
 inline u16 servicesInUse(const VlanItem& row) { return static_cast<u16>(std::ranges::count_if(row.services, isInUse)); }
 

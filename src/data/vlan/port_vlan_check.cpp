@@ -2,11 +2,8 @@
 
 #include <algorithm>
 
-#include "data/common/data_item.h"
 #include "data/vlan/port_vlan.h"
 #include "platform/flow_store.h"
-
-static constexpr u32 kCheckLabel = 20;
 
 static bool isVid(u16 vid) { return vid >= kMinVid && vid <= kMaxVid; }
 static bool isCosOrNone(u16 cos) { return cos <= kMaxCos || cos == kNoTag; }
@@ -96,8 +93,8 @@ static int check_service_num(const PortVlanTable& table, u16 slot, u16 port, Snm
   return services <= kVlanServices ? 0 : reject(err, kServiceCount, {slot, port});
 }
 
-static int checkPort(PortVlanRecord* record, SnmpErrInfo* err) {
-  if (checkObjErr(kVlanMessage, kCheckLabel, &record->object, kAnyCard, err) != 0) return -1;
+int check_port_vlan_cfg(PortVlanRecord* record, SnmpErrInfo* err) {
+  if (checkObject(portVlan, record, err) != 0) return -1;
   const u16 slot = record->object.addr[1];
   const u16 port = record->object.addr[2];
   PortVlanTable& table = record->table;
@@ -111,11 +108,4 @@ static int checkPort(PortVlanRecord* record, SnmpErrInfo* err) {
   }
   if (multiPvc && check_mc_pvc(table, slot, port, err) != 0) return -1;
   return check_service_num(table, slot, port, err);
-}
-
-int check_port_vlan_cfg(LIST* records, SnmpErrInfo* err) {
-  for (NODE* cell = lstFirst(records); cell != nullptr; cell = lstNext(cell)) {
-    if (checkPort(dataOf<PortVlanRecord>(cell), err) != 0) return -1;
-  }
-  return 0;
 }

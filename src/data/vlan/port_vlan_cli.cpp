@@ -20,7 +20,7 @@ static int readPvc(Vty* vty, const char* text, u16* pvc) {
 // Puts a row in the place of the one that a command names: that of the PVC, or the first one. The others stay as they
 // are stored.
 static int changeRow(Vty* vty, PortVlanRecord* record, u16 pvc, const VlanItem& row) {
-  if (readPortVlan(record) != 0) return refuse(vty, "getObjAttrData fail!\r\n");
+  if (readRecord(portVlan, record) != 0) return refuse(vty, "getObjAttrData fail!\r\n");
   const bool first = pvc == kNoPvc;
   record->table.pvcNum = first ? u16{1} : kPvcRows;
   record->table.rows[first ? 0 : pvc] = row;
@@ -30,7 +30,7 @@ static int changeRow(Vty* vty, PortVlanRecord* record, u16 pvc, const VlanItem& 
 // The same row for all addresses, checked, stored and sent. 0, or -1 with a line.
 static int setRow(Vty* vty, LIST* addresses, LIST* records, u16 pvc, const VlanItem& row) {
   const auto change = [&](const CliAddr&, PortVlanRecord* record) { return changeRow(vty, record, pvc, row); };
-  switch (gatherRecords<PortVlanRecord>(vty, addresses, records, change)) {
+  switch (gatherRecords<PortVlanRecord>(portVlan, vty, addresses, records, change)) {
     case Gathered::all:
       return 0;
     case Gathered::noMemory:
@@ -41,9 +41,9 @@ static int setRow(Vty* vty, LIST* addresses, LIST* records, u16 pvc, const VlanI
   }
 }
 
-static int setRecords(Vty* vty, LIST* records) {
+static int set(Vty* vty, LIST* records) {
   SnmpErrInfo err;
-  if (set_port_vlan_cfg(records, &err) == 0) return 0;
+  if (setRecords(portVlan, records, &err) == 0) return 0;
   vty_err_info(vty, err);
   return -1;
 }
@@ -69,13 +69,13 @@ int cli_attach_vlan_profile_func(const CommandElement*, Vty* vty, int argc, char
   VlanProfile& profile = gPortVlanPrf[id];
   profile.item.pvcIndex = pvc;
   if (setRow(vty, addresses, records, pvc, profile.item) != 0) return -1;
-  const int result = setRecords(vty, records);
+  const int result = set(vty, records);
   endEditing(id);
   if (result != 0) return -1;
   const auto& last = *dataOf<const CliAddr>(lstLast(addresses));
   vty_out(vty, "Attach vlan profile %.20s(id:%d) to slot %d port %d pvc %d success.\r\n", profile.name, id, last.slot,
           last.port, pvc);
-  reportSlots(records, kVlanMessage, kByOperator);
+  reportRecords(portVlan, records, kByOperator);
   return 0;
 }
 
@@ -87,9 +87,9 @@ int cli_detach_vlan_profile_func(const CommandElement*, Vty* vty, int argc, char
   if (readInterfaces(vty, argv[0], addresses) != 0 || readPvc(vty, argc > 1 ? argv[1] : nullptr, &pvc) != 0) return -1;
   VlanItem plain;
   init_vlan_item(&plain, pvc);
-  if (setRow(vty, addresses, records, pvc, plain) != 0 || setRecords(vty, records) != 0) return -1;
+  if (setRow(vty, addresses, records, pvc, plain) != 0 || set(vty, records) != 0) return -1;
   vty_out(vty, "Detach vlan profile success.\r\n");
-  reportSlots(records, kVlanMessage, kByOperator);
+  reportRecords(portVlan, records, kByOperator);
   return 0;
 }
 
@@ -108,7 +108,7 @@ static int gatherCleared(Vty* vty, const char* interfaces, LIST* records) {
   const auto clear = [vty](const CliAddr&, PortVlanRecord* record) {
     return init_vlan_table(record) == 0 ? 0 : refuse(vty, "init_vlan_table err.\r\n");
   };
-  switch (gatherRecords<PortVlanRecord>(vty, addresses, records, clear)) {
+  switch (gatherRecords<PortVlanRecord>(portVlan, vty, addresses, records, clear)) {
     case Gathered::all:
       return 0;
     case Gathered::noMemory:
@@ -127,9 +127,9 @@ int cli_clear_port_vlan_func(const CommandElement*, Vty* vty, int argc, char** a
   if (argc != 1) return refuse(vty, "unknown command.\r\n");
   ObjList records;
   if (gatherCleared(vty, argv[0], records) != 0) return refuse(vty, "clear vlan service fail.\r\n");
-  if (setRecords(vty, records) != 0) return -1;
+  if (set(vty, records) != 0) return -1;
   vty_out(vty, "clear vlan service successfully.\r\n");
-  reportSlots(records, kVlanMessage, kByOperator);
+  reportRecords(portVlan, records, kByOperator);
   return 0;
 }
 
@@ -171,7 +171,7 @@ static int showPort(Vty* vty, const CliAddr& address, const char* pvcText) {
   if (readPvc(vty, pvcText, &pvc) != 0 || rowsToShow(vty, address, pvc, &rows) != 0) return -1;
   PortVlanRecord record;
   if (transCliAddr2ObjIndex(vty, &address, &record.object) != 0) return -1;
-  if (readPortVlan(&record) != 0) return refuse(vty, "getObjAttrData fail!\r\n");
+  if (readRecord(portVlan, &record) != 0) return refuse(vty, "getObjAttrData fail!\r\n");
   vty_out(vty, "\r\n show vlan service of slot %-2d port %-2d\r\n", address.slot, address.port);
   for (u16 row = 0; row < rows; ++row) {
     if (pvc != kNoPvc && row != pvc) continue;

@@ -98,35 +98,24 @@ static int showrun_port_vlan_per_item(Vty* vty, const VlanItem& row) {
 
 static bool port_vlan_item_same_as_def(const VlanItem& row) { return row.tlsEnable == 0 && row.serviceNum == 0; }
 
-// A port without rows, or whose rows can't be read, prints nothing.
-static void showrun_vlan_table_item(Vty* vty, u16 slot, u16 port) {
-  PortVlanRecord record;
+// A port without rows prints nothing.
+void showrunPortVlan(Vty* vty, const PortVlanRecord* record) {
+  const u16 slot = record->object.addr[1];
+  const u16 port = record->object.addr[2];
   u16 rows = kPvcRows;
   bool multiPvc = false;
   SnmpErrInfo err;
-  if (check_pvcnum(slot, port, &rows, &multiPvc, &err) != 0 ||
-      SlotNoPortConvertObjIndex(slot, port, 0, &record.object) != 0 || readPortVlan(&record) != 0) {
-    return;
-  }
+  if (check_pvcnum(slot, port, &rows, &multiPvc, &err) != 0) return;
   for (u16 i = 0; i < rows; ++i) {
-    const VlanItem& row = record.table.rows[i];
+    const VlanItem& row = record->table.rows[i];
     if (port_vlan_item_same_as_def(row)) continue;
     if (showrun_port_vlan_per_item(vty, row) != 0) {
       ulogPrintf(gModuleId_Msan, 10, "F(%s)L(%d):  showrun_port_vlan_per_item slot %d port %d item %d fail!\r\n",
-                 __func__, __LINE__, slot, port, i);
+                 "showrun_vlan_table_item", __LINE__, slot, port, i);
     } else if (multiPvc) {
       vty_out(vty, "attach vlan profile defVlanPrf interface %d/%d pvc %d \r\n", slot, port, i);
     } else {
       vty_out(vty, "attach vlan profile defVlanPrf interface %d/%d \r\n", slot, port);
     }
   }
-}
-
-int showrun_vlan_table(Vty* vty, u16 slot) {
-  u16 ports = 0;
-  if (!isDataCard(slot) || ddGetBoardServePortAmountByType(static_cast<u16>(get_config_card_type(slot)), &ports) != 0) {
-    return 0;
-  }
-  for (u16 port = 1; port <= ports; ++port) showrun_vlan_table_item(vty, slot, port);
-  return 0;
 }

@@ -109,7 +109,7 @@ static PortVlanRecord* recordOf(Vty* vty, const CliAddr& address, LIST* records)
   record = newRecord<PortVlanRecord>();
   int result =
       record != nullptr ? transCliAddr2ObjIndex(vty, &address, &record->object) : refuse(vty, "malloc fail!\r\n");
-  if (result == 0 && readPortVlan(record) != 0) result = refuse(vty, "getObjAttrData fail!\r\n");
+  if (result == 0 && readRecord(portVlan, record) != 0) result = refuse(vty, "getObjAttrData fail!\r\n");
   if (result == 0 && insert_sort_list_by_index(&record->object, records) != 0) result = refuse(vty, "malloc fail!\r\n");
   if (result == 0) return record;
   mpuFree(record);
@@ -151,12 +151,12 @@ int cli_add_service_vlan_new_func(const CommandElement*, Vty* vty, int argc, cha
     if (addService(vty, *dataOf<const CliAddr>(cell), request.service, records) != 0) return -1;
   }
   SnmpErrInfo err;
-  if (set_port_vlan_cfg(records, &err) != 0) {
+  if (setRecords(portVlan, records, &err) != 0) {
     vty_out(vty, "set port vlan fail, ");
     vty_err_info(vty, err);
     return -1;
   }
-  reportSlots(records, kVlanMessage, kByOperator);
+  reportRecords(portVlan, records, kByOperator);
   return 0;
 }
 

@@ -9,6 +9,7 @@
 #include <span>
 
 #include "common/commands.h"
+#include "common/item.h"
 #include "common/msan_snmp.h"
 #include "common/record.h"
 #include "common/store.h"
@@ -85,13 +86,6 @@ constexpr Kept unkept(const Record& shape) {
   return {&shape, sizeof(R)};
 }
 
-struct ItemMessage {
-  SnmpSetHandler* set = nullptr;
-  SnmpGetHandler* get = nullptr;
-  u32 mostReply = 0;  // of the GET
-  const char* text = nullptr;
-};
-
 // How a SET goes on to the NGN side: the request's own bytes, or its record encoded anew. Where no buffer is had for
 // that, some SETs fail, others are done but for the message.
 enum class Forward : u8 { asItCame, encoded, encodedOrRefused };
@@ -136,24 +130,6 @@ struct VoiceItem {
   const char* file = __builtin_FILE();  // of the row
   int line = __builtin_LINE();
 };
-
-// A step that takes the item's record, as the row holds it.
-template <auto Function>
-struct OnRecord;
-template <class R, void (*Function)(Vty*, const R*)>
-struct OnRecord<Function> {
-  static void call(Vty* vty, const void* cfg) { Function(vty, static_cast<const R*>(cfg)); }
-};
-template <class R, void (*Function)(const R*, Writer&)>
-struct OnRecord<Function> {
-  static void call(const void* cfg, Writer& out) { Function(static_cast<const R*>(cfg), out); }
-};
-template <class R, int (*Function)(const R*, SnmpErrInfo*)>
-struct OnRecord<Function> {
-  static int call(const void* cfg, SnmpErrInfo* err) { return Function(static_cast<const R*>(cfg), err); }
-};
-template <auto Function>
-inline constexpr auto onRecord = OnRecord<Function>::call;
 
 // --- Steps ------------------------------------------------------------------------------------------------------
 // 0 or -1.
