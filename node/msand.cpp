@@ -7,6 +7,7 @@
 
 #include "configuration.h"
 #include "daemon.h"
+#include "standard_output.h"
 
 namespace {
 
@@ -65,9 +66,7 @@ msand::Configuration configurationOf(const Options& options) {
   return configuration;
 }
 
-}  // namespace
-
-int main(int argc, char** argv) {
+int runProgram(int argc, char** argv) {
   Options options;
   CLI::App app("The node as a daemon: loads the module, holds the chassis, serves its operators.", "msand");
   declare(app, options);
@@ -90,4 +89,11 @@ int main(int argc, char** argv) {
     std::fprintf(stderr, "msand: %s\n", error.what());
     return kFailed;
   }
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  output::keepStandardDescriptors();
+  return output::exitCode(runProgram(argc, argv), "msand", kFailed);
 }

@@ -20,4 +20,13 @@ run ctl --wait 60 -c "show cid mode"
 expect "commands behind a broken pipe" 0 "$code"
 stop
 exec {pipe}>&-
+
+# Started with the standard descriptors closed: what is logged does not go into what was opened in their place.
+"$bin/msand" --config "$folder/msand.toml" --snmp none <&- >&- 2>&- &
+node=$!
+nodes+=("$node")
+run ctl --wait 60 -c "set cid mode dtmf" -c "show cid mode"
+expectMatch "commands of a node without them" "0 *DTMF*" "$code $out"
+expect "its files among them" "/dev/null /dev/null /dev/null" "$(cd "/proc/$node/fd" && readlink 0 1 2 | paste -sd ' ')"
+stop
 exit $bad
