@@ -14,7 +14,7 @@ namespace {
 enum ExitCode { kDone = 0, kFailed = 1, kBadUse = 2 };
 
 struct Options {
-  std::string configuration = "/etc/msan/msand.toml";
+  std::string configuration = MSAN_CONFIGURATION;
   std::string socket;
   std::string startup;
   std::string module;

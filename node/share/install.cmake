@@ -1,7 +1,11 @@
 # The parts of an installation that tell where the others are, or that belong to their owner once they are there.
-set(configuration ${CMAKE_INSTALL_PREFIX}/etc/msan/msand.toml)
-if(CMAKE_INSTALL_PREFIX STREQUAL "/usr")
-  set(configuration /etc/msan/msand.toml)
+# Given: the prefix that was built for, and the configuration file that programs and manuals know.
+if(NOT CMAKE_INSTALL_PREFIX STREQUAL builtPrefix)
+  string(REGEX REPLACE "^/usr$" "" installed "${CMAKE_INSTALL_PREFIX}")
+  string(APPEND installed /etc/msan/msand.toml)
+  message(STATUS "Note: msand was built to look for ${configuration}; with --config, or configured anew with "
+                 "-DCMAKE_INSTALL_PREFIX=${CMAKE_INSTALL_PREFIX}, it takes ${installed}")
+  set(configuration ${installed})
 endif()
 set(MSAN_CONFIGURATION ${configuration})
 set(MSAN_PROGRAM ${CMAKE_INSTALL_PREFIX}/bin/msand)

@@ -23,7 +23,17 @@ expect "a unit does not" 0 "$(grep -c "# mine" "$prefix/lib/systemd/system/msand
 expect "what is said to be installed and is not there" "" \
   "$(sed -nE 's/^-- (Installing|Up-to-date|Kept): //p' "$folder/installed" | xargs -d '\n' ls -d 2>&1 >/dev/null)"
 
+# The program, its manual and the unit of the prefix that was built for name the file that is installed there.
+built=$(sed -n 's/^CMAKE_INSTALL_PREFIX:PATH=//p' "$2/CMakeCache.txt")
+install "$folder/root" "$2" "$built"
+file=$("$folder/root$built/bin/msand" --help | sed -n 's/.*--config FILE=//p')
+expect "the configuration that a node looks for" "" "$(stat "$folder/root$file" 2>&1 >/dev/null)"
+for text in share/man/man8/msand.8 lib/systemd/system/msand.service; do
+  expect "files that $text names" "$file" "$(grep -o '/[^ :]*/msand\.toml' "$folder/root$built/$text" | grep -v ^%d | sort -u)"
+done
+
 install "$folder/root" "$2" /usr
+expectMatch "of another prefix" "*Note: msand was built to look for $file*/etc/msan/msand.toml*" "$(cat "$folder/installed")"
 expect "the configuration of a node in /usr" yes "$([ -e "$folder/root/etc/msan/msand.toml" ] && echo yes)"
 for file in lib/libmsan.so bin/msan-frame share/snmp/mibs/MSAN-MIB.txt share/man/man8/msand.8 share/man/man1/msan-frame.1; do
   expect "$file in /usr" yes "$([ -e "$folder/root/usr/$file" ] && echo yes)"
