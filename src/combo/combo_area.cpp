@@ -1,8 +1,8 @@
 // The DSL area's lists.
 
-#include "combo/adsl/adsl_config_aux.h"
 #include "combo/adsl/adsl_config_interface.h"
 #include "combo/adsl/adsl_profile.h"
+#include "combo/port/port_enable_config.h"
 #include "combo/pvc/pvc_profile.h"
 #include "combo/vdsl/vdsl_config_interface.h"
 #include "common/areas.h"
@@ -10,11 +10,12 @@
 #include "platform/command_line.h"
 #include "platform/log.h"
 
-static constexpr Step init[] = {init_adsl_cfg, get_sys_max_adsl_port_num, vdsl_init_cfg};
-static constexpr Step snmpRegister[] = {adsl_reg_snmp_inf, vdsl_reg_snmp_info};
-static constexpr Step install[] = {init_adsl_cmd, vdsl_init_cli_cmd};
-static constexpr PrintStep showrun[] = {adsl_showrun_inf, vdsl_showrun_info};
-static constexpr SlotStep hotplug[] = {hotplug_ad_prf_attach, hotplug_pvc_prf_attach, vdsl_hotplug};
+static constexpr Step init[] = {init_adsl_cfg, msan_init_data_port_enable_config, vdsl_init_cfg};
+static constexpr Step snmpRegister[] = {adsl_reg_snmp_inf, vdsl_reg_snmp_info, msan_reg_data_port_enable_snmp};
+static constexpr Step install[] = {init_adsl_cmd, vdsl_init_cli_cmd, msan_init_data_port_enable_cmd};
+static constexpr PrintStep showrun[] = {adsl_showrun_inf, vdsl_showrun_info, msan_data_port_enable_showrun};
+static constexpr SlotStep hotplug[] = {hotplug_data_port_enable, hotplug_ad_prf_attach, hotplug_pvc_prf_attach,
+                                       vdsl_hotplug};
 
 int msan_combo_init() {
   callAll(init);

@@ -69,20 +69,33 @@ int GetFatherIndexForSonIndex(const ObjIndex* son, ObjIndex* father) {
   }
 }
 
-int trans_cli_addr_2objlabel(Vty* vty, const CliAddr* address, ObjIndex* out) {
-  if (address == nullptr || out == nullptr) {
-    vty_out(vty, "data or objIndex is NULL.\r\n");
-    return -1;
-  }
+// `type` 0: it is looked up. Lines name the function that was called.
+static int objectOf(Vty* vty, const CliAddr* address, u16 type, ObjIndex* out, const char* function) {
   if (address->level != 1 && address->level != 2) {
     vty_out(vty, "level %d err.\r\n", address->level);
     return -1;
   }
-  if (SlotNoPortConvertObjIndex(address->slot, address->port, 0, out) != 0) {
-    vty_out(vty, "func %s SlotNoPortConvertObjIndex err.\r\n", __func__);
+  if (SlotNoPortConvertObjIndex(address->slot, address->port, type, out) != 0) {
+    vty_out(vty, "func %s SlotNoPortConvertObjIndex err.\r\n", function);
     return -1;
   }
   return 0;
+}
+
+static int nullAddress(Vty* vty) {
+  vty_out(vty, "data or objIndex is NULL.\r\n");
+  return -1;
+}
+
+int trans_cli_addr_2objlabel(Vty* vty, const CliAddr* address, ObjIndex* out) {
+  if (address == nullptr || out == nullptr) return nullAddress(vty);
+  return objectOf(vty, address, 0, out, __func__);
+}
+
+int trans_cli_addr_to_obj_label(Vty* vty, const CliAddr* address, ObjIndex* out) {
+  if (address == nullptr || out == nullptr) return nullAddress(vty);
+  const int card = get_config_card_type(address->slot);
+  return objectOf(vty, address, static_cast<u16>(card > 0 ? card : 0), out, __func__);
 }
 
 int isObjAuthed(const ObjIndex* object) {
@@ -125,6 +138,17 @@ int IsPortNoValidForCardType(u16 cardType, u16 subtype, u16 port) {
     return 0;
   }
   return 1;
+}
+
+u16 configuredDataCard(u16 slot) {
+  const int card = get_config_card_type(slot);
+  return card > 0 && caCheckCardTypeIsMsanDataCard(static_cast<u16>(card)) == 0 ? static_cast<u16>(card) : u16{0};
+}
+
+int getServeSlots(u32 (&slots)[kMostServeSlots], u32* count) {
+  u32 maximum = 0;
+  if (ddGetServeSlotList(slots, kMostServeSlots, count) != 0 || ddGetMaxSlotNum(&maximum) != 0) return -1;
+  return *count <= maximum && *count <= kMostServeSlots ? 0 : -1;
 }
 
 int getSysMaxSlotNum() {

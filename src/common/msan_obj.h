@@ -41,6 +41,8 @@ int isObjTypeExist(u16 type);
 int GetFatherIndexForSonIndex(const ObjIndex* son, ObjIndex* father);
 // An entry of an interface string as a handle. 0, or -1 with a line on the terminal.
 int trans_cli_addr_2objlabel(Vty* vty, const CliAddr* address, ObjIndex* out);
+// The same with the slot's card type for the object's: whether the card has the port is left to a later check.
+int trans_cli_addr_to_obj_label(Vty* vty, const CliAddr* address, ObjIndex* out);
 
 int isObjAuthed(const ObjIndex* object);                            // 1: the system, or its slot has a configured card
 int isObjAndTypeMatch(const ObjIndex* object, u16 type);            // 0: authorised and of the type; else -1
@@ -50,6 +52,12 @@ int sysGetSlotSwAliveStatus(u16 slot);                              // 1: the ca
 int sysGetSlotHwAliveStatus(u16 slot);                              // 1: a card is there
 int IsPortNoValidForCardType(u16 cardType, u16 subtype, u16 port);  // 1 or 0
 int getSysMaxSlotNum();                                             // -1 on failure
+
+u16 configuredDataCard(u16 slot);  // the type of a data card that is configured; 0 for any other, and for none
+
+// The slots of service cards, ascending. 0, or -1 when they can't be had or are more than the chassis has.
+inline constexpr u32 kMostServeSlots = 100;
+int getServeSlots(u32 (&slots)[kMostServeSlots], u32* count);
 
 // The ports of a card type, all of which are of the type asked for. 0 or -1.
 int getSlotPortNumberByType(u16 cardType, u16 subtype, u16 portType, u16* amount);

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdio>
 
+#include "combo/port/port_enable_config.h"
 #include "combo/profile/profile_relation.h"
 #include "common/interface_list.h"
 #include "common/msan_init.h"
@@ -32,6 +33,7 @@ static int getPlain(u32 objectId, void* data, u32 offset, u32 length) {
 static constexpr Attribute attributes[] = {
     {kVoicePortAttribute, set_voiceportcfg_dbapi, get_voiceportcfg_dbapi},
     {kVlanAttribute, set_port_vlan_cfg_db_api, get_port_vlan_cfg_db_api},
+    {kPortEnableAttribute, set_data_port_enable_dbapi, get_data_port_enable_dbapi},
     {kAdslLineAttribute, set_adsl_prf_att_dbapi, getPlain<get_adsl_prf_att_dbapi>},
     {kPvcAttribute, set_pvc_prf_att_dbapi, getPlain<get_pvc_prf_att_dbapi>},
     {kFeedAttribute, set_post_voltcurrent_db_api, get_post_voltcurrent_db_api},
@@ -41,8 +43,8 @@ static constexpr Attribute attributes[] = {
 
 // What a port and a slot hold, in the order in which it is removed.
 static constexpr int (*portDeletes[])(u32 objectId) = {
-    del_voiceportcfg_dbapi, del_port_vlan_cfg_db_api,     del_post_voltcurrent_db_api, clr_adsl_prf_att_dbapi,
-    clr_pvc_prf_att_dbapi,  clr_vdsl_line_prf_att_db_api, del_voiceselfportcfg_dbapi};
+    del_voiceportcfg_dbapi, del_port_vlan_cfg_db_api, del_data_port_enable_dbapi,   del_post_voltcurrent_db_api,
+    clr_adsl_prf_att_dbapi, clr_pvc_prf_att_dbapi,    clr_vdsl_line_prf_att_db_api, del_voiceselfportcfg_dbapi};
 
 static const Attribute* findAttribute(u32 number) {
   const auto* row = std::ranges::find(attributes, number, &Attribute::number);

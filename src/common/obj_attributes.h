@@ -9,6 +9,7 @@
 enum AttributeNumber : u32 {
   kVoicePortAttribute = 267,
   kVlanAttribute = 272,
+  kPortEnableAttribute = 280,
   kAdslLineAttribute = 281,
   kPvcAttribute = 282,
   kFeedAttribute = 285,

@@ -104,6 +104,7 @@ struct WholeTable {
   int (*create)(mco_trans_h, Row*);
   int (*put)(Row*, const Columns*);
   int (*get)(Row*, Columns*);
+  int (*remove)(Row*) = nullptr;  // of one whose rows go again
 };
 
 // Writes the row of the key, which is created if needed; the key stands in the columns, too. 0 or kStoreFailed.
@@ -135,5 +136,21 @@ int loadWhole(const WholeTable<Row, Columns>& table, u32 key, Columns& columns, 
     return kStoreFailed;
   }
   table.get(&row, &columns);
+  return transaction.commit();
+}
+
+// Removes the row of the key, if there is one. 0 or kStoreFailed.
+template <class Row, class Columns>
+int removeWhole(const WholeTable<Row, Columns>& table, u32 key, Where where = Where::here()) {
+  Transaction transaction(Access::write, where);
+  if (!transaction) return kStoreFailed;
+  Row row;
+  const int code = table.find(transaction, key, &row);
+  if (code == DB_NOT_FOUND) return 0;
+  if (code != 0) {
+    logFind(where, table.name, table.index, code);
+    return kStoreFailed;
+  }
+  table.remove(&row);
   return transaction.commit();
 }

@@ -92,10 +92,9 @@ static int showrunSlot(Vty* vty, u16 slot, u16 amount) {
 }
 
 int vshow_run_pots_voltcurrent(Vty* vty) {
-  u32 slots[100];
+  u32 slots[kMostServeSlots];
   u32 count = 0;
-  u32 maximum = 0;
-  if (ddGetServeSlotList(slots, 100, &count) != 0 || ddGetMaxSlotNum(&maximum) != 0 || count > maximum) {
+  if (getServeSlots(slots, &count) != 0) {
     ulogPrintf(gModuleId_Msan, 10, "%s: the slots can't be had.\r\n", __func__);
     return -1;
   }

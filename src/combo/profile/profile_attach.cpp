@@ -3,6 +3,7 @@
 #include <cstring>
 #include <new>
 
+#include "combo/port/port_blocks.h"
 #include "combo/profile/profile_kind.h"
 #include "common/interface_list.h"
 #include "common/msan_init.h"
@@ -10,10 +11,6 @@
 #include "platform/command_line.h"
 #include "platform/database.h"
 #include "platform/log.h"
-#include "voice/common/voice_msc.h"
-
-static constexpr u32 kFrame = sizeof(MscHeader) + 4;  // envelope and number of ports
-static constexpr u32 kPortHead = 20;                  // of a port's block
 
 int walkPorts(std::span<const u16> types, u16 slot, LIST* list) {
   ObjIndex target;
@@ -78,40 +75,16 @@ static bool encodePort(const ProfileKind& kind, const AdslPortPrfNode& node, Wri
     ulogPrintf(gModuleId_Msan, 10, "%s: profile %d can't be read!\r\n", __func__, node.prfId);
     return false;
   }
-  to.number(2, node.port.addr[1]);
-  to.number(2, node.port.addr[2]);
-  to.zeros(kPortHead - 4);
+  putPortHead(to, node.port);
   encodeBody(kind.shape, itemOf(&record), to);
   return true;
 }
 
-static void sendSlot(const ProfileKind& kind, u16 slot, u8* message, u32 length, u32 ports) {
-  const u16 id = kind.cardMessage != nullptr ? kind.cardMessage(slot) : kind.attachId;
-  putNumber(message + sizeof(MscHeader), 4, ports);
-  if (buildMscHeader(message, id, 0) != 0 || sendMscMsg(slot, message, length) < 0) {
-    ulogPrintf(gModuleId_Msan, 10, "%s: message %d to slot %d failed!\r\n", __func__, id, slot);
-  }
-}
-
 int sendToCards(const ProfileKind& kind, LIST* list, u32 count) {
-  if (list == nullptr || count == 0 || lstFirst(list) == nullptr) return -1;
-  const u32 room = kFrame + (kPortHead + kind.shape.mostBody()) * count;
-  const PoolBytes message(static_cast<u8*>(mpuAlloc_(g_MsanMemPoolId, room, __FILE__, __LINE__)));
-  if (message == nullptr) return -1;
-  NODE* cell = lstFirst(list);
-  while (cell != nullptr && count > 0) {
-    const u16 slot = dataOf<AdslPortPrfNode>(cell)->port.addr[1];
-    Writer to(WireOut(message.get(), room));
-    to.skip(kFrame);
-    u32 ports = 0;
-    for (; cell != nullptr && count > 0; cell = lstNext(cell), --count) {
-      const auto& node = *dataOf<AdslPortPrfNode>(cell);
-      if (node.port.addr[1] != slot) break;
-      if (encodePort(kind, node, to)) ++ports;
-    }
-    sendSlot(kind, slot, message.get(), to.length(), ports);
-  }
-  return 0;
+  return sendBySlot<AdslPortPrfNode>(
+      list, count, kPortsFrame + (kPortHead + kind.shape.mostBody()) * count,
+      [&](const AdslPortPrfNode& node, Writer& to) { return encodePort(kind, node, to); },
+      [&](u16 slot) { return kind.cardMessage != nullptr ? kind.cardMessage(slot) : kind.attachId; });
 }
 
 // --- Walks ---

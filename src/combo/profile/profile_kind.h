@@ -7,9 +7,9 @@
 #include "combo/profile/profile_item.h"
 #include "common/memory.h"
 #include "common/msan_obj.h"
+#include "common/semaphore_hold.h"
 #include "platform/lists.h"
 #include "platform/profile_store.h"
-#include "platform/wrappers.h"
 
 inline constexpr u16 kAllocateId = 0xFFFF;
 inline constexpr u16 kNoCount = 0xFFFF;
@@ -110,19 +110,9 @@ struct ProfileKind {
 };
 
 // Holds the kind's semaphore, if it has one.
-class ProfileLock {
+class ProfileLock : SemaphoreHold {
  public:
-  explicit ProfileLock(const ProfileKind& kind) : lock_(kind.lock) {
-    if (lock_ != nullptr) bep_semTakeEx(*lock_, -1);
-  }
-  ~ProfileLock() {
-    if (lock_ != nullptr) bep_semGiveEx(*lock_);
-  }
-  ProfileLock(const ProfileLock&) = delete;
-  ProfileLock& operator=(const ProfileLock&) = delete;
-
- private:
-  const SemaphoreId* lock_;
+  explicit ProfileLock(const ProfileKind& kind) : SemaphoreHold(kind.lock) {}
 };
 
 // --- Profiles (profile_store.cpp) ---

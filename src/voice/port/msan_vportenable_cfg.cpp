@@ -67,9 +67,9 @@ int distrib_voice_port_enable(LIST* list, SnmpErrInfo* err) {
 }
 
 int voice_port_enable_hotplug() {
-  u32 slots[100];
-  u32 count = 0, maximum = 0;
-  if (ddGetServeSlotList(slots, 100, &count) != 0 || ddGetMaxSlotNum(&maximum) != 0 || count > maximum) return -1;
+  u32 slots[kMostServeSlots];
+  u32 count = 0;
+  if (getServeSlots(slots, &count) != 0) return -1;
   for (u32 i = 0; i < count; ++i) {
     const u16 slot = static_cast<u16>(slots[i]);
     if (vCheckSlotNo(slot, kPotsCardKind) != 0) continue;
