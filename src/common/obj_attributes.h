@@ -14,6 +14,7 @@ enum AttributeNumber : u32 {
   kPvcAttribute = 282,
   kFeedAttribute = 285,
   kVdslLineAttribute = 291,
+  kVdslServiceAttribute = 292,
   kSelfPortAttribute = 296,
 };
 

@@ -65,6 +65,11 @@ Bytes vdslBody() {
   return join({body, zeros(8)});
 }
 
+Bytes serviceBody() {
+  return join({hex("0002 0002 00010000003c 00 000100000136 000100000000 00010000003c 00 000100000136 000100000000"),
+               zeros(4), hex("00000040"), zeros(4), hex("00000040 0010 0010 0001 0001"), zeros(8)});
+}
+
 Bytes item(u32 id, const std::string& label, const Bytes& body) { return join({number(2, id), name(label), body}); }
 Bytes frame(u32 count, const Bytes& items) { return join({zeros(32), number(2, count), items}); }
 
@@ -97,7 +102,10 @@ TEST_F(ProfileTest, AnItemThatIsCutAnywhereIsRefusedAndStoresNothing) {
     Bytes body;
     std::size_t length;
   };
-  const Kind kinds[] = {{34661, 0, adslBody(), 282}, {34664, 1, pvcBody(), 128}, {34801, 2, vdslBody(), 252}};
+  const Kind kinds[] = {{34661, 0, adslBody(), 282},
+                        {34664, 1, pvcBody(), 128},
+                        {34801, 2, vdslBody(), 252},
+                        {34803, 3, serviceBody(), 96}};
   for (const Kind& kind : kinds) {
     const Bytes two = join({item(3, "first", kind.body), item(4, "second", kind.body)});
     ASSERT_EQ(two.size(), 2 * kind.length);
@@ -115,10 +123,57 @@ TEST_F(ProfileTest, AnItemThatIsCutAnywhereIsRefusedAndStoresNothing) {
   }
 }
 
+// A value that the check refuses, where it stands in a body, in the order of the check.
+struct Bad {
+  std::size_t at;
+  const char* value;
+  int code;
+};
+struct Checked {
+  u16 message;
+  Bytes body;
+  std::vector<Bad> bad;
+};
+const Checked checked[] = {
+    {34803,
+     serviceBody(),
+     {{2, "0004", -103},
+      {0, "0000", -102},
+      {0, "0003", -121},
+      {6, "00000137", -104},
+      {10, "02", -105},
+      {13, "ffffffff", -106},
+      {19, "00000137", -107},
+      {13, "00000000 0001 00000001", -120},
+      {25, "80000000", -108},
+      {29, "ff", -109},
+      {32, "00000137", -110},
+      {38, "ffffffff", -111},
+      {32, "00000135 0001 00000136", -120},
+      {46, "00030d41", -113},
+      {54, "ffffffff", -115},
+      {58, "0040", -116},
+      {60, "ffff", -117},
+      {62, "0013", -118},
+      {64, "0013", -119}}},
+};
+
+// The first bad value is told, whatever is behind it.
+TEST_F(ProfileTest, TheOrderOfTheChecks) {
+  for (const Checked& kind : checked) {
+    Bytes body = kind.body;
+    ASSERT_EQ(set(kind.message, frame(1, item(9, "good", body))), 0) << kind.message;
+    for (std::size_t i = kind.bad.size(); i-- > 0;) {
+      std::ranges::copy(hex(kind.bad[i].value), body.begin() + static_cast<std::ptrdiff_t>(kind.bad[i].at));
+      EXPECT_EQ(set(kind.message, frame(1, item(9, "bad", body))), kind.bad[i].code) << kind.message << " at " << i;
+    }
+  }
+}
+
 TEST_F(ProfileTest, AttachmentsThatAreCutAnywhereAreRefused) {
   authorise(3, "adsl16");
   authorise(5, "vdsl16");
-  for (const u16 message : {u16{2837}, u16{2838}, u16{2860}, u16{2862}}) {
+  for (const u16 message : {u16{2837}, u16{2838}, u16{2860}, u16{2862}, u16{2863}}) {
     const Bytes written = join({hex("0003 0001"), zeros(22), hex("0005 0002"), zeros(22)});
     for (std::size_t length = 0; length < written.size(); ++length) {
       const Bytes cut(written.begin(), written.begin() + static_cast<std::ptrdiff_t>(length));

@@ -13,6 +13,11 @@ SemaphoreId adsl_prf_config_mux = 0;
 
 static constexpr u16 code(int number) { return static_cast<u16>(number); }
 
+static constexpr FieldOrder snrmOrders[] = {
+    {ITEM_ORDER(AdslPrfItem, MinSnrmDn, MaxSnrmDn), .code = code(-101)},
+    {ITEM_ORDER(AdslPrfItem, MinSnrmUp, MaxSnrmUp), .code = code(-101)},
+};
+
 // clang-format off
 static constexpr ProfileField toneFields[] = {
     {ITEM_FIELD(ToneBlackout, start), .allowed = {{0, 511}}, .code = code(-93), .label = "ToneBlackoutInfo start"},
@@ -46,14 +51,14 @@ static constexpr ProfileField fields[] = {
     {ITEM_FIELD(AdslPrfItem, MaxSnrmDn), .initial = 31, .allowed = {{0, 31}}, .code = code(-95), .label = "MaxSnrmDn"},
     {ITEM_FIELD(AdslPrfItem, MaxSnrmUp), .initial = 31, .allowed = {{0, 31}}, .code = code(-96), .label = "MaxSnrmUp"},
     {ITEM_FIELD(AdslPrfItem, MinSnrmDn), .allowed = {{0, 31}}, .code = code(-97), .label = "MinSnrmDn"},
-    {ITEM_FIELD(AdslPrfItem, MinSnrmUp), .allowed = {{0, 31}}, .code = code(-98), .label = "MinSnrmUp"},
+    {ITEM_FIELD(AdslPrfItem, MinSnrmUp), .allowed = {{0, 31}}, .code = code(-98), .orders = snrmOrders, .label = "MinSnrmUp"},
     {ITEM_FIELD(AdslPrfItem, ToneBlackoutNum), .allowed = {{0, 16}}, .code = code(-92), .early = true, .table = &tones, .label = "ToneBlackoutNum"},
     {ITEM_FIELD(AdslPrfItem, MinRateDn), .allowed = {{0, 100000}}, .code = code(-99), .label = "MinRateDn", .line = "set adsl MinRate down"},
     {ITEM_FIELD(AdslPrfItem, MinRateUp), .allowed = {{0, 100000}}, .code = code(-100), .label = "MinRateUp", .line = "set adsl MinRate up"},
 };
 // clang-format on
 
-// Places in the list where a check, show or print leaves the order of the fields.
+// Places in the list where a show or print leaves the order of the fields.
 static constexpr ProfileFields all(fields);
 static constexpr std::size_t kUpRate = 1, kDownRate = 2, kMaxSnrm = 21, kTones = 25;
 static_assert(fields[kMaxSnrm].at == offsetof(AdslPrfItem, MaxSnrmDn) && fields[kTones].table == &tones);
@@ -63,16 +68,6 @@ static constexpr ProfileShape shape{
 static_assert(shape.mostBody() == 260);
 
 static const AdslPrfItem* itemFrom(const void* item) { return static_cast<const AdslPrfItem*>(item); }
-
-int check_adsl_prf_para(SnmpErrInfo* err, const ProfileHead* record) {
-  const auto* item = itemFrom(itemOf(record));
-  if (checkFields(all.first(kTones), item, err) != 0) return -1;
-  if (item->MinSnrmDn > item->MaxSnrmDn || item->MinSnrmUp > item->MaxSnrmUp) {
-    err->errCode = code(-101);
-    return -1;
-  }
-  return checkFields(all.subspan(kTones), item, err);
-}
 
 static void show_adsl_line_prf(Vty* vty, const void* item) {
   showFields(vty, all.subspan(0, kUpRate), item);
@@ -107,14 +102,13 @@ static constexpr ProfileTexts texts{
     .addFailed = "Add adsl line profine failed,and errcode is ",
     .deleteFailedById = "Delete adsl line profine failed,and errcode is ",
     .deleteFailedByName = "Delete adsl line profine failed,and errcode is ",
-    .deleteDefault = "Default profile cannt be deleted",
     .readFailedById = "get_adsl_line_prf profile failed,and errcode is ",
     .readFailedByName = "get_adsl_line_prf failed,and errcode is ",
     .flushFailed = "flush_adsl_prf adsl line profine failed",
     .flushName = "flush_adsl_prf",
     .writeName = "snmp_set_adsl_prf",
-    .selectDefault = "Default profile cant be modified!",
-    .selectFailed = "set_adsl_prf_cfg_id failed,error.code is ",
+    .selectFailedById = "set_adsl_prf_cfg_id failed,error.code is ",
+    .selectFailedByName = "set_adsl_prf_cfg_id failed,error.code is ",
     .attachFailed = "attach_adsl_line_prf failed,errInfo.code is ",
     .portColumn = "portNo",
 };
@@ -133,14 +127,10 @@ constexpr ProfileKind adslLineKind{
     .type = adslPrfType,
     .selected = adslPrfCfgId,
     .lock = &adsl_prf_config_mux,
-    .reportsAttachment = false,
     .texts = texts,
     .write = writeBatch,
-    .check = check_adsl_prf_para,
-    .setDefaults = nullptr,
     .show = show_adsl_line_prf,
     .printLines = printLines,
-    .cardMessage = nullptr,
 };
 
 int adsl_create_dft_prf() { return createDefault(adslLineKind); }
@@ -210,10 +200,9 @@ int modify_spc_adsl_prf_para(SnmpErrInfo* err, const AdslPrfRecord* values, u32 
     ulogPrintf(gModuleId_Msan, 10, "%s: input parameter error!\r\n", __func__);
     return -1;
   }
-  AdslPrfRecord record;
-  if (readSelected(adslLineKind, err, &record) != 0) return -1;
   if (selector >= std::size(parts) || parts[selector].size == 0) return -1;
-  replacePart(parts[selector], &record.item, &values->item);
-  if (check_adsl_prf_para(err, &record) != 0) return -1;
-  return storeProfile(adslLineKind, &record);
+  return editSelected(adslLineKind, err, [&](void* item) {
+    replacePart(parts[selector], item, &values->item);
+    return true;
+  });
 }

@@ -4,13 +4,6 @@
 #include "combo/profile/profile_kind.h"
 
 #pragma pack(push, 1)
-// A number with decimals: 0, how many, the number.
-struct ScaledValue {
-  u8 zero;
-  u8 decimals;
-  i32 value;
-};
-
 struct ToneBlackout {
   u16 start;
   u16 end;  // both 0 to 511
@@ -56,7 +49,6 @@ extern i16 adslPrfCfgId;
 extern SemaphoreId adsl_prf_config_mux;
 
 int adsl_create_dft_prf();
-int check_adsl_prf_para(SnmpErrInfo* err, const ProfileHead* record);
 int get_adsl_prf(AdslPrfRecord* record, u16 id);
 int get_adsl_line_prf(SnmpErrInfo* err, AdslPrfRecord* record, u16 id);
 int get_adsl_prf_id_by_name(SnmpErrInfo* err, u16* id, const char* name);

@@ -32,7 +32,7 @@ static ProfileHead* recordAt(const ProfileKind& kind, ProfileHead* records, u32 
 
 // The check of the values, which is left out while the startup configuration runs.
 static int checkValues(const ProfileKind& kind, SnmpErrInfo* err, const ProfileHead* record) {
-  if (inRecoverConfProcess() == 1 || kind.check(err, record) == 0) return 0;
+  if (inRecoverConfProcess() == 1 || checkProfile(kind, err, record) == 0) return 0;
   if (err->errDataLen == 0) setProfileDetail(err, record->requestId, record->name);
   return -1;
 }

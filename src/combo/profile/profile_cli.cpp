@@ -120,7 +120,8 @@ int cliDeleteProfile(const ProfileKind& kind, Vty* vty, int argc, char** argv) {
 static void showProfile(const ProfileKind& kind, Vty* vty, const AnyProfile& record) {
   showText(vty, "Profile name", record.name);
   showNumber(vty, "Profile id", record.prfId);
-  kind.show(vty, itemOf(&record));
+  if (kind.show != nullptr) return kind.show(vty, itemOf(&record));
+  showFields(vty, kind.shape.fields, itemOf(&record));
 }
 
 static int showAll(const ProfileKind& kind, Vty* vty) {
@@ -164,13 +165,31 @@ int cliSelectProfile(const ProfileKind& kind, Vty* vty, int argc, char** argv) {
   const ProfileLock lock(kind);
   u16 id = 0;
   if (findOther(kind, vty, argv, kind.texts.selectDefault, &id) != 0) return -1;
-  return selectProfile(kind, id) == 0 ? 0 : complain(vty, kind.texts.selectFailed, 0, " exist");
+  if (selectProfile(kind, id) == 0) return 0;
+  const bool byId = isWord("id", argv[0]);
+  return complain(vty, byId ? kind.texts.selectFailedById : kind.texts.selectFailedByName, 0, " exist");
+}
+
+// --- Edit ---
+
+int finishEdit(const ProfileKind& kind, Vty* vty, int result, const SnmpErrInfo& err) {
+  if (result != 0) return complain(vty, "failed,error code is ", err.errCode);
+  trigger_obj_crc(kNode, 0, 0, kind.writeId, kOperator);
+  return 0;
+}
+
+int cliEditProfile(const ProfileKind& kind, const ProfileLine& line, Vty* vty, int argc, char** argv) {
+  u8 values[kLargestItem] = {};
+  if (readLine(line, vty, argc, argv, values) != 0) return -1;
+  SnmpErrInfo err;
+  const auto apply = [&](void* item) { return applyLine(line, item, values, kind.editsUnchanged); };
+  return finishEdit(kind, vty, editSelected(kind, &err, apply), err);
 }
 
 // --- Attach ---
 
-static int badInterface(Vty* vty) {
-  vty_out(vty, "Please input correct ifStr%s%s", "\r\n", "\r\n");
+static int badInterface(const ProfileKind& kind, Vty* vty) {
+  vty_out(vty, "%s%s%s", kind.texts.badInterface, "\r\n", "\r\n");
   return -1;
 }
 
@@ -192,7 +211,7 @@ int cliAttachProfile(const ProfileKind& kind, Vty* vty, int argc, char** argv) {
   SnmpErrInfo err;
   if (findAny(kind, vty, argv, &id) != 0) return -1;
   ObjList addresses, nodes;
-  if (CliInputConvertObjIndex(argv[2], addresses) != 0) return badInterface(vty);
+  if (CliInputConvertObjIndex(argv[2], addresses) != 0) return badInterface(kind, vty);
   if (makeNodes(vty, addresses, id, nodes) != 0) return -1;
   if (attachPorts(kind, &err, nodes, static_cast<u16>(lstCount(nodes))) != 0) {
     return complain(vty, kind.texts.attachFailed, err.errCode);
@@ -204,7 +223,7 @@ int cliAttachProfile(const ProfileKind& kind, Vty* vty, int argc, char** argv) {
 int cliShowAttached(const ProfileKind& kind, Vty* vty, int argc, char** argv) {
   if (argc != 1) return -1;
   ObjList addresses;
-  if (CliInputConvertObjIndex(argv[0], addresses) != 0) return badInterface(vty);
+  if (CliInputConvertObjIndex(argv[0], addresses) != 0) return badInterface(kind, vty);
   vty_out(vty, "%-10s%-10s%-10s%s", "slotNO", kind.texts.portColumn, "profile id", "\r\n");
   for (NODE* cell = lstFirst(addresses); cell != nullptr; cell = lstNext(cell)) {
     ObjIndex port;

@@ -4,7 +4,7 @@
 // there. Functions return 0 or -1 unless told otherwise; what failed is in the error record, with code 0 when the store
 // or the pool's lists failed.
 
-#include "combo/profile/profile_item.h"
+#include "combo/profile/profile_line.h"
 #include "common/memory.h"
 #include "common/msan_obj.h"
 #include "common/semaphore_hold.h"
@@ -69,16 +69,19 @@ struct ProfileTexts {
   const char* addFailed;
   const char* deleteFailedById;
   const char* deleteFailedByName;
-  const char* deleteDefault;
+  const char* deleteDefault = "Default profile cannt be deleted";
   const char* readFailedById;
   const char* readFailedByName;
-  const char* flushFailed;
-  const char* flushName;  // names of functions in log lines
+  const char* flushFailed = nullptr;  // null: the kind has no such command
+  const char* flushName;              // names of functions in log lines
   const char* writeName;
-  const char* selectDefault;
-  const char* selectFailed;
+  const char* selectDefault = "Default profile cant be modified!";
+  const char* selectFailedById;
+  const char* selectFailedByName;
   const char* attachFailed;
-  const char* portColumn;
+  const char* badInterface = "Please input correct ifStr";
+  const char* portColumn = "port_no";
+  const char* printTitle = nullptr;  // ahead of the kind's profiles in the running configuration
 };
 
 struct ProfileKind {
@@ -89,22 +92,25 @@ struct ProfileKind {
   std::span<const u16> portTypes;
   const ProfileShape& shape;
   const char* defaultName;
-  const char* word;         // in commands
-  const char* attachWord;   // in the running configuration
-  u16 attachTail;           // bytes behind the id in an item of an attachment message
-  i16& type;                // handle of the store, -1 ahead of the registration
-  i16& selected;            // the profile that edit commands act on, -1: none
-  const SemaphoreId* lock;  // null: none
-  bool reportsAttachment;   // an attach command reports the change for the node, too
+  const char* word;                   // in commands
+  const char* attachWord;             // in the running configuration
+  u16 attachTail;                     // bytes behind the id in an item of an attachment message
+  i16& type;                          // handle of the store, -1 ahead of the registration
+  i16& selected;                      // the profile that edit commands act on, -1: none
+  const SemaphoreId* lock = nullptr;  // null: none
+  bool reportsAttachment = false;     // an attach command reports the change for the node, too
+  bool editsUnchanged = true;         // an edit that changes no number is taken over and checked, too
   const ProfileTexts& texts;
+  std::span<const ProfileLine> lines = {};  // of its edit commands
 
   int (*write)(const ProfileKind& kind, SnmpErrInfo* err, ProfileHead* records, u16 count);  // one of the batches
-  int (*check)(SnmpErrInfo* err, const ProfileHead* record);
-  void (*setDefaults)(void* item);
-  void (*show)(Vty* vty, const void* item);
-  void (*printLines)(Vty* vty, const void* item);
-  u16 (*cardMessage)(u16 slot);  // null: the attachment's id
+  int (*check)(SnmpErrInfo* err, const ProfileHead* record) = nullptr;  // null: the fields in order
+  void (*setDefaults)(void* item) = nullptr;
+  void (*show)(Vty* vty, const void* item) = nullptr;        // null: the fields in order
+  void (*printLines)(Vty* vty, const void* item) = nullptr;  // null: `lines`
+  u16 (*cardMessage)(u16 slot) = nullptr;                    // null: the attachment's id
 
+  u16 deleteId() const { return static_cast<u16>(writeId + 1); }
   u32 recordSize() const { return static_cast<u32>(sizeof(ProfileHead)) + shape.itemSize; }
   u32 count() const { return u32{mostId} + 1; }
 };
@@ -131,6 +137,16 @@ int storeProfile(const ProfileKind& kind, const ProfileHead* record);  // the it
 int selectProfile(const ProfileKind& kind, u16 id);
 // Reads the selected profile; without one a line on standard output.
 int readSelected(const ProfileKind& kind, SnmpErrInfo* err, ProfileHead* record);
+int checkProfile(const ProfileKind& kind, SnmpErrInfo* err, const ProfileHead* record);
+// Lets `change` edit the item of the selected profile and stores it; checks it ahead of that if `change` gives true.
+template <class Change>
+int editSelected(const ProfileKind& kind, SnmpErrInfo* err, Change change) {
+  *err = {};
+  AnyProfile record;
+  if (readSelected(kind, err, &record) != 0) return -1;
+  if (change(itemOf(&record)) && checkProfile(kind, err, &record) != 0) return -1;
+  return storeProfile(kind, &record);
+}
 
 // Fills the detail that goes with a record: id and name.
 void setProfileDetail(SnmpErrInfo* err, u16 id, const char* name);
@@ -217,6 +233,37 @@ int cliFlushProfile(const ProfileKind& kind, Vty* vty, int argc, char** argv);
 int cliSelectProfile(const ProfileKind& kind, Vty* vty, int argc, char** argv);
 int cliAttachProfile(const ProfileKind& kind, Vty* vty, int argc, char** argv);
 int cliShowAttached(const ProfileKind& kind, Vty* vty, int argc, char** argv);
+
+// Edits what the arguments of a line name in the selected profile.
+int cliEditProfile(const ProfileKind& kind, const ProfileLine& line, Vty* vty, int argc, char** argv);
+// The end of an edit command: a complaint with the code, or a report.
+int finishEdit(const ProfileKind& kind, Vty* vty, int result, const SnmpErrInfo& err);
+
+// Handlers.
+using ProfileRoad = int(const ProfileKind& kind, Vty* vty, int argc, char** argv);
+template <const ProfileKind& kind, ProfileRoad* road>
+int profileCommand(const CommandElement*, Vty* vty, int argc, char** argv) {
+  return road(kind, vty, argc, argv);
+}
+template <const ProfileKind& kind, u32 line>  // of the kind's lines
+int editCommand(const CommandElement*, Vty* vty, int argc, char** argv) {
+  return cliEditProfile(kind, kind.lines[line], vty, argc, argv);
+}
+
+// The rows of the commands that all VDSL kinds have.
+#define PROFILE_COMMANDS(kind, word, what)                                                                             \
+  command(CONFIG_NODE, "add " word " profile <name> {id <id>}*1", profileCommand<kind, cliAddProfile>,                 \
+          "make a " what " profile"),                                                                                  \
+      command(CONFIG_NODE, "delete " word " profile [id|name] <idOrName>", profileCommand<kind, cliDeleteProfile>,     \
+              "delete a " what " profile"),                                                                            \
+      command(CONFIG_NODE, "show " word " profile [id|name|all] {<idOrName>}*1", profileCommand<kind, cliShowProfile>, \
+              what " profiles"),                                                                                       \
+      command(CONFIG_NODE, "attach " word " profile [id|name] <idOrName> interface <ifStr>",                           \
+              profileCommand<kind, cliAttachProfile>, "give ports a " what " profile"),                                \
+      command(CONFIG_NODE, "show " word " profile attach interface <ifStr>", profileCommand<kind, cliShowAttached>,    \
+              what " profiles of ports"),                                                                              \
+      command(CONFIG_NODE, "set " word " profile [id|name] <idOrName>", profileCommand<kind, cliSelectProfile>,        \
+              "select a " what " profile")
 
 #define PROFILE_HANDLER(name, road, kind) \
   static int name(const CommandElement*, Vty* vty, int argc, char** argv) { return road(kind, vty, argc, argv); }

@@ -73,15 +73,20 @@ static int clearRelation(const Relation<Row>& table, u32 objectId, Where where =
   return transaction.commit();
 }
 
-// clang-format off
-#define RELATION(T)                                                                                             \
-  static constexpr Relation<T> T##_relation{T##_reTree_index_cursor, T##_reTree_search, T##_reTree_compare,     \
-                                            T##_from_cursor, T##_new, T##_delete, T##_ulObjId_put, T##_prfId_put, \
-                                            T##_prfId_get}
-// clang-format on
-RELATION(AD_PRF_ATT_RELATION);
-RELATION(PVC_PRF_ATT_RELATION);
-RELATION(VD_LINE_PRF_ATT_RELATION);
+#define RELATION(T, key, id, index)                                     \
+  static constexpr Relation<T> T##_relation{T##_##index##_index_cursor, \
+                                            T##_##index##_search,       \
+                                            T##_##index##_compare,      \
+                                            T##_from_cursor,            \
+                                            T##_new,                    \
+                                            T##_delete,                 \
+                                            T##_##key##_put,            \
+                                            T##_##id##_put,             \
+                                            T##_##id##_get};
+RELATION(AD_PRF_ATT_RELATION, ulObjId, prfId, reTree)
+RELATION(PVC_PRF_ATT_RELATION, ulObjId, prfId, reTree)
+RELATION(VD_LINE_PRF_ATT_RELATION, ulObjId, prfId, reTree)
+RELATION(VD_SERVICE_PRF_ATT_RELATION, ulObjId, prfId, reTree)
 
 int set_adsl_prf_att_dbapi(u32 objectId, const void* id, u32, u32) {
   return setRelation(AD_PRF_ATT_RELATION_relation, objectId, id);
@@ -99,10 +104,13 @@ int get_pvc_prf_att_dbapi(u32 objectId, void* id, u32, u32, u32) {
 }
 int clr_pvc_prf_att_dbapi(u32 objectId) { return clearRelation(PVC_PRF_ATT_RELATION_relation, objectId); }
 
-int set_vdsl_line_prf_att_db_api(u32 objectId, const void* id, u32, u32) {
-  return setRelation(VD_LINE_PRF_ATT_RELATION_relation, objectId, id);
-}
-int get_vdsl_line_prf_att_db_api(u32 objectId, void* id, u32, u32) {
-  return getRelation(VD_LINE_PRF_ATT_RELATION_relation, objectId, id);
-}
-int clr_vdsl_line_prf_att_db_api(u32 objectId) { return clearRelation(VD_LINE_PRF_ATT_RELATION_relation, objectId); }
+#define VDSL_ATTACHMENT(kind, api, T)                                           \
+  int set_vdsl_##kind##_prf_att_##api(u32 objectId, const void* id, u32, u32) { \
+    return setRelation(T##_relation, objectId, id);                             \
+  }                                                                             \
+  int get_vdsl_##kind##_prf_att_##api(u32 objectId, void* id, u32, u32) {       \
+    return getRelation(T##_relation, objectId, id);                             \
+  }                                                                             \
+  int clr_vdsl_##kind##_prf_att_##api(u32 objectId) { return clearRelation(T##_relation, objectId); }
+VDSL_ATTACHMENT(line, db_api, VD_LINE_PRF_ATT_RELATION)
+VDSL_ATTACHMENT(ser, db_api, VD_SERVICE_PRF_ATT_RELATION)

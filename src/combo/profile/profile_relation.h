@@ -13,6 +13,11 @@ int set_pvc_prf_att_dbapi(u32 objectId, const void* id, u32 offset, u32 length);
 int get_pvc_prf_att_dbapi(u32 objectId, void* id, u32 offset, u32 length, u32 flag);
 int clr_pvc_prf_att_dbapi(u32 objectId);
 
-int set_vdsl_line_prf_att_db_api(u32 objectId, const void* id, u32 offset, u32 length);
-int get_vdsl_line_prf_att_db_api(u32 objectId, void* id, u32 offset, u32 length);
-int clr_vdsl_line_prf_att_db_api(u32 objectId);
+// The three of a VDSL kind.
+#define VDSL_ATTACHMENT(kind, api)                                                           \
+  int set_vdsl_##kind##_prf_att_##api(u32 objectId, const void* id, u32 offset, u32 length); \
+  int get_vdsl_##kind##_prf_att_##api(u32 objectId, void* id, u32 offset, u32 length);       \
+  int clr_vdsl_##kind##_prf_att_##api(u32 objectId);
+VDSL_ATTACHMENT(line, db_api)
+VDSL_ATTACHMENT(ser, db_api)
+#undef VDSL_ATTACHMENT

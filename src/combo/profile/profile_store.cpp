@@ -72,6 +72,11 @@ int readSelected(const ProfileKind& kind, SnmpErrInfo* err, ProfileHead* record)
   return getProfile(kind, err, record, static_cast<u16>(kind.selected));
 }
 
+int checkProfile(const ProfileKind& kind, SnmpErrInfo* err, const ProfileHead* record) {
+  if (kind.check != nullptr) return kind.check(err, record);
+  return checkFields(kind.shape.fields, itemOf(record), err);
+}
+
 void setProfileDetail(SnmpErrInfo* err, u16 id, const char* name) {
   putNumber(err->errData, 2, id);
   std::memcpy(err->errData + 2, name, kProfileNameBytes);
@@ -121,13 +126,19 @@ int encodeAll(const ProfileKind& kind, Writer& to) {
   return to.failed() ? -1 : 0;
 }
 
+static void printItem(const ProfileKind& kind, Vty* vty, const void* item) {
+  if (kind.printLines != nullptr) return kind.printLines(vty, item);
+  for (const ProfileLine& line : kind.lines) printLine(line, vty, item);
+}
+
 int printProfiles(const ProfileKind& kind, Vty* vty) {
+  if (kind.texts.printTitle != nullptr) vty_out(vty, "%s", kind.texts.printTitle);
   AnyProfile record;
   for (u32 id = 1; id <= kind.mostId; ++id) {
     if (readProfile(kind, &record, static_cast<u16>(id)) != 0) continue;
     vty_out(vty, "add %s profile %s id %d%s", kind.word, record.name, static_cast<int>(id), "\r\n");
     vty_out(vty, "set %s profile id %d%s", kind.word, static_cast<int>(id), "\r\n");
-    kind.printLines(vty, itemOf(&record));
+    printItem(kind, vty, itemOf(&record));
   }
   return 0;
 }

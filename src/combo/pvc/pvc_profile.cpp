@@ -20,7 +20,7 @@ static constexpr u16 kBadPair = static_cast<u16>(-97);
 static constexpr ProfileField pvcFields[] = {
     {ITEM_FIELD(PvcEntry, pvcNo), .allowed = {{0, 7}}, .code = static_cast<u16>(-96), .label = "PvcIndex"},
     {ITEM_FIELD(PvcEntry, vpi), .allowed = {{0, 255}, {65535, 65535}}, .code = kBadPair, .label = "Vpi"},
-    {ITEM_FIELD(PvcEntry, vci), .allowed = {{0, 0}, {32, 255}, {0xFFFFFFFF, 0xFFFFFFFF}}, .code = static_cast<u16>(-98), .label = "Vci"},
+    {ITEM_FIELD(PvcEntry, vci), .allowed = {{0, 0}, {32, 255}, {-1, -1}}, .code = static_cast<u16>(-98), .label = "Vci"},
 };
 static constexpr ProfileTable pvcs{.at = offsetof(PvcPrfItem, pvcs), .most = kPvcs, .entry = sizeof(PvcEntry),
                                    .fields = pvcFields, .atLeast = 1};
@@ -69,8 +69,6 @@ int check_pvc_prf_para(SnmpErrInfo* err, const ProfileHead* record) {
   return -1;
 }
 
-static void showPvc(Vty* vty, const void* item) { showFields(vty, fields, item); }
-
 // The line of a circuit number: of the first entry that has it.
 static void printPvc(Vty* vty, const PvcPrfItem& item, u16 number) {
   for (u16 i = 0; i < item.PvcNum && i < kPvcs; ++i) {
@@ -108,7 +106,8 @@ static constexpr ProfileTexts texts{
     .flushName = "flush_pvc_prf",
     .writeName = "snmp_set_pvc_prf",
     .selectDefault = "Default profile cannt be modified!",
-    .selectFailed = "set_pvc_prf_cfg_id failed,error.code is ",
+    .selectFailedById = "set_pvc_prf_cfg_id failed,error.code is ",
+    .selectFailedByName = "set_pvc_prf_cfg_id failed,error.code is ",
     .attachFailed = "attach_pvc_prf failed,errInfo.code is ",
     .portColumn = "portNo",
 };
@@ -127,12 +126,10 @@ constexpr ProfileKind pvcKind{
     .type = pvcPrfType,
     .selected = pvcPrfCfgId,
     .lock = &pvc_prf_config_mux,
-    .reportsAttachment = false,
     .texts = texts,
     .write = writeBatch,
     .check = check_pvc_prf_para,
     .setDefaults = setDefaults,
-    .show = showPvc,
     .printLines = printLines,
     .cardMessage = cardMessage,
 };

@@ -4,19 +4,18 @@
 #include "combo/vdsl/vdsl_config_interface.h"
 
 #include <algorithm>
+#include <cstdio>
 
+#include "combo/vdsl/vdsl_kinds.h"
 #include "combo/vdsl/vdsl_line_func_prf.h"
 #include "common/areas.h"
 #include "common/msan_init.h"
 #include "platform/log.h"
 
 // In the order in which they are made, printed and sent.
-static constexpr const ProfileKind* kinds[] = {&vdslLineKind};
+static constexpr const ProfileKind* kinds[] = {&vdslLineKind, &vdslServiceKind};
 
-static constexpr Step createDefaults[] = {create_vdsl_line_dft_prf};
-static constexpr Step install[] = {install_vdsl_line_cmd};
-static constexpr PrintStep showrun[] = {vdsl_line_prf_showrun, vdsl_line_prf_attach_showrun};
-static constexpr SlotStep hotplug[] = {hotplug_vdsl_line_prf_attach};
+static constexpr Step install[] = {install_vdsl_line_cmd, install_vdsl_ser_cmd};
 
 int vdsl_init_cfg() {
   for (const ProfileKind* kind : kinds) {
@@ -25,30 +24,44 @@ int vdsl_init_cfg() {
                "vdsl_config_interface.cpp", __LINE__, __func__, kind->writeId);
     return -1;
   }
-  return callAll(createDefaults);
+  int result = 0;
+  for (const ProfileKind* kind : kinds) result = createDefault(*kind);
+  return result;
 }
 
 int vdsl_init_cli_cmd() { return callAll(install); }
-int vdsl_showrun_info(Vty* vty) { return callAll(showrun, vty); }
-int vdsl_hotplug(u16 slot) { return callAll(hotplug, slot); }
+
+int vdsl_showrun_info(Vty* vty) {
+  int result = 0;
+  for (const ProfileKind* kind : kinds) printProfiles(*kind, vty);
+  for (const ProfileKind* kind : kinds) result = printAttached(*kind, vty);
+  return result;
+}
+
+int vdsl_hotplug(u16 slot) {
+  int result = 0;
+  for (const ProfileKind* kind : kinds) result = hotplugProfiles(*kind, slot);
+  return result;
+}
 
 // --- Messages ---
 
-static int snmp_set_vdsl_line_prf(u16 id, u8, u8* data, i32 length, u8* reply, u32* replyLen, void*, void*) {
-  return snmpWriteProfiles(vdslLineKind, {id, nullptr, data, length, reply, replyLen});
-}
-static int snmp_del_vdsl_line_prf(u16 id, u8, u8* data, i32 length, u8* reply, u32* replyLen, void*, void*) {
-  return snmpDeleteProfiles(vdslLineKind, {id, nullptr, data, length, reply, replyLen});
-}
-static int snmp_get_vdsl_line_prf(u16 id, u8* last, u8* data, i32 length, u8* reply, u32* replyLen, void*, void*) {
-  return snmpReadProfiles(vdslLineKind, {id, last, data, length, reply, replyLen});
+// The kind that a message is of. The messages below are registered, so there is one.
+static const ProfileKind& kindOf(u16 id) {
+  return **std::ranges::find_if(kinds, [id](const ProfileKind* kind) {
+    return kind->writeId == id || kind->deleteId() == id || kind->attachId == id;
+  });
 }
 
-// The kind that an attachment message is of. The messages below are registered, so there is one.
-static const ProfileKind& kindOf(u16 attachId) {
-  return **std::ranges::find(kinds, attachId, [](const ProfileKind* kind) { return kind->attachId; });
+static int snmp_set_vdsl_prf(u16 id, u8, u8* data, i32 length, u8* reply, u32* replyLen, void*, void*) {
+  return snmpWriteProfiles(kindOf(id), {id, nullptr, data, length, reply, replyLen});
 }
-
+static int snmp_del_vdsl_prf(u16 id, u8, u8* data, i32 length, u8* reply, u32* replyLen, void*, void*) {
+  return snmpDeleteProfiles(kindOf(id), {id, nullptr, data, length, reply, replyLen});
+}
+static int snmp_get_vdsl_prf(u16 id, u8* last, u8* data, i32 length, u8* reply, u32* replyLen, void*, void*) {
+  return snmpReadProfiles(kindOf(id), {id, last, data, length, reply, replyLen});
+}
 static int snmp_set_vdsl_prf_attach(u16 id, u8, u8* data, i32 length, u8* reply, u32* replyLen, void*, void*) {
   return snmpAttachPorts(kindOf(id), {id, nullptr, data, length, reply, replyLen});
 }
@@ -57,12 +70,17 @@ static int snmp_get_vdsl_prf_attach(u16 id, u8* last, u8* data, i32 length, u8* 
 }
 
 int vdsl_reg_snmp_info() {
+  // A read of attachments takes as much for every kind with short items.
+  const u32 ports = attachmentReply(vdslLineKind);
+  // clang-format off
   const ProfileMessage messages[] = {
-      {"MSAN_SET_VD_LINE_PROFILE", "set vdsl line profile", 34801, snmp_set_vdsl_line_prf, snmp_get_vdsl_line_prf,
-       90000},
-      {"MSAN_DEL_VD_LINE_PROFILE", "delete vdsl line profile", 34802, snmp_del_vdsl_line_prf, nullptr, 0},
-      {"MSAN_SET_VD_BIND_LINE_PROFILE", "attach vdsl line profile", 2862, snmp_set_vdsl_prf_attach,
-       snmp_get_vdsl_prf_attach, attachmentReply(vdslLineKind)},
+      {"MSAN_SET_VD_LINE_PROFILE", "set vdsl line profile", 34801, snmp_set_vdsl_prf, snmp_get_vdsl_prf, 90000},
+      {"MSAN_DEL_VD_LINE_PROFILE", "delete vdsl line profile", 34802, snmp_del_vdsl_prf, nullptr, 0},
+      {"MSAN_SET_VD_BIND_LINE_PROFILE", "attach vdsl line profile", 2862, snmp_set_vdsl_prf_attach, snmp_get_vdsl_prf_attach, ports},
+      {"MSAN_SET_VD_SERVICE_PROFILE", "set vdsl service profile", 34803, snmp_set_vdsl_prf, snmp_get_vdsl_prf, 90000},
+      {"VD_SERVICE_PRF_CONFIG", "delete vdsl service profile", 34804, snmp_del_vdsl_prf, nullptr, 0},
+      {"MSAN_SET_VD_BIND_SERVICE_PROFILE", "attach vdsl service profile", 2863, snmp_set_vdsl_prf_attach, snmp_get_vdsl_prf_attach, ports},
   };
+  // clang-format on
   return registerProfileMessages(messages);
 }

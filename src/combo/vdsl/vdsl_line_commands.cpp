@@ -1,27 +1,13 @@
 // The commands of VDSL line profiles.
 
-#include <cstdlib>
-
 #include "combo/vdsl/vdsl_line_func_prf.h"
 #include "combo/vdsl/vdsl_words.h"
 #include "common/commands.h"
 #include "platform/command_line.h"
-#include "platform/database.h"
-
-PROFILE_HANDLER(add_vdsl_line_prf_Func, cliAddProfile, vdslLineKind)
-PROFILE_HANDLER(del_vdsl_line_prf_Func, cliDeleteProfile, vdslLineKind)
-PROFILE_HANDLER(show_vdsl_line_prf_Func, cliShowProfile, vdslLineKind)
-PROFILE_HANDLER(attach_vdsl_line_prf_Func, cliAttachProfile, vdslLineKind)
-PROFILE_HANDLER(show_attach_vdsl_line_prf_Func, cliShowAttached, vdslLineKind)
-PROFILE_HANDLER(config_vdsl_line_profile_node_Func, cliSelectProfile, vdslLineKind)
 
 static int edit(Vty* vty, const VdslLinePrfRecord& values, u32 selector) {
   SnmpErrInfo err;
-  if (modify_spc_vdsl_line_prf_para(&err, &values, selector) != 0) {
-    return complain(vty, "failed,error code is ", err.errCode);
-  }
-  trigger_obj_crc(9, 0, 0, vdslLineKind.writeId, 3);
-  return 0;
+  return finishEdit(vdslLineKind, vty, modify_spc_vdsl_line_prf_para(&err, &values, selector), err);
 }
 
 static int unknownCommand(Vty* vty) { return complain(vty, "unknown command"); }
@@ -50,15 +36,11 @@ static int cli_set_vdslLine_psd_func(const CommandElement*, Vty* vty, int argc, 
 }
 
 // A power in dB as tenths, cut. Nothing behind a complaint.
-static std::optional<ScaledPower> readPower(Vty* vty, const char* text, double most) {
-  const double power = std::atof(text);
-  if (!(power >= 0.0 && power <= most)) {
-    vty_out(vty, "para is wrong\r\n");
-    return std::nullopt;
-  }
-  // In memory it is rounded to a double, also where registers hold more: 20.2 times 10 is 202 then, not a bit less.
-  const volatile double tenths = power * 10;
-  return ScaledPower{0, 1, static_cast<u32>(tenths)};
+static std::optional<ScaledValue> readPower(Vty* vty, const char* text, double most) {
+  const double power = typedNumber(text);
+  if (power >= 0.0 && power <= most) return ScaledValue{0, 1, scaled(power, 1)};
+  vty_out(vty, "para is wrong\r\n");
+  return std::nullopt;
 }
 
 static int cli_set_vdslLine_maxTxPowerDn_func(const CommandElement*, Vty* vty, int, char** argv) {
@@ -108,12 +90,7 @@ static int cli_set_vdslLine_tone_func(const CommandElement*, Vty* vty, int argc,
 
 // clang-format off
 static constexpr Command commands[] = {
-    command(CONFIG_NODE, "add vdslLine profile <name> {id <id>}*1", add_vdsl_line_prf_Func, "make a VDSL line profile"),
-    command(CONFIG_NODE, "delete vdslLine profile [id|name] <idOrName>", del_vdsl_line_prf_Func, "delete a VDSL line profile"),
-    command(CONFIG_NODE, "show vdslLine profile [id|name|all] {<idOrName>}*1", show_vdsl_line_prf_Func, "VDSL line profiles"),
-    command(CONFIG_NODE, "attach vdslLine profile [id|name] <idOrName> interface <ifStr>", attach_vdsl_line_prf_Func, "give ports a VDSL line profile"),
-    command(CONFIG_NODE, "show vdslLine profile attach interface <ifStr>", show_attach_vdsl_line_prf_Func, "VDSL line profiles of ports"),
-    command(CONFIG_NODE, "set vdslLine profile [id|name] <idOrName>", config_vdsl_line_profile_node_Func, "select a VDSL line profile"),
+    PROFILE_COMMANDS(vdslLineKind, "vdslLine", "VDSL line"),
     command(CONFIG_NODE, "set vdslline para portmode [atm|ptm|self-adaption]", cli_set_vdslLine_portmode_func, "transfer mode"),
     command(CONFIG_NODE, "set vdslline para stdPrf [8a|8b|8c|8d|12a|12b|17a|30a|all]", cli_set_vdslLine_stdprf_func, "VDSL2 profile"),
     command(CONFIG_NODE, "set vdslline para psd <0-42>", cli_set_vdslLine_psd_func, "shape of the power spectral density"),

@@ -4,13 +4,6 @@
 #include "combo/profile/profile_kind.h"
 
 #pragma pack(push, 1)
-// A power with one decimal: 0, 1, tenths of a dB.
-struct ScaledPower {
-  u8 zero;
-  u8 decimals;
-  u32 value;
-};
-
 struct ToneRange {
   u16 start;  // not above the end
   u16 end;    // both 0 to 4095
@@ -21,8 +14,8 @@ struct VdslLinePrfItem {
   u16 portMode;            // 1 ATM, 2 PTM, 3 what the line finds
   u16 stPrf;               // one band's bit, or 255 for all
   u16 psdShape;            // 0 to 42
-  ScaledPower maxTxPwrDn;  // 0 to 255
-  ScaledPower maxTxPwrUp;  // 0 to 202
+  ScaledValue maxTxPwrDn;  // tenths of a dB, 0 to 255
+  ScaledValue maxTxPwrUp;  // 0 to 202
   u16 rfiNum;
   ToneRange rfi[16];
   u16 tbNum;
@@ -38,20 +31,9 @@ extern const ProfileKind vdslLineKind;
 extern i16 g_vdsl_line_prf_type;
 extern i16 g_vdsl_line_prf_cfg_id;
 
-int create_vdsl_line_dft_prf();
-int check_vdsl_line_prf_para(SnmpErrInfo* err, const ProfileHead* record);
 int get_vdsl_line_prf_base(SnmpErrInfo* err, VdslLinePrfRecord* record, u16 id);
-int set_vdsl_line_prf_base(SnmpErrInfo* err, VdslLinePrfRecord* records, u16 count);
-int delete_spc_vdsl_line_prf_base(SnmpErrInfo* err, const u16* ids, u16 count);
 // Changes what a selector (1 to 7) names in the selected profile to what it is in `values`. The profile is checked if
 // that makes a difference, and written in any case.
 int modify_spc_vdsl_line_prf_para(SnmpErrInfo* err, const VdslLinePrfRecord* values, u32 selector);
-int attach_vdsl_line_prf_base(SnmpErrInfo* err, LIST* nodes, u16 count);
-int attach_vdsl_line_prf_adapt(LIST* nodes, u16 count);
-int flush_vdsl_line_prf(SnmpErrInfo* err, u16 id, int flag);
-int check_vdsl_line_prf_attached(SnmpErrInfo* err, u16 id);
-int hotplug_vdsl_line_prf_attach(u16 slot);
-int vdsl_line_prf_showrun(Vty* vty);
-int vdsl_line_prf_attach_showrun(Vty* vty);
 
 int install_vdsl_line_cmd();

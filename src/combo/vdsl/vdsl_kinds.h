@@ -1,0 +1,17 @@
+#pragma once
+// The profiles that a VDSL line has beside its line profile, one of each kind, and what the kinds share.
+
+#include "combo/adsl/adsl_config_aux.h"
+#include "combo/profile/profile_kind.h"
+
+inline constexpr u16 vdslPortTypes[] = {kVdslPort, kVdslPotsPort};
+inline constexpr u16 kMostVdslProfile = 32;  // of all kinds but the line profile
+inline constexpr const char* kVdslIdRange = "Profile's id must between 1 and 32 ";
+
+constexpr u16 vdslCode(int number) { return static_cast<u16>(number); }
+
+extern const ProfileKind
+    vdslServiceKind;  // rate adaptation, noise margins, least rates, delay, impulse noise protection
+extern i16 g_vdsl_service_prf_type;
+extern i16 g_vdsl_service_prf_cfg_id;
+int install_vdsl_ser_cmd();
