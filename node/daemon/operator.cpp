@@ -82,15 +82,21 @@ std::string Operator::suggest(const Terminal& terminal, std::string_view line) {
   const std::string_view first = line.substr(begin, end == line.npos ? end : end - begin);
 
   std::vector<host::Suggestion> all;
+  const std::shared_lock request(host::requestGate());  // the module may be asked what exists
   if (!firstIsWhole || !isPlatformWord(first)) all = host::suggestions(moduleNode(terminal.level), line);
   for (host::Suggestion& one : host::suggestions(platformNode(terminal.level), line)) {
-    const auto same = [&](const host::Suggestion& other) { return other.word == one.word; };
+    const auto same = [&](const host::Suggestion& other) {
+      return other.word == one.word && (one.word.front() != '<' || other.help == one.help);
+    };
     if (std::ranges::none_of(all, same)) all.push_back(std::move(one));
   }
-  std::ranges::stable_sort(all, {}, [](const host::Suggestion& one) { return std::pair(one.complete, one.word); });
+  // What exists stays in its own order.
+  std::ranges::stable_sort(all, {}, [](const host::Suggestion& one) {
+    return std::pair(one.kind, one.kind == host::Suggested::word ? std::string_view(one.word) : std::string_view());
+  });
 
   std::string rows;
-  for (const host::Suggestion& one : all) rows += (one.complete ? "<cr>" : one.word) + "\t" + one.help + "\n";
+  for (const host::Suggestion& one : all) rows += one.word + "\t" + one.help + "\n";
   return rows;
 }
 

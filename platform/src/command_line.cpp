@@ -29,6 +29,7 @@ struct Installed {
   std::map<int, Node> nodes;
   std::vector<std::pair<int, u32>> order;  // node and number of each command, as they came
   std::vector<InstalledModule> modules;
+  std::vector<command_line::OfferSource> offers;
 
   const Node* find(int node) const {
     const auto found = nodes.find(node);
@@ -93,6 +94,16 @@ int install_element(int node, const CommandElement* element) {
   if (!at.add({element, element->help ? element->help : "", std::move(*syntax)})) return -1;
   commands.order.emplace_back(node, static_cast<u32>(at.size() - 1));
   return 0;
+}
+
+void install_offers(const char* keyword, CommandOfferList* list, const void* context) {
+  Installed& commands = installed();
+  const std::unique_lock lock(commands.mutex);
+  commands.offers.push_back({keyword, list, context});
+}
+
+void offer_to_cli(CommandOffers* to, i32 id, const char* name, u32 length) {
+  to->things.push_back({id, std::string(name, length)});
 }
 
 void vty_out(Vty* vty, const char* format, ...) {
@@ -204,7 +215,7 @@ std::vector<Suggestion> suggestions(int node, std::string_view line) {
   Installed& commands = installed();
   const std::shared_lock lock(commands.mutex);
   const Node* at = commands.find(node);
-  return at ? command_line::suggest(*at, *reading, line) : std::vector<Suggestion>{};
+  return at ? command_line::suggest(*at, *reading, line, commands.offers) : std::vector<Suggestion>{};
 }
 
 std::vector<InstalledCommand> installedCommands() {
@@ -241,6 +252,7 @@ void forgetCommands() {
   commands.nodes.clear();
   commands.order.clear();
   commands.modules.clear();
+  commands.offers.clear();
 }
 
 }  // namespace host

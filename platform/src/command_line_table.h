@@ -72,6 +72,8 @@ class Reading {
   std::span<const TypedWord> words() const { return words_; }
   // The ways to take them that are left.
   std::span<const Step> open() const { return std::span(steps_).subspan(open_); }
+  // The step of the word ahead; null: this is that of the first word.
+  const Step* before(const Step& step) const { return step.before == kNone ? nullptr : &steps_[step.before]; }
 
   // What the words mean, all of them taken; `chosen` is the last step of the command that is to run.
   host::LineResult decide(const Node& node, const Step*& chosen) const;

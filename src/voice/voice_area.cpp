@@ -85,6 +85,7 @@ static int msanNGNDataInit() { return initItems(ngnItems); }
 static int msanNGNSnmpMsgRegister() { return registerItems(ngnItems); }
 static int msan_cmd_init() {
   installItems(ngnItems);
+  install_offers("telephone", offerNumbers, nullptr);
   installOnhookCommand();
   return installCommands(commands);
 }

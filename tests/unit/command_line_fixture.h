@@ -51,7 +51,7 @@ class CommandLine : public testing::Test {
   static std::vector<std::string> suggest(std::string_view line) {
     std::vector<std::string> list;
     for (const host::Suggestion& suggestion : host::suggestions(CONFIG_NODE, line)) {
-      EXPECT_EQ(suggestion.complete, suggestion.word == "<cr>");
+      EXPECT_EQ(suggestion.kind == host::Suggested::end, suggestion.word == "<cr>");
       list.push_back(suggestion.word + ": " + suggestion.help);
     }
     return list;

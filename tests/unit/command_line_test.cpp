@@ -251,20 +251,46 @@ TEST_F(CommandLine, SuggestsWhatMayStandNext) {
               {"a tone", "set tone <7-32> {value <value>}*1"},
               {"the tone", "set TONE off"},
               {"show it", "show cid mode"},
-              {"map rule", "set map rule [<name>|null]"}});
-  EXPECT_EQ(suggest(""), (Strings{"set: cid, map, tone", "show: show it"}));
-  EXPECT_EQ(suggest("s"), (Strings{"set: cid, map, tone", "show: show it"}));
-  EXPECT_EQ(suggest("set "), (Strings{"cid: fsk or dtmf", "map: map rule", "tone: <7-32>, off"}));
+              {"map rule", "set map rule [<name>|null]"},
+              {"other", "set other <backCallTime_2>"}});
+  EXPECT_EQ(suggest(""), (Strings{"set: cid, map, other, tone", "show: show it"}));
+  EXPECT_EQ(suggest("s"), (Strings{"set: cid, map, other, tone", "show: show it"}));
+  EXPECT_EQ(suggest("set "), (Strings{"cid: fsk or dtmf", "map: map rule", "other: other", "tone: <7-32>, off"}));
   EXPECT_EQ(suggest("SET C"), (Strings{"cid: fsk or dtmf"}));
   EXPECT_EQ(suggest("set c m "), (Strings{"dtmf: fsk or dtmf", "fsk: fsk or dtmf"}));
   EXPECT_EQ(suggest("set cid mode fsk "), (Strings{"<cr>: fsk or dtmf"}));
-  EXPECT_EQ(suggest("set tone "), (Strings{"<7-32>: a tone", "off: the tone"}));
-  EXPECT_EQ(suggest("set tone 8 "), (Strings{"<cr>: a tone", "value: a tone"}));
+  EXPECT_EQ(suggest("set tone "), (Strings{"<7-32>: a number, 7 to 32", "off: the tone"}));
+  EXPECT_EQ(suggest("set tone 8 "), (Strings{"value: a tone", "<cr>: a tone"}));
   EXPECT_EQ(suggest("set tone 8 v"), (Strings{"value: a tone"}));
-  EXPECT_EQ(suggest("set tone 8"), (Strings{"<7-32>: a tone"}));
+  EXPECT_EQ(suggest("set tone 8"), (Strings{"<7-32>: a number, 7 to 32"}));
   EXPECT_EQ(suggest("set tone 99 "), Strings{});
-  EXPECT_EQ(suggest("set map rule n"), (Strings{"<name>: map rule", "null: map rule"}));
+  EXPECT_EQ(suggest("set map rule n"), (Strings{"<name>: a flow rule's name", "null: map rule"}));
+  EXPECT_EQ(suggest("set other "), (Strings{"<backCallTime_2>: back call time 2"}));
   EXPECT_EQ(suggest("nothing "), Strings{});
+}
+
+// 100 things, ids from 1 on.
+void offerMany(const void*, CommandOffers* to) {
+  offer_to_cli(to, 0, "a\tb", 3);  // can't be typed
+  for (i32 i = 1; i <= 100; ++i) offer_to_cli(to, i, i == 100 ? "o" : "one two", i == 100 ? 1 : i < 3 ? 7 : 3);
+}
+
+TEST_F(CommandLine, OffersSomeOfMany) {
+  installAll(
+      {{"attach", "attach much profile [id|name] <idOrName>"}, {"other", "attach other profile [id] <idOrName>"}});
+  install_offers("MUCH", offerMany, nullptr);
+  EXPECT_EQ(suggest("attach other profile id ").size(), 1U);
+  const Strings ids = suggest("attach much profile id ");
+  ASSERT_EQ(ids.size(), 66U);
+  EXPECT_EQ(ids[1] + ids[2], "0: 1: one two");
+  EXPECT_EQ(ids[65], "<...>: 37 more: type how they begin");
+  EXPECT_EQ(suggest("attach much profile id 10")[2], "100: o");
+  // All begin with an o; the one that has no more is shown, so that Tab adds no more.
+  const Strings names = suggest("attach much profile name o");
+  ASSERT_EQ(names.size(), 66U);
+  EXPECT_EQ(names[1], "one: 3");
+  EXPECT_EQ(names[64], "o: 100");
+  EXPECT_EQ(suggest("attach much profile name \"o")[1], "\"one two\": 1");
 }
 
 TEST_F(CommandLine, PrintsTextsOfAnyLength) {

@@ -32,12 +32,29 @@ int answerQuestion(Vty& vty, bool yes);
 
 // What may stand next at the end of the line: words for completion and help. The word that the line ends with counts as
 // being typed; behind a blank a new one begins.
+enum class Suggested : u8 {
+  word,      // of a syntax: a keyword, or "<name>" for a parameter
+  existing,  // something that is there and may stand for the parameter
+  more,      // "<...>": there are more, the help says how many
+  end,       // "<cr>": the line may end here
+};
 struct Suggestion {
-  std::string word;  // a word to complete, or "<name>" for a parameter
+  std::string word;
   std::string help;
-  bool complete = false;  // "<cr>": the line may end here
+  Suggested kind = Suggested::word;
 };
 std::vector<Suggestion> suggestions(int node, std::string_view line);
+
+// The parameters and ranges of a syntax with their help lines. `known`: the line is the parameter's own, else it was
+// made from the name.
+struct ParameterHelp {
+  std::string parameter;
+  std::string help;
+  bool known = false;
+};
+std::vector<ParameterHelp> parameterHelp(std::string_view syntax);
+// Lines of the table of parameters that none of the syntaxes uses.
+std::vector<std::string> unusedParameterHelp(const std::vector<std::string>& syntaxes);
 
 // The commands as they were installed, in order.
 struct InstalledCommand {

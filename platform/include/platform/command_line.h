@@ -31,6 +31,14 @@ enum CommandNode { CONFIRM_NODE = 7, DEBUG_NODE = 10, CONFIG_NODE = 50 };
 // Installs a command at a node. 0, or -1 for a syntax that can't be read or whose lines another command takes.
 int install_element(int node, const CommandElement* element);
 
+// Where things come from that exist and that operators name in commands, as the profiles of a kind: ? and Tab offer
+// them for parameters behind the word `keyword` of a syntax. `list` calls offer_to_cli for each.
+struct CommandOffers;
+using CommandOfferList = void(const void* context, CommandOffers* to);
+void install_offers(const char* keyword, CommandOfferList* list, const void* context);
+// `name` need not end with a null; of length 0: the thing has none. `id` below 0: it has no number.
+void offer_to_cli(CommandOffers* to, i32 id, const char* name, u32 length);
+
 // Prints to the terminal of a command.
 void vty_out(Vty* vty, const char* format, ...) __attribute__((format(printf, 2, 3)));
 

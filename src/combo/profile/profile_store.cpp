@@ -6,10 +6,19 @@
 #include "combo/profile/profile_kind.h"
 #include "platform/command_line.h"
 
+static void offerProfiles(const void* context, CommandOffers* to) {
+  const auto& kind = *static_cast<const ProfileKind*>(context);
+  char name[sizeof ProfileHead::name];
+  for (u32 id = 0; id < kind.count(); ++id)
+    if (readProfileName(kind, name, static_cast<u16>(id)) == 0)
+      offer_to_cli(to, static_cast<i32>(id), name, static_cast<u32>(std::strlen(name)));
+}
+
 int registerKind(const ProfileKind& kind) {
   const i16 handle = prfRegNewType(kind.type, static_cast<u16>(kind.count()), 1, kind.shape.itemSize);
   if (handle < 0) return -1;
   kind.type = handle;
+  install_offers(kind.word, offerProfiles, &kind);
   return 0;
 }
 

@@ -246,4 +246,14 @@ static constexpr Command commands[] = {
             "take a service out of a VLAN profile"),
 };
 
-int installVlanProfileCommands() { return installCommands(commands); }
+static void offerProfiles(const void*, CommandOffers* to) {
+  for (u16 id = 1; gPortVlanPrf != nullptr && id <= kVlanProfiles; ++id) {
+    const VlanProfile& profile = gPortVlanPrf[id];
+    if (profile.valid == 1) offer_to_cli(to, id, profile.name, static_cast<u32>(strnlen(profile.name, kVlanName)));
+  }
+}
+
+int installVlanProfileCommands() {
+  install_offers("vlan", offerProfiles, nullptr);
+  return installCommands(commands);
+}

@@ -68,6 +68,15 @@ int isValidProfile(const VoiceProfiles& kind, u16 id) {
   return profile->name[0] != '\0' ? 1 : 0;
 }
 
+void offerProfiles(const void* context, CommandOffers* to) {
+  const auto& kind = *static_cast<const VoiceProfiles*>(context);
+  for (u16 id = 0; id < kProfiles; ++id) {
+    AnyProfile profile;
+    if (loadProfile(kind, id, profile) != 0 || profile->name[0] == '\0') continue;
+    offer_to_cli(to, id, profile->name, static_cast<u32>(strnlen(profile->name, kProfileName)));
+  }
+}
+
 int initProfile(const VoiceProfiles& kind, u16 id) {
   AnyProfile profile;
   resetRecord(kind.item.kept.shape->fields, profile);

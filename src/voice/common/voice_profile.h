@@ -84,6 +84,9 @@ int showProfiles(Vty* vty, const VoiceProfiles& kind, int argc, char** argv);
 int deleteProfile(Vty* vty, const VoiceProfiles& kind, int argc, char** argv);
 int distributeEraseProfiles(Vty* vty, const VoiceProfiles& kind, int argc, char** argv);
 
+// A list for install_offers, with the kind as its context.
+CommandOfferList offerProfiles;
+
 // Each profile with a name goes to `print`; 0, or -1 when one can't be read.
 int forEachNamed(const VoiceProfiles& kind, Vty* vty, void (*print)(Vty* vty, const void* profile));
 

@@ -292,3 +292,13 @@ constexpr VoiceItem iptNumber = numberList<iptNumber>({
     .commands = iptCommands,
     .message = setAndGet<iptNumber>(550, "Set IPT telephone number"),
 });
+
+void offerNumbers(const void*, CommandOffers* to) {
+  for (const VoiceItem* item : {&potsNumber, &iptNumber}) {
+    for (u32 index = 0; index < kNumbers; ++index) {
+      PHNNumber cfg;
+      if (loadItem(*item, &cfg, index) != 0 || isEmpty(cfg)) continue;
+      offer_to_cli(to, -1, cfg.phnNumber, static_cast<u32>(strnlen(cfg.phnNumber, sizeof cfg.phnNumber)));
+    }
+  }
+}

@@ -14,5 +14,7 @@ struct PHNNumber {
 // 1 and the number (20 bytes) for the first pair of equal ones, 0 for none.
 int nIsPHNNumberDuplicate(const LIST* list, char* number);
 
+CommandOfferList offerNumbers;  // for install_offers, of both lists
+
 extern const VoiceItem potsNumber;
 extern const VoiceItem iptNumber;

@@ -77,6 +77,16 @@ static bool findStored(LIST* list, const DataNode** taken) {
   return true;
 }
 
+void offerPortNumbers(const void*, CommandOffers* to) {
+  DataList stored;
+  if (nGetSlotObjManageDataHandle(0, kVoicePortAttribute, 0, sizeof(VoicePort), stored) != 0) return;
+  for (NODE* at = lstFirst(stored); at != nullptr; at = lstNext(at)) {
+    const std::string_view number = numberOf(static_cast<const DataNode*>(at));
+    const std::size_t length = std::min(number.find('\0'), number.size());
+    if (length != 0) offer_to_cli(to, -1, number.data(), static_cast<u32>(length));
+  }
+}
+
 int nis_port_usernumber_duplicate(LIST* list, u16* slot, u16* port, char* number) {
   if (list == nullptr || slot == nullptr || port == nullptr || number == nullptr) return -1;
   const DataNode* twice = firstTwice(list, kUnique);

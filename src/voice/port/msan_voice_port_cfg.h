@@ -11,6 +11,8 @@ extern const PortUnits voicePorts;
 // it; 0; -1 when the stored numbers can't be read.
 int nis_port_usernumber_duplicate(LIST* list, u16* slot, u16* port, char* number);
 
+CommandOfferList offerPortNumbers;  // for install_offers
+
 // Fill the records of a list. 0, or -1 for a number that its field does not hold.
 int nset_voiceport_datalista(const VoicePort* from, LIST* list);                    // profiles, protocol
 int nset_voiceport_datalistb(const char* prefix, u32 start, u32 step, LIST* list);  // prefix and number

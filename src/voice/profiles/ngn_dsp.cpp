@@ -213,4 +213,7 @@ int show_run_dsp_profile(Vty* vty) { return forEachNamed(dspProfiles, vty, print
 int registerDspProfiles() {
   return registerProfiles<dspProfiles>(1004, "Set DSP configuration profile", "Delete DSP configuration profile");
 }
-int install_dsp_cmd_line() { return installCommands(commands); }
+int install_dsp_cmd_line() {
+  install_offers("dsp", offerProfiles, &dspProfiles);
+  return installCommands(commands);
+}

@@ -223,4 +223,7 @@ int registerSipCallProfiles() {
   return registerProfiles<sipCallProfiles>(1244, "Set SIP user call configuration profile",
                                            "Delete SIP user call configuration profile");
 }
-int ninstall_sipcallprf_cfgline() { return installCommands(commands); }
+int ninstall_sipcallprf_cfgline() {
+  install_offers("call", offerProfiles, &sipCallProfiles);
+  return installCommands(commands);
+}

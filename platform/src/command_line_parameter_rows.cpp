@@ -1,0 +1,285 @@
+// The parameters of all syntaxes: what ? shows for one, and what is offered for it. How rows are told apart stands in
+// the header. Numbers in a range (<0-63>) need a row only if there is more to say than their bounds.
+
+#include "command_line_parameters.h"
+
+namespace command_line {
+namespace {
+
+using enum Names;
+
+constexpr std::string_view kPorts = "ports: 1/5; lists and ranges 1/1-8,12; of several slots 1,3-4/1-64";
+constexpr std::string_view kPort = "a port of the slot, 1 to 64";
+constexpr std::string_view kSlot = "a slot, 1 to 8 or 11 to 18";
+constexpr std::string_view kProfile = "a profile: its number behind \"id\", its name behind \"name\"";
+constexpr std::string_view kTpid = "the tag's type, 1 to 65535: 33024 (0x8100), 34984";
+constexpr std::string_view kSeconds = "seconds, 1 to 3600";
+constexpr std::string_view kIpv4 = "an address, as 10.0.0.1";
+constexpr std::string_view kHost = "an address or a host's name";
+constexpr std::string_view kPvc = "a circuit of the port, 0 to 7";
+constexpr std::string_view kWeight = "a weight, 1 to 127; with mode sp 65535";
+constexpr std::string_view kMargin = "dB, 0.0 to 31.0";
+constexpr std::string_view kTone = "a tone, 0 to 4095";
+
+// clang-format off
+constexpr ParameterRow kRows[] = {
+    // places of the chassis
+    {"<ifStr>",                       ports,     kPorts},
+    {"<interface>",                   ports,     kPorts},
+    {"<if_list>",                     ports,     kPorts},
+    {"isolation interface <ifStr>",   slots,     "slots: 1; lists and ranges 1-4,7"},
+    {"storm-suppression interface <ifStr>", slots, "slots: 1; lists and ranges 1-4,7"},
+    {"storm-suppression <interface>", slots,     "slots: 1; lists and ranges 1-4,7"},
+    {"<slotNo>",                      slot,      kSlot},
+    {"<slotno>",                      slot,      kSlot},
+    {"<slot_no>",                     slot,      kSlot},
+    {"slot <1-20>",                   slot,      kSlot},
+    {"<portNo>",                      port,      kPort},
+    {"<portno>",                      port,      kPort},
+    {"<port_no>",                     port,      kPort},
+    {"dstport <portno>",              nothing,   "the other end's port, 1 to 32, or 65535"},
+    {"<linkNo>",                      port,      kPort},
+    {"<type>",                        cardType,  "a card type, or none"},
+    {"<pvc>",                         nothing,   kPvc},
+    {"<pvc_value>",                   nothing,   kPvc},
+    {"<pvcindex>",                    nothing,   kPvc},
+
+    // profiles
+    {"<idOrName>",                    profile,   kProfile},
+    {"<IDorName>",                    profile,   kProfile},
+    {"<id_or_name>",                  profile,   kProfile},
+    {"<name_or_id>",                  profile,   kProfile},
+    {"<dspProfileIDorName>",          profile,   kProfile},
+    {"<callProfileIDorName>",         profile,   kProfile},
+    {"<profileID>",                   id,        "the profile's number, 1 to 9"},
+    {"<profileName>",                 nothing,   "the profile's new name, up to 20 characters"},
+    {"<name>",                        name,      "a profile's name, up to 20 characters"},
+    {"add profile <name>",            nothing,   "the new profile's name, up to 20 characters"},
+    {"add profile id <id>",           nothing,   "the new profile's number; the lowest free one if left out"},
+    {"set rate-limit id <id>",        id,        "the profile's number, 1 to 256; a new one makes a profile"},
+    {"set rate-limit name <name>",    nothing,   "the profile's name, up to 20 characters"},
+    {"<serviceid>",                   nothing,   "a service of the profile, 1 to 16"},
+
+    // flow rules and policies
+    {"rule <name>",                   rule,      "a flow rule's name"},
+    {"<rulename>",                    rule,      "a flow rule's name"},
+    {"<upPId>",                       policyId,  "the policy of what the port sends, 0 for none"},
+    {"<upRId>",                       ruleId,    "the rule of what the port sends"},
+    {"<downPId>",                     policyId,  "the policy of what the port is sent, 0 for none"},
+    {"<downRId>",                     ruleId,    "the rule of what the port is sent"},
+    {"flow rule <1-32767>",           ruleId,    "a flow rule's number, 1 to 32767"},
+    {"flow policy <1-32767>",         policyId,  "a flow policy's number, 1 to 32767"},
+    {"flow rule name <name>",         nothing,   "up to 20 characters"},
+    {"flow policy name <name>",       nothing,   "up to 20 characters"},
+    {"<words>",                       nothing,   "four numbers, as 1,2,3,4"},
+    {"<block>",                       nothing,   "up to 16 bytes, in hexadecimal"},
+    {"<hex>",                         nothing,   "up to 73 bytes, in hexadecimal"},
+
+    // debug
+    {"<input>",                       nothing,   "an area as voice behind \"module\", func or buf behind \"level\", a message's number behind \"cmdid\""},
+    {"<msgtype>",                     nothing,   "a message's number, decimal or 0x..."},
+
+    // VLANs
+    {"<tpid>",                        nothing,   kTpid},
+    {"<vid>",                         nothing,   "a VLAN, 1 to 4085"},
+    {"<cvid>",                        nothing,   "a VLAN, 1 to 4085"},
+    {"<cos>",                         nothing,   "a priority, 0 to 7"},
+    {"vlan service <value>",          nothing,   "of what the word ahead says: unicast, tag, a rule's name, ports; tags as CVLAN[:NEW][/OUTER]"},
+    {"<sVlanTpid>",                   nothing,   kTpid},
+    {"<cVlanTpid>",                   nothing,   kTpid},
+    {"<sVlanID>",                     nothing,   "the outer VLAN, 1 to 4095, or 65535 for none"},
+    {"<cVlanID>",                     nothing,   "the inner VLAN, 1 to 4095, or 65535 for none"},
+    {"<sValnCos>",                    nothing,   "a priority, 0 to 7"},
+    {"<cValnCos>",                    nothing,   "a priority, 0 to 7, or 65535 for none"},
+    {"<serviceName>",                 nothing,   "the service's number, 1 to 150, or 65535 for none"},
+
+    // data ports
+    {"us-cir <value>",                nothing,   "kbit/s, 64 to 1000000"},
+    {"ds-cir <value>",                nothing,   "kbit/s, 64 to 1000000"},
+    {"<limitNum>",                    nothing,   "addresses, 1 to 16"},
+    {"<w0>",                          nothing,   kWeight},
+    {"<w1>",                          nothing,   kWeight},
+    {"<w2>",                          nothing,   kWeight},
+    {"<w3>",                          nothing,   kWeight},
+    {"<w4>",                          nothing,   kWeight},
+    {"<w5>",                          nothing,   kWeight},
+    {"<w6>",                          nothing,   kWeight},
+    {"<w7>",                          nothing,   kWeight},
+    {"storm-suppression rate <value>", nothing,  "kbit/s, 0 to 16384"},
+    {"mpair id <id>",                 nothing,   "the pair's number, 1 to 128"},
+    {"mport <portno>",                port,      "one port of the pair: 1 and 2, 3 and 4, and so on"},
+    {"sport <portno>",                port,      "the other port of the pair"},
+    {"dstmac <value>",                nothing,   "the other end's MAC address, as 123456abcdef"},
+    {"jitterbuf <value>",             nothing,   "the buffer, 4 to 64"},
+
+    // voice: numbers and timers of the node
+    {"<default2833PT>",               nothing,   "a payload type, 0 or 96 to 127"},
+    {"<default2198PT>",               nothing,   "a payload type, 0 or 96 to 127"},
+    {"<busyTimeout>",                 nothing,   kSeconds},
+    {"<dialTimeout>",                 nothing,   kSeconds},
+    {"<rohTimeout>",                  nothing,   kSeconds},
+    {"<calWaitTimeout>",              nothing,   kSeconds},
+    {"<ringTimeout>",                 nothing,   kSeconds},
+    {"<ringBackTimeout>",             nothing,   kSeconds},
+    {"<noAnswerTimeout>",             nothing,   kSeconds},
+    {"<intDialTimeout>",              nothing,   kSeconds},
+    {"<maxWaitTime>",                 nothing,   "seconds, 0 to 254"},
+    {"<startTimer>",                  nothing,   kSeconds},
+    {"<longTimer>",                   nothing,   kSeconds},
+    {"<shortTimer>",                  nothing,   kSeconds},
+    {"<mgID>",                        nothing,   "the gateway's id, up to 32 characters"},
+    {"<sharedKey>",                   nothing,   "the shared key, up to 32 characters"},
+    {"<xBase>",                       nothing,   "the base of the exchange, up to 16 characters"},
+    {"<xPrime>",                      nothing,   "the prime of the exchange, up to 256 characters"},
+    {"<primaryAddr>",                 nothing,   kHost},
+    {"<primaryPort>",                 nothing,   "a port, 0 to 65535"},
+    {"<secondaryAddr>",               nothing,   kHost},
+    {"<secondaryPort>",               nothing,   "a port, 0 to 65535"},
+    {"mgc interval <bInterval>",      nothing,   "seconds, 1 to 86400"},
+    {"<bInterval>",                   nothing,   "seconds, 1 to 43200"},
+    {"<bTimeouts>",                   nothing,   "lost heartbeats, 1 to 120"},
+    {"<pulseWidth>",                  nothing,   "milliseconds, 30 to 2500"},
+    {"<pulseInterval>",               nothing,   "milliseconds, 50 to 2500, at least 10 more than the width"},
+    {"<flashWidth>",                  nothing,   "milliseconds, 90 to 2500, below the on-hook time"},
+    {"<billPulseVoltage>",            nothing,   "tenths of a volt, 4 to 30"},
+    {"<offHookcheckTime>",            nothing,   "milliseconds, 10 to 400"},
+    {"<onHookcheckTime>",             nothing,   "milliseconds, 90 to 2500"},
+    {"<sendCodecGain>",               nothing,   "tenths of a dB, 0 to 100"},
+    {"<recvCodecGain>",               nothing,   "tenths of a dB, -100 to 0"},
+
+    // voice: the service
+    {"<ipAddress>",                   nothing,   kIpv4},
+    {"<ipMask>",                      nothing,   "a mask, as 255.255.255.0"},
+    {"<gateAddress>",                 nothing,   kIpv4},
+    {"dns primary <primaryAddr>",     nothing,   kIpv4},
+    {"dns secondary <secondaryAddr>", nothing,   kIpv4},
+    {"<userName>",                    nothing,   "up to 32 characters"},
+    {"<password>",                    nothing,   "up to 32 characters"},
+    {"<option60Fixed>",               nothing,   "the fixed part of option 60, up to 32 characters"},
+    {"<option60Suffix>",              nothing,   "the rest of option 60, up to 32 characters"},
+    {"<domainName>",                  nothing,   "the gateway's domain, up to 64 characters"},
+    {"<localPort>",                   nothing,   "a port, 0 to 65534"},
+    {"<inputGain>",                   nothing,   "dB, -14 to 6"},
+    {"<outputGain>",                  nothing,   "dB, -14 to 6"},
+    {"<bufSize>",                     nothing,   "milliseconds, 1 to 254"},
+    {"<faxBufSize>",                  nothing,   "milliseconds, 1 to 254"},
+    {"<serverAddr>",                  nothing,   kHost},
+    {"<serverPort>",                  nothing,   "a port, 1025 to 65535"},
+    {"<backupAddr>",                  nothing,   kHost},
+    {"<backupPort>",                  nothing,   "a port, 1025 to 65535"},
+    {"<registerAddr>",                nothing,   kHost},
+    {"<registerPort>",                nothing,   "a port, 1025 to 65535"},
+    {"<bRegisterAddr>",               nothing,   kHost},
+    {"<bRegisterPort>",               nothing,   "a port, 1025 to 65535"},
+    {"<regInterval>",                 nothing,   "seconds, 60 to 3600"},
+    {"<digitalMap>",                  nothing,   "a digit map of 0-9 A-F L S X and .|-()[], up to 492 characters; in quotes if it has blanks"},
+    {"<confURI>",                     nothing,   "the URI of the conference, up to 64 characters"},
+    {"<nameFixed>",                   nothing,   "what all resource names begin with, up to 12 characters"},
+    {"<nameBegin>",                   nothing,   "the first number behind it, 0 to 65534"},
+    {"<nameEnd>",                     nothing,   "the last number, 0 to 65534"},
+    {"<nameStep>",                    nothing,   "from number to number, 1 to 65534"},
+
+    // voice: ports
+    {"<phoneNumber>",                 telephone, "a telephone number"},
+    {"add number <phoneNumber>",      nothing,   "a new telephone number, up to 20 characters"},
+    {"<phonenum>",                    telephone, "a telephone number, up to 32 characters"},
+    {"<startNumber>",                 telephone, "the first port's telephone number"},
+    {"<numberStep>",                  nothing,   "from port to port, 0 for one port"},
+    {"<userNamePrefix>",              nothing,   "what all names begin with, up to 30 characters"},
+    {"<userNameStart>",               nothing,   "the first port's number behind it"},
+    {"<userNameStep>",                nothing,   "from port to port, 0 for one port"},
+    {"<authUserName>",                nothing,   "up to 64 characters"},
+    {"<authPassword>",                nothing,   "up to 64 characters"},
+    {"<simTimeout>",                  nothing,   "seconds, 60 to 300"},
+    {"<feedVoltage>",                 nothing,   "volts, 37 to 51"},
+    {"<feedCurrent>",                 nothing,   "milliamperes, 18 to 49"},
+
+    // ADSL lines and circuits
+    {"SnrmMargin <value>",            nothing,   "dB, 0 to 31"},
+    {"MaxInterLeaveDelay <value>",    nothing,   "milliseconds, 0 to 63"},
+    {"MinInp <value>",                nothing,   "symbols, 1 to 18"},
+    {"PmL0Time <value>",              nothing,   "seconds, 0 to 65534"},
+    {"PmL2Time <value>",              nothing,   "seconds, 0 to 65534"},
+    {"PmL2Atprt <value>",             nothing,   "dB, 0 to 15"},
+    {"PmL2Rate <value>",              nothing,   "kbit/s, 0 to 1024"},
+    {"MaxSnrm <value1>",              nothing,   "dB, 0 to 31"},
+    {"MinSnrm <value2>",              nothing,   "dB, 0 to 31, not above the maximum"},
+    {"MinRate <value>",               nothing,   "kbit/s, 0 to 100000"},
+    {"<number>",                      nothing,   "ranges of tones, 0 to 16; 0 takes all back"},
+    {"<no>",                          nothing,   "the range's number, from 0 on"},
+    {"start <value1>",                nothing,   "the range's first tone, 0 to 511"},
+    {"end <value2>",                  nothing,   "the range's last tone, 0 to 511"},
+    {"<value3>",                      nothing,   "the range's first tone, 0 to 511"},
+    {"<value4>",                      nothing,   "the range's last tone, 0 to 511"},
+    {"pvcNo <value1>",                nothing,   "a circuit, 0 to 7"},
+    {"vpi <value2>",                  nothing,   "0 to 255, or 65535 for any"},
+    {"vci <value3>",                  nothing,   "0, 32 to 255, or 4294967295 for any"},
+
+    // VDSL lines
+    {"maxTxPowerDn <value>",          nothing,   "dB, 0.0 to 25.5"},
+    {"maxTxPowerUp <value>",          nothing,   "dB, 0.0 to 20.2"},
+    {"start <0-4095>",                nothing,   kTone},
+    {"end <0-4095>",                  nothing,   kTone},
+    {"tsnrm dn <value>",              nothing,   kMargin},
+    {"tsnrm up <value>",              nothing,   kMargin},
+    {"max <value>",                   nothing,   kMargin},
+    {"min <value>",                   nothing,   "dB, 0.0 to 31.0, not above the maximum"},
+    {"upMin <value>",                 nothing,   "kbit/s, 0 to 200000"},
+    {"dnMin <value>",                 nothing,   "kbit/s, 0 to 200000"},
+    {"delay up <0-63>",               nothing,   "milliseconds, 0 to 63"},
+    {"delay dn <0-63>",               nothing,   "milliseconds, 0 to 63"},
+    {"inp up <value>",                nothing,   "symbols, 0 to 18"},
+    {"inp dn <value>",                nothing,   "symbols, 0 to 18"},
+    {"us0a <value>",                  nothing,   "40.00 to 80.95"},
+    {"us0b <value>",                  nothing,   "0.00 to 40.95"},
+    {"us1a <value>",                  nothing,   "40.00 to 80.95"},
+    {"us1b <value>",                  nothing,   "0.00 to 40.95"},
+    {"us2a <value>",                  nothing,   "40.00 to 80.95"},
+    {"us2b <value>",                  nothing,   "0.00 to 40.95"},
+    {"us3a <value>",                  nothing,   "40.00 to 80.95"},
+    {"us3b <value>",                  nothing,   "0.00 to 40.95"},
+    {"elec-len <value>",              nothing,   "0.0 to 255.5"},
+    {"scalara <value>",               nothing,   "-1.0 to 1.5, eight decimals"},
+    {"scalarb <value>",               nothing,   "-1.0 to 1.5, eight decimals"},
+    {"scalarc <value>",               nothing,   "-1.0 to 1.5, eight decimals"},
+    {"mus <value>",                   nothing,   "-127.5 to 0.0"},
+    {"minfreq <0-2048>",              nothing,   "a number, 0 to 2048, not above maxfreq"},
+    {"vdslcpsd value <value>",        nothing,   "dBm/Hz, -120.0 to 0.0"},
+    {"vdslvn level <value>",          nothing,   "dBm/Hz, -140 to -40"},
+    {"dnNMFlr <value>",               nothing,   "dB, 0.0 to 31.0, not above dnNMTop"},
+    {"dnNMTop <value>",               nothing,   kMargin},
+    {"upNMFlr <value>",               nothing,   "dB, 0.0 to 31.0, not above upNMTop"},
+    {"upNMTop <value>",               nothing,   kMargin},
+    {"dnAdaTimeFlr <value>",          nothing,   "seconds, 0 to 16383, not above dnAdaTimeTop"},
+    {"dnAdaTimeTop <value>",          nothing,   "seconds, 0 to 16383"},
+    {"upAdaTimeFlr <value>",          nothing,   "seconds, 0 to 16383, not above upAdaTimeTop"},
+    {"upAdaTimeTop <value>",          nothing,   "seconds, 0 to 16383"},
+    {"dnMaxDelay <value>",            nothing,   "milliseconds, 0 to 63"},
+    {"upMaxDelay <value>",            nothing,   "milliseconds, 0 to 63"},
+    {"dnMinInp <value>",              nothing,   "symbols, 0.0 to 127.0"},
+    {"upMinInp <value>",              nothing,   "symbols, 0.0 to 127.0"},
+    {"dnREININPmin <value>",          nothing,   "symbols, 0.0 to 7.0"},
+    {"upREININPmin <value>",          nothing,   "symbols, 0.0 to 7.0"},
+    {"dnETRmin <value>",              nothing,   "kbit/s, 64 to 512000, not above dnETRmax"},
+    {"dnETRmax <value>",              nothing,   "kbit/s, 64 to 512000"},
+    {"dnNDRmax <value>",              nothing,   "kbit/s, 64 to 512000"},
+    {"upETRmin <value>",              nothing,   "kbit/s, 64 to 512000, not above upETRmax"},
+    {"upETRmax <value>",              nothing,   "kbit/s, 64 to 512000"},
+    {"upNDRmax <value>",              nothing,   "kbit/s, 64 to 512000"},
+    {"dnROC <value>",                 nothing,   "dB, 0 to 31"},
+    {"upROC <value>",                 nothing,   "dB, 0 to 31"},
+    {"dnROCInpMin <value>",           nothing,   "symbols, 0.0 to 16.0"},
+    {"upROCInpMin <value>",           nothing,   "symbols, 0.0 to 16.0"},
+    {"dnMsgMin <value>",              nothing,   "kbit/s, 4 to 236"},
+    {"upMsgMin <value>",              nothing,   "kbit/s, 4 to 236"},
+
+    // alarms
+    {"set alarm * <value>",           nothing,   "in 15 minutes, 0 to 900; 0: no alarm"},
+};
+// clang-format on
+
+}  // namespace
+
+std::span<const ParameterRow> parameterRows() { return kRows; }
+
+}  // namespace command_line
