@@ -57,12 +57,12 @@ msand::Configuration configurationOf(const Options& options) {
   msand::Configuration configuration = msand::readConfiguration(options.configuration);
   if (!options.socket.empty()) configuration.socket = options.socket;
   if (!options.startup.empty()) configuration.startup = options.startup;
-  if (!options.module.empty()) configuration.module = options.module;
+  if (!options.module.empty()) configuration.module = {options.module, "--module: "};
   if (options.snmp == "none")
     configuration.snmp.listen.clear();
   else if (!options.snmp.empty())
     configuration.snmp.listen = listenOption(options.snmp);
-  if (configuration.module.empty()) configuration.module = moduleBesideProgram();
+  if (configuration.module.value.empty()) configuration.module.value = moduleBesideProgram();
   return configuration;
 }
 
@@ -77,10 +77,12 @@ int runProgram(int argc, char** argv) {
   }
   try {
     const msand::Configuration configuration = configurationOf(options);
-    if (!options.check)
+    if (!options.check) {
       msand::runDaemon(configuration);
-    else
+    } else {
+      msand::checkDaemon(configuration);
       std::printf("%s: good\n", options.configuration.c_str());
+    }
     return kDone;
   } catch (const msand::ConfigurationError& error) {
     std::fprintf(stderr, "msand: %s\n", error.what());

@@ -26,6 +26,9 @@ class Reader {
   [[noreturn]] void fail(const toml::source_region& at, const std::string& what) const {
     throw ConfigurationError(fmt::format("{}:{}: {}", path_, at.begin.line, what));
   }
+  Told told(std::string value, const toml::node& where) const {
+    return {std::move(value), fmt::format("{}:{}: ", path_, where.source().begin.line)};
+  }
   std::string text(const toml::key& key, const toml::node& value) const;
   std::string file(const toml::key& key, const toml::node& value) const {
     return (folder_ / text(key, value)).string();
@@ -38,13 +41,20 @@ class Reader {
   std::vector<SlotConfiguration> slots(const toml::key& key, const toml::node& value) const;
   const toml::table& table(const toml::key& key, const toml::node& value) const;
   const toml::array& array(const toml::key& key, const toml::node& value) const;
-  std::vector<std::string> texts(const toml::key& key, const toml::node& value) const;
+  std::vector<Told> texts(const toml::key& key, const toml::node& value) const;
   std::string plain(const toml::key& key, const toml::node& value) const;
+  std::string name(const toml::key& key, const toml::node& value, std::size_t longest) const;
   std::string secret(const toml::key& key, const toml::node& value) const;
   bool writes(const toml::key& key, const toml::node& value) const;
   std::string source(const toml::key& key, const toml::node& value) const;
   Community community(const toml::key& key, const toml::node& value) const;
   User user(const toml::key& key, const toml::node& value) const;
+  template <class Manager>
+  void add(std::vector<Manager>& to, Manager one, const toml::node& at) const {
+    for (const Manager& other : to)
+      if (other.name == one.name) fail(at.source(), "the name is there twice");
+    to.push_back(std::move(one));
+  }
   std::vector<std::string> listen(const toml::key& key, const toml::node& value) const;
   SnmpSettings snmp(const toml::key& key, const toml::node& value) const;
 
@@ -121,7 +131,7 @@ void Reader::log(const toml::key& key, const toml::node& value, Configuration& i
     into.logTo = host::LogTo::nowhere;
   else {
     into.logTo = host::LogTo::file;
-    into.logFile = file(key, value);
+    into.logFile = told(file(key, value), value);
   }
 }
 
@@ -140,9 +150,9 @@ const toml::array& Reader::array(const toml::key& key, const toml::node& value) 
   return *array;
 }
 
-std::vector<std::string> Reader::texts(const toml::key& key, const toml::node& value) const {
-  std::vector<std::string> all;
-  for (const toml::node& entry : array(key, value)) all.push_back(text(key, entry));
+std::vector<Told> Reader::texts(const toml::key& key, const toml::node& value) const {
+  std::vector<Told> all;
+  for (const toml::node& entry : array(key, value)) all.push_back(told(text(key, entry), entry));
   return all;
 }
 
@@ -150,6 +160,12 @@ std::string Reader::plain(const toml::key& key, const toml::node& value) const {
   std::string read = text(key, value);
   if (!isPlainText(read))
     fail(value.source(), fmt::format("{} holds a letter that is not ASCII, a quote or a backslash", key.str()));
+  return read;
+}
+
+std::string Reader::name(const toml::key& key, const toml::node& value, std::size_t longest) const {
+  std::string read = plain(key, value);
+  if (read.size() > longest) fail(value.source(), fmt::format("{} must have at most {} letters", key.str(), longest));
   return read;
 }
 
@@ -169,7 +185,7 @@ bool Reader::writes(const toml::key& key, const toml::node& value) const {
 
 std::string Reader::source(const toml::key& key, const toml::node& value) const {
   std::string read = text(key, value);
-  if (read.find_first_not_of("0123456789abcdefABCDEF.:/") != read.npos)
+  if (!isSource(read))
     fail(value.source(), fmt::format("{} must be an address or a network such as 10.0.0.0/8", key.str()));
   return read;
 }
@@ -178,7 +194,7 @@ Community Reader::community(const toml::key& key, const toml::node& value) const
   Community read;
   for (const auto& [name, entry] : table(key, value)) {
     if (name == "name")
-      read.name = plain(name, entry);
+      read.name = this->name(name, entry, kLongestCommunity);
     else if (name == "source")
       read.source = source(name, entry);
     else if (name == "access")
@@ -195,7 +211,7 @@ User Reader::user(const toml::key& key, const toml::node& value) const {
   User read;
   for (const auto& [name, entry] : table(key, value)) {
     if (name == "name")
-      read.name = plain(name, entry);
+      read.name = this->name(name, entry, kLongestUser);
     else if (name == "access")
       read.writes = writes(name, entry);
     else if (name == "auth") {
@@ -221,7 +237,12 @@ std::vector<std::string> Reader::listen(const toml::key& key, const toml::node& 
   for (const toml::node& entry : array(key, value)) {
     const std::string word = text(key, entry);
     try {
-      for (std::string& address : listenAddresses(word)) all.push_back(std::move(address));
+      for (std::string& address : listenAddresses(word)) {
+        for (const std::string& other : all)
+          if (overlap(address, other))
+            fail(entry.source(), fmt::format("\"{}\" can't be listened at beside {}", word, other));
+        all.push_back(std::move(address));
+      }
     } catch (const std::invalid_argument& error) {
       fail(entry.source(), fmt::format("\"{}\" {}", word, error.what()));
     }
@@ -241,9 +262,9 @@ SnmpSettings Reader::snmp(const toml::key& key, const toml::node& value) const {
     else if (name == "contact")
       settings.contact = text(name, entry);
     else if (name == "communities")
-      for (const toml::node& one : array(name, entry)) settings.communities.push_back(community(name, one));
+      for (const toml::node& one : array(name, entry)) add(settings.communities, community(name, one), one);
     else if (name == "users")
-      for (const toml::node& one : array(name, entry)) settings.users.push_back(user(name, one));
+      for (const toml::node& one : array(name, entry)) add(settings.users, user(name, one), one);
     else
       fail(name.source(),
            fmt::format("unknown key \"{}\" of snmp: there are listen, name, location, contact, communities and users",
@@ -260,7 +281,7 @@ Configuration Reader::read(const toml::table& table) const {
     else if (key == "startup")
       configuration.startup = file(key, value);
     else if (key == "module")
-      configuration.module = file(key, value);
+      configuration.module = told(file(key, value), value);
     else if (key == "log")
       log(key, value, configuration);
     else if (key == "slots")

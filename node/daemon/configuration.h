@@ -18,14 +18,21 @@ struct SlotConfiguration {
   host::CardState state = host::CardState::up;
 };
 
+// A value whose worth is seen only when it is used, and what a complaint about it begins with: "FILE:LINE: ", or empty
+// for one that nobody has given.
+struct Told {
+  std::string value;
+  std::string at;
+};
+
 struct Configuration {
   std::string socket = "/run/msan/msand.socket";
   std::string startup = "/var/lib/msan/startup.cfg";
-  std::string module;  // empty: ../lib/libmsan.so, seen from the program
+  Told module;  // empty: ../lib/libmsan.so, seen from the program
   host::LogTo logTo = host::LogTo::standardError;
-  std::string logFile;
+  Told logFile;
   std::vector<SlotConfiguration> slots;  // ascending
-  std::vector<std::string> flow;         // flow rules and policies: what stands behind "flow" at the terminal
+  std::vector<Told> flow;                // flow rules and policies: what stands behind "flow" at the terminal
   SnmpSettings snmp;                     // it listens nowhere: no agent
 };
 

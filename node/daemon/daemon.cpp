@@ -16,7 +16,9 @@
 #include "agent.h"
 #include "descriptor.h"
 #include "door.h"
+#include "files.h"
 #include "host/chassis.h"
+#include "host/flow_store.h"
 #include "host/links.h"
 #include "host/observer.h"
 #include "job_thread.h"
@@ -88,12 +90,18 @@ static void announceCards(node::Node& node, const Configuration& configuration) 
 
 // What the startup configuration may cite has to be there ahead of it.
 static void fillFlowStore(Operator& commands, const Configuration& configuration) {
-  for (const std::string& words : configuration.flow) {
+  const auto stored = [] { return host::flowRules().size() + host::flowPolicies().size(); };
+  for (const Told& words : configuration.flow) {
+    const std::size_t before = stored();
     Terminal terminal;
     std::string text;
-    const wire::Result result = commands.run(terminal, "flow " + words, text);
-    if (result.good()) continue;
-    throw std::runtime_error(fmt::format("flow \"{}\": {}", words, text.empty() ? "no such words" : text));
+    const wire::Result result = commands.run(terminal, "flow " + words.value, text);
+    std::string why;
+    if (!result.good())
+      why = text.empty() ? "no such words" : printable(text);
+    else if (stored() == before)
+      why = "makes no rule or policy of its own";
+    if (!why.empty()) throw ConfigurationError(fmt::format("{}flow \"{}\": {}", words.at, printable(words.value), why));
   }
 }
 
@@ -108,18 +116,52 @@ static std::optional<std::vector<u8>> answerPlainly(host::Link link, u16 slot, u
   return messages::plainAnswer(messages::book(), road, id, question);
 }
 
+static void openLog(const Configuration& configuration) {
+  try {
+    host::openLog(configuration.logTo, configuration.logFile.value);
+  } catch (const std::system_error& error) {
+    throw ConfigurationError(configuration.logFile.at + error.what());
+  }
+}
+
+static node::Node loadNode(const Configuration& configuration) {
+  try {
+    return node::Node(configuration.module.value);
+  } catch (const node::LoadError& error) {
+    throw ConfigurationError(configuration.module.at + error.what());
+  }
+}
+
+// The log is not opened: what is only looked at must not appear.
+static void checkLog(const Configuration& configuration) {
+  if (configuration.logTo != host::LogTo::file) return;
+  try {
+    checkAppending(configuration.logFile.value);
+  } catch (const FileError& error) {
+    throw ConfigurationError(configuration.logFile.at + error.what());
+  }
+}
+
+void checkDaemon(const Configuration& configuration) {
+  checkLog(configuration);
+  node::Node node = loadNode(configuration);
+  Startup startup(configuration.startup);
+  Operator commands(node, startup);
+  fillFlowStore(commands, configuration);
+}
+
 void runDaemon(const Configuration& configuration) {
   const Descriptor stop = stopSignals();
   ignoreFailedWrites();
   allowManyTerminals();
-  host::openLog(configuration.logTo, configuration.logFile);
+  openLog(configuration);
   Listener listener(configuration.socket);
 
   Trace trace;
   const Observing observing(trace);
   const host::CaptureOutput capture;
   host::answerBy(answerPlainly);
-  node::Node node(configuration.module);
+  node::Node node = loadNode(configuration);
   for (const SlotConfiguration& slot : configuration.slots)
     if (const int result = node.authorise(slot.slot, *slot.card); result != 0)
       complain(fmt::format("slot {}: card type {} gave {}", slot.slot, slot.card->name, result));
@@ -130,16 +172,17 @@ void runDaemon(const Configuration& configuration) {
   if (!startup.execute(node, [&] { return isReadable(stop); })) return;
   announceCards(node, configuration);
 
-  Door door;
-  listener.open();
-  Server server(listener.descriptor(), door, commands);
-  const Tracing tracing(trace, server);
   std::optional<Agent> agent;
   if (!configuration.snmp.listen.empty()) {
     const auto folder = std::filesystem::path(configuration.startup).parent_path() / "snmp";
     agent.emplace(configuration.snmp, folder.string());
     for (const std::string& address : configuration.snmp.listen) note("snmp: listens at " + address);
   }
+  // Behind what may fail: who sees the socket sees a node that stays.
+  Door door;
+  listener.open();
+  Server server(listener.descriptor(), door, commands);
+  const Tracing tracing(trace, server);
   note(fmt::format("ready, serves {}", configuration.socket));
   sd_notify(0, "READY=1");
 

@@ -9,4 +9,8 @@ namespace msand {
 // thread: it blocks these signals.
 void runDaemon(const Configuration& configuration);
 
+// Goes as far as a start would before it touches anything outside: what the configuration names is there, and can be
+// used. Throws as runDaemon does; a configuration that is to blame is a ConfigurationError for both.
+void checkDaemon(const Configuration& configuration);
+
 }  // namespace msand

@@ -1,6 +1,7 @@
 #include "files.h"
 
 #include <fcntl.h>
+#include <stdio.h>
 #include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -45,6 +46,17 @@ std::string readFile(const std::string& path, std::size_t limit) {
   }
   bytes.resize(filled);
   return bytes;
+}
+
+void checkAppending(const std::string& path) {
+  const int flags = O_WRONLY | O_APPEND | O_CLOEXEC | O_NONBLOCK | O_NOCTTY;
+  if (Descriptor(open(path.c_str(), flags))) return;
+  if (errno != ENOENT) throw FileError(path, "can't be opened", errno);
+  std::filesystem::path folder = std::filesystem::absolute(path).parent_path();
+  std::error_code failed;
+  while (!std::filesystem::exists(folder, failed) && folder.has_relative_path()) folder = folder.parent_path();
+  if (!std::filesystem::is_directory(folder, failed)) throw FileError(path, "can't be opened", ENOTDIR);
+  if (access(folder.c_str(), W_OK | X_OK) != 0) throw FileError(path, "can't be opened", errno);
 }
 
 constexpr std::string_view kUnfinished = ".new-";  // and six letters, behind a file's name: what is being written
@@ -138,6 +150,9 @@ std::string keepAside(const std::string& path) {
   for (int number = 1;; ++number) {
     const std::string aside = target.string() + ".unread" + (number == 1 ? "" : std::to_string(number));
     if (link(target.c_str(), aside.c_str()) == 0) return aside;
+    // Another owner's file, which may not be read, gets no further name; and some file systems know none.
+    if (errno == EPERM && renameat2(AT_FDCWD, target.c_str(), AT_FDCWD, aside.c_str(), RENAME_NOREPLACE) == 0)
+      return aside;
     if (errno != EEXIST) throw FileError(path, "can't be kept under another name", errno);
   }
 }

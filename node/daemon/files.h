@@ -16,13 +16,16 @@ struct FileError : std::runtime_error {
 // The bytes of a regular file of at most `limit` bytes. Throws FileError.
 std::string readFile(const std::string& path, std::size_t limit);
 
+// Throws FileError if nothing could be appended to a file, or none be made with its folders; makes nothing.
+void checkAppending(const std::string& path);
+
 // Replaces a file as a whole: after a crash at any point the old file or the new one is there. Keeps the old file's
 // mode; a new one gets 0640. Follows a symbolic link. Throws FileError, which names this path; then the old file is as
 // it was, unless it is the disk that failed behind the replacing. Removes what is unfinished, too.
 void replaceFile(const std::string& path, std::string_view bytes);
 
-// Gives a file a further name beside its own, ahead of its replacing; that name. Empty: it is no regular file. Throws
-// FileError.
+// Gives a file a further name beside its own, ahead of its replacing, or that name alone where it may have but one;
+// that name. Empty: it is no regular file. Throws FileError.
 std::string keepAside(const std::string& path);
 
 // Removes what replaceFile has left beside this file when its process was killed.

@@ -20,9 +20,9 @@ namespace {
 std::atomic<int> leaks{0};
 std::atomic<bool> checks{true};
 
-std::runtime_error loaderError() {
+LoadError loaderError() {
   const char* words = dlerror();
-  return std::runtime_error(words != nullptr ? words : "the library can't be loaded");
+  return LoadError(words != nullptr ? words : "the library can't be loaded");
 }
 
 template <class Entry>
@@ -34,7 +34,7 @@ void find(void* library, const char* name, Entry& entry) {
 }  // namespace
 
 Module::Module(const std::string& path) : path_(path), handle_(nullptr) {
-  if (isLoaded(path_)) throw std::runtime_error(path_ + ": is loaded already");
+  if (isLoaded(path_)) throw LoadError(path_ + ": is loaded already");
   handle_ = dlopen(path_.c_str(), RTLD_NOW | RTLD_LOCAL);
   if (handle_ == nullptr) throw loaderError();
   try {

@@ -1,16 +1,22 @@
 #pragma once
 // libmsan.so, loaded.
 
+#include <stdexcept>
 #include <string>
 
 #include "msan/entries.h"
 
 namespace node {
 
+// A file that is no library, one that is no module, or one that is in the process already: it would come with the state
+// of its last life.
+struct LoadError : std::runtime_error {
+  using std::runtime_error::runtime_error;
+};
+
 class Module {
  public:
-  // Loads the library and finds its entries. Throws std::runtime_error with the loader's words, or when the library
-  // is in the process already: it would come with the state of its last life.
+  // Loads the library and finds its entries. Throws LoadError, with the loader's words.
   explicit Module(const std::string& path);
   // Unloads it. Ahead of that: forgets what it registered and reports what it leaked. Behind it: drops its pools, and
   // complains if the library has stayed in the process.

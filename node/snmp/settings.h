@@ -25,6 +25,8 @@ struct User {
 };
 
 inline constexpr std::size_t kShortestSecret = 8;
+inline constexpr std::size_t kLongestCommunity = 255;  // the library cuts what is longer
+inline constexpr std::size_t kLongestUser = 32;
 
 struct SnmpSettings {
   std::vector<std::string> listen = {"udp:127.0.0.1:16100", "tcp:127.0.0.1:16100"};
@@ -38,6 +40,12 @@ struct SnmpSettings {
 // The library's names of the addresses that a word such as "udp:127.0.0.1:16100", "tcp:[::1]:16100" or
 // "127.0.0.1:16100" (both) stands for. Throws std::invalid_argument for one that is none; the host must be an address.
 std::vector<std::string> listenAddresses(std::string_view word);
+
+// True if no two sockets can have both: the same transport and port, and the same host or one that stands for all.
+bool overlap(std::string_view address, std::string_view other);
+
+// True for an address, and for a network whose mask (a number of bits, or 255.0.0.0) covers all that it names.
+bool isSource(const std::string& text);
 
 // True if a text can stand as a name or a secret: printable, without quotes and backslashes.
 bool isPlainText(std::string_view text);

@@ -122,8 +122,4 @@ start
 expectMatch "a service with its rule" "*$line*" "$(ctl -c 'show running-config')"
 expectMatch "and no line of it failed" "" "$(grep 'startup.cfg:[0-9]*: attach vlan' "$folder/log" || true)"
 stop
-{ echo 'flow = ["rule 5 named video"]'; cat "$folder/plain.toml"; } >"$folder/msand.toml"
-run "$bin/msand" --config "$folder/msand.toml" --snmp none
-expect "exit code of words that are none" 1 "$code"
-expectMatch "and why" '*flow "rule 5 named video": no such words*' "$err"
 exit $bad

@@ -30,9 +30,9 @@ TEST(Configuration, IsRead) {
       "/etc/msan/msand.toml");
   EXPECT_EQ(read.socket, "/etc/msan/run/node.socket") << "paths are seen from the file's folder";
   EXPECT_EQ(read.startup, "/var/lib/msan/a.cfg");
-  EXPECT_EQ(read.module, "/etc/msan/../../lib/libmsan.so");
+  EXPECT_EQ(read.module.value, "/etc/msan/../../lib/libmsan.so");
   EXPECT_EQ(read.logTo, host::LogTo::file);
-  EXPECT_EQ(read.logFile, "/etc/msan/node.log");
+  EXPECT_EQ(read.logFile.value, "/etc/msan/node.log");
   ASSERT_EQ(read.slots.size(), 3u);
   const auto is = [&](std::size_t index, u16 slot, std::string_view card, host::CardState state) {
     return read.slots[index].slot == slot && read.slots[index].card->name == card && read.slots[index].state == state;
@@ -96,6 +96,15 @@ TEST(Configuration, ErrorsNameTheirLine) {
       {"[snmp]\ncommunities = [{ name = \"a\\nrwcommunity b\" }]", ":2: name holds a letter that is not ASCII, a quote or a backslash"},
       {"[snmp]\ncommunities = [{ name = 'a', access = 'all' }]", ":2: access must be \"read-only\" or \"read-write\""},
       {"[snmp]\ncommunities = [{ name = 'a', source = 'b c' }]", ":2: source must be an address or a network such as 10.0.0.0/8"},
+      {"[snmp]\ncommunities = [{ name = 'a', source = '10.0.0.0/99' }]", ":2: source must be an address or a network such as 10.0.0.0/8"},
+      {"[snmp]\ncommunities = [{ name = 'a', source = '10.0.0.1/31' }]", ":2: source must be an address or a network such as 10.0.0.0/8"},
+      {"[snmp]\ncommunities = [{ name = 'a', source = '::8/125' }, { name = 'b', source = '::8/124' }]", ":2: source must be an address or a network such as 10.0.0.0/8"},
+      {"[snmp]\ncommunities = [{ name = 'a' },\n{ name = 'b' },\n{ name = 'a', source = '10.0.0.0/255.0.0.0' }]", ":4: the name is there twice"},
+      {"[snmp]\nusers = [{ name = 'a', auth-secret = '12345678', priv-secret = '12345678' },\n{ name = 'a', auth-secret = '12345678', priv-secret = '12345678' }]", ":3: the name is there twice"},
+      {"[snmp]\nlisten = ['udp:127.0.0.1:161',\n'127.0.0.1:0161']", ":3: \"127.0.0.1:0161\" can't be listened at beside udp:127.0.0.1:161"},
+      {"[snmp]\nlisten = ['tcp:127.0.0.1:161', 'udp:0.0.0.0:161', '[::]:161', '[::1]:162', '[0:0::1]:162']", ":2: \"[0:0::1]:162\" can't be listened at beside udp6:[::1]:162"},
+      {"[snmp]\nlisten = ['tcp:127.0.0.1:161', '0.0.0.0:161']", ":2: \"0.0.0.0:161\" can't be listened at beside tcp:127.0.0.1:161"},
+      {"[snmp]\nusers = [{ name = '012345678901234567890123456789012' }]", ":2: name must have at most 32 letters"},
       {"[snmp]\nusers = [{ name = 'a', auth-secret = '1234567' }]", ":2: auth-secret must have at least 8 letters"},
       {"[snmp]\nusers = [{ name = 'a', auth-secret = '12345678' }]", ":2: a user needs name, auth-secret and priv-secret"},
       {"[snmp]\nusers = [{ name = 'a', auth = 'MD5' }]", ":2: auth must be \"SHA\", \"SHA-256\" or \"SHA-512\""},
