@@ -1,5 +1,6 @@
 #include "server.h"
 
+#include <fmt/format.h>
 #include <sys/epoll.h>
 #include <sys/eventfd.h>
 #include <sys/socket.h>
@@ -9,12 +10,16 @@
 #include <cerrno>
 #include <deque>
 #include <system_error>
+#include <utility>
+
+#include "note.h"
 
 namespace msand {
 
 using Clock = std::chrono::steady_clock;
 
-constexpr std::chrono::milliseconds kTick{500};  // how often terminals that do not read are looked at
+constexpr std::chrono::milliseconds kTick{500};              // how often terminals that do not read are looked at
+constexpr std::size_t kMostPending = 4 * wire::kMaxRequest;  // bytes of a terminal's requests
 
 struct Server::Session {
   explicit Session(int descriptor) : socket(descriptor) {}
@@ -22,9 +27,10 @@ struct Server::Session {
   // run()'s thread only
   Descriptor socket;
   wire::FrameReader reader{wire::kMaxRequest};
-  u32 watched = 0;          // events that epoll waits for
-  bool inputEnded = false;  // nothing more is taken off the socket
-  Clock::time_point progress = Clock::now();
+  u32 watched = 0;                            // events that epoll waits for
+  bool inputEnded = false;                    // nothing more is taken off the socket
+  Clock::time_point progress = Clock::now();  // when it took something last
+  Clock::time_point heard = Clock::now();     // when something came from it last
   bool gone = false;
 
   // the door's thread only
@@ -37,8 +43,10 @@ struct Server::Session {
     std::string line;
   };
   std::deque<Request> requests;
+  std::size_t pending = 0;  // their bytes
   TraceForm shown = TraceForm::off;
-  bool posted = false;   // the door has, or runs, a request of this terminal
+  Shares::Time had{0};   // of the node's time, with its last request; while one is ready, as it entered
+  bool posted = false;   // is in ready_, or the door runs a request of it
   bool ended = false;    // nothing is run any more; the connection ends when all is sent
   bool dropped = false;  // the connection ends now
   bool marked = false;   // is in changed_
@@ -46,6 +54,11 @@ struct Server::Session {
   std::size_t sent = 0;
 
   std::size_t unsent() const { return output.size() - sent; }
+  void forgetRequests() {
+    requests.clear();
+    pending = 0;
+  }
+  bool takesMore() const { return requests.size() < wire::kAhead && pending < kMostPending; }
 };
 
 static Descriptor check(int descriptor) {
@@ -94,6 +107,7 @@ void Server::run(int stop) {
     }
     settleChanged();
     disconnectStalled();
+    disconnectDeafest();
     std::erase_if(sessions_, [](const auto& entry) { return entry.second->gone; });
   }
   control(epoll_, EPOLL_CTL_DEL, stop, 0);
@@ -134,12 +148,18 @@ void Server::acceptAll() {
       return;
     }
     const auto session = std::make_shared<Session>(descriptor);
+    makeRoom();
     if (!tryControl(epoll_, EPOLL_CTL_ADD, descriptor, 0)) continue;
     sessions_.insert_or_assign(descriptor, session);
     session->prompt = service_.prompt(session->terminal);
     const char version = wire::kVersion;
-    wire::appendFrame(session->output, wire::Kind::hello, {&version, 1});
-    wire::appendFrame(session->output, wire::Kind::prompt, session->prompt);
+    std::string frames;
+    wire::appendFrame(frames, wire::Kind::hello, {&version, 1});
+    wire::appendFrame(frames, wire::Kind::prompt, session->prompt);
+    {
+      const std::lock_guard lock(mutex_);
+      append(*session, std::move(frames));
+    }
     settle(session);
   }
 }
@@ -157,7 +177,10 @@ void Server::disconnect(const SessionPtr& session) {
   {
     const std::lock_guard lock(mutex_);
     session->dropped = true;
-    session->requests.clear();
+    session->forgetRequests();
+    unsent_ -= session->unsent();
+    session->output = {};
+    session->sent = 0;
     std::erase(tracing_, session);
     countTracing();
   }
@@ -173,12 +196,46 @@ void Server::disconnectStalled() {
   if (now - pausedAt_ >= kTick) pauseAccepting(false);
 }
 
+// While too much is unsent over all, nothing further is run; it is those who read nothing that make room for the rest.
+void Server::disconnectDeafest() {
+  while (true) {
+    SessionPtr deafest;
+    {
+      const std::lock_guard lock(mutex_);
+      if (unsent_ <= limits_.all) {
+        for (; held_ != 0; --held_) door_.post([this] { serveNext(); });
+        return;
+      }
+      for (const auto& [descriptor, session] : sessions_)
+        if (session->unsent() != 0 && (!deafest || session->progress < deafest->progress)) deafest = session;
+    }
+    note(fmt::format("a terminal that does not read is disconnected: {} MiB wait for all of them", limits_.all >> 20));
+    disconnect(deafest);
+  }
+}
+
+void Server::makeRoom() {
+  const auto present = [](const auto& entry) { return !entry.second->gone; };
+  if (static_cast<std::size_t>(std::ranges::count_if(sessions_, present)) < limits_.terminals) return;
+  SessionPtr silent;
+  const auto last = [](const Session& session) { return std::max(session.heard, session.progress); };
+  {
+    const std::lock_guard lock(mutex_);
+    for (const auto& [descriptor, session] : sessions_)
+      if (!session->gone && !session->posted && (!silent || last(*session) < last(*silent))) silent = session;
+    if (silent) refuse(*silent, "there are too many terminals, and this one was silent for longest");
+  }
+  if (!silent) return;
+  send(*silent);
+  disconnect(silent);
+}
+
 void Server::sayGoodbye() {
   for (const auto& [descriptor, session] : sessions_) {
     if (session->gone) continue;
     {
       const std::lock_guard lock(mutex_);
-      wire::appendFrame(session->output, wire::Kind::bye, "the node is shut down");
+      refuse(*session, "the node is shut down");
     }
     send(*session);
     disconnect(session);
@@ -192,6 +249,7 @@ void Server::receive(Session& session) {
   std::array<char, 65536> bytes;
   const ssize_t got = recv(session.socket.get(), bytes.data(), bytes.size(), 0);
   if (got > 0) {
+    session.heard = Clock::now();
     session.reader.feed({bytes.data(), static_cast<std::size_t>(got)});
   } else if (got == 0 || (errno != EAGAIN && errno != EINTR)) {
     session.inputEnded = true;
@@ -201,27 +259,39 @@ void Server::receive(Session& session) {
 // Moves whole frames to the requests, as many as may be under way; the rest stays in the reader.
 void Server::takeRequests(const SessionPtr& session) {
   const std::lock_guard lock(mutex_);
-  while (!session->ended && session->requests.size() < wire::kAhead) {
+  while (!session->ended && session->takesMore()) {
     const auto frame = session->reader.next();
     if (!frame) {
       if (session->reader.broken()) refuse(*session, "a frame of a length that is not allowed");
       break;
     }
-    if (frame->kind == wire::Kind::line || frame->kind == wire::Kind::ask)
+    if (frame->kind == wire::Kind::line || frame->kind == wire::Kind::ask) {
       session->requests.push_back({frame->kind, std::string(frame->payload)});
-    else
+      session->pending += frame->payload.size();
+    } else {
       refuse(*session, "a frame of a kind that is not known");
+    }
   }
   schedule(session);
 }
 
 void Server::refuse(Session& session, std::string_view why) {
-  session.requests.clear();
+  session.forgetRequests();
   session.ended = true;
-  wire::appendFrame(session.output, wire::Kind::bye, why);
+  std::string frame;
+  wire::appendFrame(frame, wire::Kind::bye, why);
+  append(session, std::move(frame));
 }
 
 // --- bytes out
+
+void Server::append(Session& session, std::string frames) {
+  unsent_ += frames.size();
+  if (session.output.empty())
+    session.output = std::move(frames);
+  else
+    session.output += frames;
+}
 
 void Server::send(Session& session) {
   const std::lock_guard lock(mutex_);
@@ -235,10 +305,11 @@ void Server::send(Session& session) {
       return;
     }
     session.sent += static_cast<std::size_t>(taken);
+    unsent_ -= static_cast<std::size_t>(taken);
     session.progress = Clock::now();
   }
   if (session.unsent() == 0)
-    session.output.clear();
+    session.output = {};  // with its memory
   else if (session.sent >= limits_.slow)
     session.output.erase(0, session.sent);
   else
@@ -268,7 +339,7 @@ void Server::watch(Session& session) {
   u32 events = 0;
   {
     const std::lock_guard lock(mutex_);
-    if (!session.inputEnded && !session.ended && session.requests.size() < wire::kAhead) events |= EPOLLIN;
+    if (!session.inputEnded && !session.ended && session.takesMore()) events |= EPOLLIN;
     if (session.unsent() != 0) events |= EPOLLOUT;
   }
   if (events == session.watched) return;
@@ -301,7 +372,34 @@ void Server::schedule(const SessionPtr& session) {
   if (session->posted || session->ended || session->dropped || session->requests.empty()) return;
   if (session->unsent() >= limits_.slow) return;
   session->posted = true;
-  door_.post([this, session] { serveOne(session); });
+  session->had = shares_.entered(session->had);
+  ready_.push_back(session);
+  door_.post([this] { serveNext(); });
+}
+
+// Among equals, the one that has waited for longest.
+Server::SessionPtr Server::takeNext() {
+  const auto first = std::ranges::min_element(ready_, {}, [this](const SessionPtr& session) {
+    return session->requests.empty() ? session->had : shares_.expected(session->had, session->requests.front().line);
+  });
+  const SessionPtr next = *first;
+  ready_.erase(first);
+  return next;
+}
+
+void Server::serveNext() {
+  SessionPtr session;
+  {
+    const std::lock_guard lock(mutex_);
+    if (unsent_ > limits_.all) {
+      ++held_;
+      if (!woken_) eventfd_write(wake_.get(), 1);
+      woken_ = true;
+      return;
+    }
+    session = takeNext();
+  }
+  serveOne(session);
 }
 
 void Server::serveOne(const SessionPtr& session) {
@@ -314,7 +412,9 @@ void Server::serveOne(const SessionPtr& session) {
     }
     request = std::move(session->requests.front());
     session->requests.pop_front();
+    session->pending -= request.line.size();
   }
+  const auto begin = Clock::now();
   Terminal& terminal = session->terminal;
   std::string frames;
   if (request.kind == wire::Kind::ask) {
@@ -323,6 +423,7 @@ void Server::serveOne(const SessionPtr& session) {
   } else {
     std::string text;
     const wire::Result result = service_.run(terminal, request.line, text);
+    frames.reserve(text.size() + text.size() / wire::kMaxFrame * 8 + 256);
     wire::appendFrames(frames, wire::Kind::text, text);
     std::string prompt = service_.prompt(terminal);
     if (prompt != session->prompt) wire::appendFrame(frames, wire::Kind::prompt, prompt);
@@ -335,11 +436,12 @@ void Server::serveOne(const SessionPtr& session) {
 
   const std::lock_guard lock(mutex_);
   session->posted = false;
+  session->had = shares_.charge(session->had, request.line, Clock::now() - begin);
   if (session->dropped) return;
-  session->output += frames;
+  append(*session, std::move(frames));
   if (terminal.ended) {
     session->ended = true;
-    session->requests.clear();
+    session->forgetRequests();
   }
   const auto at = std::ranges::find(tracing_, session);
   session->shown = terminal.trace;
@@ -366,7 +468,7 @@ void Server::show(std::string_view line, TraceForm form) {
     if (session->unsent() >= limits_.most)
       session->dropped = true;
     else
-      session->output += frame;
+      append(*session, frame);
     changed(session);
   }
   std::erase_if(tracing_, [](const SessionPtr& session) { return session->dropped; });

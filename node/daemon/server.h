@@ -1,9 +1,10 @@
 #pragma once
-// Serves the operator's socket: any number of terminals, one command at a time over all of them.
+// Serves the operator's socket: many terminals, one command at a time over all of them.
 //
 // One thread (the one that calls run) moves bytes, the door's thread runs the requests. A terminal's requests are run
-// in their order; the terminals take turns. A terminal that leaves loses the requests that have not begun. One that
-// does not read what it is sent is disconnected, the others and the node do not wait for it.
+// in their order; over the terminals, those who had less of the node's time are first. A terminal that leaves loses the
+// requests that have not begun. One that does not read what it is sent is disconnected, the others and the node do not
+// wait for it.
 
 #include <atomic>
 #include <chrono>
@@ -16,12 +17,15 @@
 #include "descriptor.h"
 #include "door.h"
 #include "service.h"
+#include "shares.h"
 
 namespace msand {
 
 struct Limits {
-  std::size_t slow = 256 * 1024;              // unsent bytes from which on a terminal's next request waits
-  std::size_t most = 4 * 1024 * 1024;         // unsent bytes from which on a further trace line disconnects it
+  std::size_t slow = 256 * 1024;       // unsent bytes from which on a terminal's next request waits
+  std::size_t most = 4 * 1024 * 1024;  // unsent bytes from which on a further trace line disconnects it
+  std::size_t all = 32 * 1024 * 1024;  // unsent bytes of all: above, those who took none for longest are disconnected
+  std::size_t terminals = 256;         // for one more, the one that was silent for longest is disconnected
   std::chrono::milliseconds patience{30000};  // without a byte taken, while some wait
 };
 
@@ -58,14 +62,19 @@ class Server : public TraceSink {
   void watch(Session& session);
   void settleChanged();
   void disconnectStalled();
+  void disconnectDeafest();
+  void makeRoom();
   void disconnect(const SessionPtr& session);
   void sayGoodbye();
   int timeout() const;
 
   // On the door's thread:
+  void serveNext();
   void serveOne(const SessionPtr& session);
 
   // On either, the lock held:
+  SessionPtr takeNext();
+  void append(Session& session, std::string frames);
   void schedule(const SessionPtr& session);
   void changed(const SessionPtr& session);
   void countTracing();
@@ -80,7 +89,11 @@ class Server : public TraceSink {
   bool acceptPaused_ = false;
   std::chrono::steady_clock::time_point pausedAt_{};
 
-  std::mutex mutex_;  // what follows, and the sessions' shared part
+  std::mutex mutex_;               // what follows, and the sessions' shared part
+  std::vector<SessionPtr> ready_;  // those with a request that is not under way yet, in their order
+  std::size_t held_ = 0;           // of these, how many are not posted, since too much is unsent
+  Shares shares_;
+  std::size_t unsent_ = 0;  // bytes, of all
   std::vector<SessionPtr> changed_;
   std::vector<SessionPtr> tracing_;
   std::atomic<u8> traced_ = 0;  // a bit for each form that is shown

@@ -19,21 +19,6 @@ expect "reason" "msanctl: $socket: no connection to msand: Connection refused" "
 expect "it is there" yes "$([ -S "$socket" ] && echo yes)"
 start
 
-# Terminals side by side, each with answers of its own.
-terminals=()
-for number in 1 2 3 4 5 6 7 8; do
-  (
-    for round in 1 2 3 4 5; do
-      [ "$(ctl -c "no$number" -c "no$number.$round" 2>&1 || true)" = "command:1: unknown command: no$number
-command:2: unknown command: no$number.$round" ] || exit 1
-    done
-  ) &
-  terminals+=($!)
-done
-for terminal in "${terminals[@]}"; do
-  wait "$terminal" || expect "answers of a terminal beside others" "its own" "others"
-done
-
 # One that is killed in the middle of its work leaves the node as it is.
 yes "set cid mode fsk" | "$bin/msanctl" --socket "$socket" >/dev/null &
 flood=$!

@@ -20,8 +20,8 @@ using namespace std::chrono_literals;
 using msand::Listener, msand::Server, msand::Terminal;
 using wire::Kind;
 
-// "say X" prints X; "big N" prints N bytes; "wait" waits to be released; "debug", "trace" and "exit" do as they say;
-// "fail" gives -1.
+// "say X" prints X; "big N" prints N bytes; "slow" takes a while; "wait" waits to be released; "debug", "trace" and
+// "exit" do as they say; "fail" gives -1.
 class TestCommands : public msand::Service {
  public:
   std::string prompt(const Terminal& terminal) const override {
@@ -33,6 +33,7 @@ class TestCommands : public msand::Service {
     ++ran;
     if (line.starts_with("say ")) text = line.substr(4);
     if (line.starts_with("big ")) text.assign(std::stoul(std::string(line.substr(4))), 'x');
+    if (line == "slow") std::this_thread::sleep_for(20ms);
     if (line == "wait") wait();
     if (line == "debug") terminal.level = msand::Level::debug;
     if (line == "trace") terminal.trace = msand::TraceForm::brief;
@@ -244,6 +245,57 @@ TEST_F(ServerThreads, ATerminalThatDoesNotReadItsAnswersWaitsAndIsDisconnected) 
   EXPECT_LE(commands_.ran, 5) << "its lines wait for it to read";
   std::size_t pieces = 0;
   while (deaf.next() != "end") ASSERT_LT(++pieces, 100u) << "it was not disconnected";
+}
+
+TEST_F(ServerThreads, WhatAllLeaveUnreadIsBounded) {
+  start({.all = 4'000'000});
+  std::vector<TestTerminal> deaf;
+  for (int i = 0; i < 20; ++i) deaf.emplace_back(path_).sendLines({"big 1000000", "big 1000000"});
+  TestTerminal other(path_);
+  for (int i = 0; i < 20; ++i) {
+    other.sendLines({"big 1000000"});
+    while (!other.next().starts_with("R")) continue;
+  }
+  int left = 0;
+  for (TestTerminal& terminal : deaf) {
+    std::string frame;
+    while (!(frame = terminal.next()).starts_with("R") && frame != "end") continue;
+    left += frame != "end";
+  }
+  EXPECT_GE(left, 1) << "as many as there is room for";
+  EXPECT_LE(left, 6) << "those who read nothing for longest have gone";
+}
+
+TEST_F(ServerThreads, WhoAsksForLittleDoesNotWaitForThoseWhoAskForMuch) {
+  start();
+  TestTerminal first(path_), little(path_);
+  std::vector<TestTerminal> much;
+  first.sendLines({"wait"});
+  commands_.awaitWaiting();
+  for (int i = 0; i < 20; ++i) much.emplace_back(path_).next(2);
+  for (TestTerminal& terminal : much) terminal.sendLines({"slow", "slow"});
+  little.next(2);
+  for (int i = 0; i < 10; ++i) {
+    little.sendLines({"say on"});
+    if (i == 0) TestTerminal(path_).next(2);  // it has arrived behind all others
+    if (i == 0) commands_.release();
+    EXPECT_EQ(little.next(2), "T(on)R(0 0)");
+  }
+  EXPECT_LE(commands_.ran, 1 + 10 + 12) << "at most one slow line ahead of each of its own";
+}
+
+TEST_F(ServerThreads, ForOneTooManyTheMostSilentOneGoes) {
+  start({.terminals = 2});
+  TestTerminal silent(path_), talking(path_);
+  silent.next(2);
+  talking.next(2);
+  talking.sendLines({"say on"});
+  EXPECT_EQ(talking.next(2), "T(on)R(0 0)");
+  TestTerminal third(path_);
+  EXPECT_EQ(third.next(2), "H(\x01)P(> )");
+  EXPECT_EQ(silent.next(2), "B(there are too many terminals, and this one was silent for longest)end");
+  talking.sendLines({"say on"});
+  EXPECT_EQ(talking.next(2), "T(on)R(0 0)");
 }
 
 TEST_F(ServerThreads, ManyTerminalsTakeTurns) {
