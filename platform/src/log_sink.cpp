@@ -46,6 +46,9 @@ LogSink::LogSink(const std::string& path) : descriptor_(-1), owned_(true) {
 }
 
 LogSink::~LogSink() {
+  repeats_.tellRest([this](const std::string& line) {
+    writeOrCount({spdlog::log_clock::now(), {}, "node", spdlog::level::warn, line});
+  });
   if (owned_) close(descriptor_);
 }
 
@@ -76,6 +79,13 @@ bool LogSink::tellLoss(const spdlog::details::log_msg& message) {
 }
 
 void LogSink::sink_it_(const spdlog::details::log_msg& message) {
+  const auto tell = [&](const std::string& line) {
+    writeOrCount({message.time, {}, message.logger_name, spdlog::level::warn, line});
+  };
+  if (repeats_.passes({message.payload.data(), message.payload.size()}, message.time, tell)) writeOrCount(message);
+}
+
+void LogSink::writeOrCount(const spdlog::details::log_msg& message) {
   if (lost_ != 0 && !tellLoss(message))
     ++lost_;
   else

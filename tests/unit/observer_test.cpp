@@ -156,6 +156,16 @@ TEST_F(LogFile, StaysOpenWhenAnotherCannotBeOpened) {
   EXPECT_THAT(record_.lines, ElementsAre("13 still here"));
 }
 
+TEST_F(LogFile, IsNotFilledByLinesOfOneKind) {
+  for (int i = 0; i < 250; ++i) ulogPrintf(1, 13, "from 10.0.0.%d: refused", i);
+  ulogPrintf(1, 13, "another");
+  std::string passed;
+  for (int i = 0; i < 100; ++i) passed += "error from 10.0.0." + std::to_string(i) + ": refused\n";
+  EXPECT_EQ(content(), passed + "error another\n");
+  host::openLog(host::LogTo::nowhere);
+  EXPECT_EQ(content(), passed + "error another\nwarning 150 more lines were like this one: from #.#.#.#: refused\n");
+}
+
 TEST_F(Observer, ALogThatTakesNoMoreLosesLinesAndTellsHowManyOnce) {
   const std::string pipe = testing::TempDir() + "observer_test_pipe_" + std::to_string(getpid());
   ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
