@@ -170,6 +170,49 @@ TEST_F(ProfileTest, TheOrderOfTheChecks) {
   }
 }
 
+// Where a field of an ADSL line profile stands in the body, with one blackout: its lowest and highest value, and the
+// code of the others.
+struct Edge {
+  std::size_t at;
+  u32 width, lowest, highest;
+  int code;
+};
+// clang-format off
+constexpr Edge adslEdges[] = {
+    {0, 2, 0, 4, -73},      {2, 2, 1, 3, -74},       {4, 2, 1, 3, -75},    {6, 2, 1, 5, -76},
+    {16, 1, 0, 0, -79},     {17, 1, 1, 1, -79},      {18, 4, 0, 310, -79},  // margins: head, digits, tenths
+    {22, 1, 0, 0, -80},     {23, 1, 1, 1, -80},      {24, 4, 0, 310, -80},
+    {28, 2, 0, 63, -81},    {30, 2, 0, 63, -82},     {32, 2, 1, 18, -83},  {34, 2, 1, 18, -84},
+    {36, 1, 0, 1, -85},     {37, 1, 0, 1, -86},      {38, 2, 0, 3, -87},   {40, 2, 0, 65534, -88},
+    {42, 2, 0, 65534, -89}, {44, 2, 0, 15, -90},     {46, 4, 0, 1024, -91},
+    {50, 2, 0, 31, -95},    {52, 2, 0, 31, -96},     {54, 2, 0, 31, -97},  {56, 2, 0, 31, -98},
+    {60, 2, 0, 511, -93},   {62, 2, 0, 511, -94},    {68, 4, 0, 100000, -99}, {72, 4, 0, 100000, -100},
+};
+// clang-format on
+
+TEST_F(ProfileTest, EachFieldOfAnAdslLineProfileHasItsEdgesAndItsCode) {
+  const Bytes good = join({hex("0000 0002 0002 0003"), zeros(8),
+                           hex("0001 0000003c 0001 0000003c 0010 0010 0001 0001 0000 0000 012c 001e 0003 00000020"),
+                           hex("001f 001f 0000 0000 0001"), zeros(8), zeros(8), zeros(64)});
+  const auto with = [](Bytes body, std::size_t at, u32 width, u32 value) {
+    std::ranges::copy(number(width, value), body.begin() + static_cast<std::ptrdiff_t>(at));
+    return set(34661, frame(1, item(5, "five", body)));
+  };
+  for (const auto& [at, width, lowest, highest, code] : adslEdges) {
+    EXPECT_EQ(with(good, at, width, lowest), 0) << at;
+    EXPECT_EQ(with(good, at, width, highest), 0) << at;
+    EXPECT_EQ(with(good, at, width, lowest - 1), code) << at;
+    EXPECT_EQ(with(good, at, width, highest + 1), code) << at;
+  }
+  EXPECT_EQ(with(good, 58, 2, 17), -92);
+  Bytes crossed = good;
+  for (const std::size_t greatest : {50, 52}) {
+    crossed[greatest + 1] = 5;
+    EXPECT_EQ(with(crossed, greatest + 4, 2, 5), 0);
+    EXPECT_EQ(with(crossed, greatest + 4, 2, 6), -101);
+  }
+}
+
 TEST_F(ProfileTest, AttachmentsThatAreCutAnywhereAreRefused) {
   authorise(3, "adsl16");
   authorise(5, "vdsl16");
