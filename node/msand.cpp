@@ -55,7 +55,7 @@ std::vector<std::string> listenOption(const std::string& word) {
 
 msand::Configuration configurationOf(const Options& options) {
   msand::Configuration configuration = msand::readConfiguration(options.configuration);
-  if (!options.socket.empty()) configuration.socket = options.socket;
+  if (!options.socket.empty()) configuration.socket = {options.socket, "--socket: "};
   if (!options.startup.empty()) configuration.startup = options.startup;
   if (!options.module.empty()) configuration.module = {options.module, "--module: "};
   if (options.snmp == "none")

@@ -277,7 +277,7 @@ Configuration Reader::read(const toml::table& table) const {
   Configuration configuration;
   for (const auto& [key, value] : table) {
     if (key == "socket")
-      configuration.socket = file(key, value);
+      configuration.socket = told(file(key, value), value);
     else if (key == "startup")
       configuration.startup = file(key, value);
     else if (key == "module")

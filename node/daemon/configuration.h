@@ -26,7 +26,7 @@ struct Told {
 };
 
 struct Configuration {
-  std::string socket = "/run/msan/msand.socket";
+  Told socket = {"/run/msan/msand.socket", ""};
   std::string startup = "/var/lib/msan/startup.cfg";
   Told module;  // empty: ../lib/libmsan.so, seen from the program
   host::LogTo logTo = host::LogTo::standardError;

@@ -116,34 +116,29 @@ static std::optional<std::vector<u8>> answerPlainly(host::Link link, u16 slot, u
   return messages::plainAnswer(messages::book(), road, id, question);
 }
 
-static void openLog(const Configuration& configuration) {
+// An error in what the configuration has told is the configuration's.
+template <class Error, class Action>
+static auto blame(const Told& told, Action action) {
   try {
-    host::openLog(configuration.logTo, configuration.logFile.value);
-  } catch (const std::system_error& error) {
-    throw ConfigurationError(configuration.logFile.at + error.what());
+    return action();
+  } catch (const Error& error) {
+    throw ConfigurationError(told.at + error.what());
   }
+}
+
+static void checkSocket(const Configuration& configuration) {
+  blame<FileError>(configuration.socket, [&] { checkSocketPath(configuration.socket.value); });
 }
 
 static node::Node loadNode(const Configuration& configuration) {
-  try {
-    return node::Node(configuration.module.value);
-  } catch (const node::LoadError& error) {
-    throw ConfigurationError(configuration.module.at + error.what());
-  }
-}
-
-// The log is not opened: what is only looked at must not appear.
-static void checkLog(const Configuration& configuration) {
-  if (configuration.logTo != host::LogTo::file) return;
-  try {
-    checkAppending(configuration.logFile.value);
-  } catch (const FileError& error) {
-    throw ConfigurationError(configuration.logFile.at + error.what());
-  }
+  return blame<node::LoadError>(configuration.module, [&] { return node::Node(configuration.module.value); });
 }
 
 void checkDaemon(const Configuration& configuration) {
-  checkLog(configuration);
+  checkSocket(configuration);
+  // The log is not opened: what is only looked at must not appear.
+  if (configuration.logTo == host::LogTo::file)
+    blame<FileError>(configuration.logFile, [&] { checkAppending(configuration.logFile.value); });
   node::Node node = loadNode(configuration);
   Startup startup(configuration.startup);
   Operator commands(node, startup);
@@ -154,8 +149,10 @@ void runDaemon(const Configuration& configuration) {
   const Descriptor stop = stopSignals();
   ignoreFailedWrites();
   allowManyTerminals();
-  openLog(configuration);
-  Listener listener(configuration.socket);
+  blame<std::system_error>(configuration.logFile,
+                           [&] { host::openLog(configuration.logTo, configuration.logFile.value); });
+  checkSocket(configuration);
+  Listener listener(configuration.socket.value);
 
   Trace trace;
   const Observing observing(trace);
@@ -183,7 +180,7 @@ void runDaemon(const Configuration& configuration) {
   listener.open();
   Server server(listener.descriptor(), door, commands);
   const Tracing tracing(trace, server);
-  note(fmt::format("ready, serves {}", configuration.socket));
+  note(fmt::format("ready, serves {}", configuration.socket.value));
   sd_notify(0, "READY=1");
 
   server.run(stop.get());

@@ -10,6 +10,7 @@
 #include <cstdio>
 #include <cstring>
 #include <stdexcept>
+#include <string_view>
 
 #include "files.h"
 
@@ -17,12 +18,18 @@ namespace msand {
 
 constexpr int kWaiting = 128;  // connections that may wait to be accepted
 
+constexpr std::string_view kBeside = ".new";  // behind the path: the socket, until it takes its place
+
+void checkSocketPath(const std::string& path) {
+  constexpr std::size_t kMost = sizeof sockaddr_un{}.sun_path - 1 - kBeside.size();
+  if (path.size() > kMost)
+    throw FileError(path, "is too long for a socket: " + std::to_string(kMost) + " bytes at most");
+}
+
+// The path has been checked.
 static sockaddr_un address(const std::string& path) {
   sockaddr_un address{};
   address.sun_family = AF_UNIX;
-  if (path.size() >= sizeof address.sun_path)
-    throw FileError(path,
-                    "is too long for a socket: " + std::to_string(sizeof address.sun_path - 1) + " bytes at most");
   std::memcpy(address.sun_path, path.c_str(), path.size() + 1);
   return address;
 }
@@ -57,7 +64,7 @@ void Listener::lock() {
 }
 
 Listener::Listener(const std::string& path) : path_(path) {
-  address(path + ".new");
+  checkSocketPath(path);
   lock();
   struct stat status {};
   const bool exists = lstat(path.c_str(), &status) == 0;
@@ -76,7 +83,7 @@ Listener::~Listener() {
 }
 
 void Listener::open() {
-  const std::string beside = path_ + ".new";
+  const std::string beside = path_ + std::string(kBeside);
   const sockaddr_un at = address(beside);
   Descriptor made = newSocket(path_);
   unlink(beside.c_str());

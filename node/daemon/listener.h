@@ -7,6 +7,9 @@
 
 namespace msand {
 
+// Throws FileError for a path that no socket can have.
+void checkSocketPath(const std::string& path);
+
 // Claims a path for this process: a lock file beside it, "PATH.lock", keeps a second msand away from the moment on. The
 // socket itself appears with open(), ready to be connected to, mode 0600, in the place of one that was left behind.
 class Listener {

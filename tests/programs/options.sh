@@ -7,7 +7,7 @@ expect "a good file" "0 $folder/msand.toml: good" "$code $out"
 
 # refused LINE COMPLAINT: what neither the check nor the start takes, as the second line of a file
 refused() {
-  printf 'socket = "socket"\n%s\n' "$1" | configuration
+  printf '%s\n%s\n' "${3-socket = 'socket'}" "$1" | configuration
   local options
   for options in "--check" "--snmp none"; do
     # shellcheck disable=SC2086
@@ -24,6 +24,7 @@ refused 'module = "none.so"' "$folder/none.so: *"
 refused 'module = "msand.toml"' "$folder/msand.toml: *"
 refused 'module = "/lib/x86_64-linux-gnu/libm.so.6"' '*libm.so.6: is loaded already'
 refused 'module = "/lib/x86_64-linux-gnu/libutil.so.1"' '*libutil.so.1: undefined symbol: msan_Module_Init'
+refused "socket = '$(printf %0100d)'" "$folder/$(printf %0100d): is too long for a socket: 103 bytes at most" ""
 refused 'log = "/dev"' "/dev: can't be opened: Is a directory"
 refused 'log = "msand.toml/log"' "$folder/msand.toml/log: can't be opened: Not a directory"
 printf 'log = "logs/log"\nflow = ["rule 5 name a", "policy 5 name a content ab"]\n' | configuration

@@ -28,7 +28,7 @@ TEST(Configuration, IsRead) {
       "card = 'vdsl32'\n"
       "state = 'down'\n",
       "/etc/msan/msand.toml");
-  EXPECT_EQ(read.socket, "/etc/msan/run/node.socket") << "paths are seen from the file's folder";
+  EXPECT_EQ(read.socket.value, "/etc/msan/run/node.socket") << "paths are seen from the file's folder";
   EXPECT_EQ(read.startup, "/var/lib/msan/a.cfg");
   EXPECT_EQ(read.module.value, "/etc/msan/../../lib/libmsan.so");
   EXPECT_EQ(read.logTo, host::LogTo::file);
@@ -65,7 +65,7 @@ TEST(Configuration, ManagersAreRead) {
 
 TEST(Configuration, AnEmptyFileIsAnEmptyChassis) {
   const Configuration read = parseConfiguration("", "/etc/msan/msand.toml");
-  EXPECT_EQ(read.socket, "/run/msan/msand.socket");
+  EXPECT_EQ(read.socket.value, "/run/msan/msand.socket");
   EXPECT_EQ(read.startup, "/var/lib/msan/startup.cfg");
   EXPECT_TRUE(read.slots.empty());
 }
