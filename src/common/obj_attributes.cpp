@@ -39,14 +39,25 @@ static constexpr Attribute attributes[] = {
     {kFeedAttribute, set_post_voltcurrent_db_api, get_post_voltcurrent_db_api},
     {kVdslLineAttribute, set_vdsl_line_prf_att_db_api, get_vdsl_line_prf_att_db_api},
     {kVdslServiceAttribute, set_vdsl_ser_prf_att_db_api, get_vdsl_ser_prf_att_db_api},
+    {kVdslPboAttribute, set_vdsl_pbo_prf_att_db_api, get_vdsl_pbo_prf_att_db_api},
     {kSelfPortAttribute, set_voiceselfportcfg_dbapi, get_voiceselfportcfg_dbapi},
 };
 
 // What a port and a slot hold, in the order in which it is removed.
+// clang-format off
 static constexpr int (*portDeletes[])(u32 objectId) = {
-    del_voiceportcfg_dbapi,       del_port_vlan_cfg_db_api,    del_data_port_enable_dbapi,
-    del_post_voltcurrent_db_api,  clr_adsl_prf_att_dbapi,      clr_pvc_prf_att_dbapi,
-    clr_vdsl_line_prf_att_db_api, clr_vdsl_ser_prf_att_db_api, del_voiceselfportcfg_dbapi};
+    del_voiceportcfg_dbapi,
+    del_port_vlan_cfg_db_api,
+    del_data_port_enable_dbapi,
+    del_post_voltcurrent_db_api,
+    clr_adsl_prf_att_dbapi,
+    clr_pvc_prf_att_dbapi,
+    clr_vdsl_line_prf_att_db_api,
+    clr_vdsl_ser_prf_att_db_api,
+    clr_vdsl_pbo_prf_att_db_api,
+    del_voiceselfportcfg_dbapi,
+};
+// clang-format on
 
 static const Attribute* findAttribute(u32 number) {
   const auto* row = std::ranges::find(attributes, number, &Attribute::number);

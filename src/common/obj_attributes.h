@@ -15,6 +15,7 @@ enum AttributeNumber : u32 {
   kFeedAttribute = 285,
   kVdslLineAttribute = 291,
   kVdslServiceAttribute = 292,
+  kVdslPboAttribute = 293,
   kSelfPortAttribute = 296,
 };
 

@@ -69,6 +69,12 @@ Bytes serviceBody() {
   return join({hex("0002 0002 00010000003c 00 000100000136 000100000000 00010000003c 00 000100000136 000100000000"),
                zeros(4), hex("00000040"), zeros(4), hex("00000040 0010 0010 0001 0001"), zeros(8)});
 }
+Bytes pboBody() {
+  return join(
+      {hex("0000 000100000000 000200000fa0 000200000000 000200001612 0002000003fc 000200001612 000200000267"),
+       hex("000200001612 000200000267 000100000000 00080029b927 000805e3ff5d 0008001dcd65 0001fffffc7c 0000 01ff"),
+       zeros(32)});
+}
 
 Bytes item(u32 id, const std::string& label, const Bytes& body) { return join({number(2, id), name(label), body}); }
 Bytes frame(u32 count, const Bytes& items) { return join({zeros(32), number(2, count), items}); }
@@ -105,7 +111,8 @@ TEST_F(ProfileTest, AnItemThatIsCutAnywhereIsRefusedAndStoresNothing) {
   const Kind kinds[] = {{34661, 0, adslBody(), 282},
                         {34664, 1, pvcBody(), 128},
                         {34801, 2, vdslBody(), 252},
-                        {34803, 3, serviceBody(), 96}};
+                        {34803, 3, serviceBody(), 96},
+                        {34805, 4, pboBody(), 144}};
   for (const Kind& kind : kinds) {
     const Bytes two = join({item(3, "first", kind.body), item(4, "second", kind.body)});
     ASSERT_EQ(two.size(), 2 * kind.length);
@@ -134,29 +141,19 @@ struct Checked {
   Bytes body;
   std::vector<Bad> bad;
 };
+// clang-format off
 const Checked checked[] = {
-    {34803,
-     serviceBody(),
-     {{2, "0004", -103},
-      {0, "0000", -102},
-      {0, "0003", -121},
-      {6, "00000137", -104},
-      {10, "02", -105},
-      {13, "ffffffff", -106},
-      {19, "00000137", -107},
-      {13, "00000000 0001 00000001", -120},
-      {25, "80000000", -108},
-      {29, "ff", -109},
-      {32, "00000137", -110},
-      {38, "ffffffff", -111},
-      {32, "00000135 0001 00000136", -120},
-      {46, "00030d41", -113},
-      {54, "ffffffff", -115},
-      {58, "0040", -116},
-      {60, "ffff", -117},
-      {62, "0013", -118},
+    {34803, serviceBody(), {{2, "0004", -103}, {0, "0000", -102}, {0, "0003", -121}, {6, "00000137", -104}, {10, "02", -105},
+      {13, "ffffffff", -106}, {19, "00000137", -107}, {13, "00000000 0001 00000001", -120}, {25, "80000000", -108},
+      {29, "ff", -109}, {32, "00000137", -110}, {38, "ffffffff", -111}, {32, "00000135 0001 00000136", -120},
+      {46, "00030d41", -113}, {54, "ffffffff", -115}, {58, "0040", -116}, {60, "ffff", -117}, {62, "0013", -118},
       {64, "0013", -119}}},
+    {34805, pboBody(), {{0, "0003", -102}, {4, "000009fc", -103}, {10, "00000f9f", -104}, {16, "00001000", -105},
+      {22, "00001fa0", -106}, {28, "ffffffff", -107}, {34, "00000f9f", -108}, {40, "00001000", -109}, {46, "00001fa0", -110},
+      {52, "ffffffff", -111}, {58, "000009fc", -112}, {64, "fa0a1eff", -113}, {70, "08f0d181", -114}, {76, "80000000", -115},
+      {82, "00000001", -116}, {86, "0801", -117}, {88, "001f", -118}, {86, "0200", -119}}},
 };
+// clang-format on
 
 // The first bad value is told, whatever is behind it.
 TEST_F(ProfileTest, TheOrderOfTheChecks) {
@@ -216,7 +213,7 @@ TEST_F(ProfileTest, EachFieldOfAnAdslLineProfileHasItsEdgesAndItsCode) {
 TEST_F(ProfileTest, AttachmentsThatAreCutAnywhereAreRefused) {
   authorise(3, "adsl16");
   authorise(5, "vdsl16");
-  for (const u16 message : {u16{2837}, u16{2838}, u16{2860}, u16{2862}, u16{2863}}) {
+  for (const u16 message : {u16{2837}, u16{2838}, u16{2860}, u16{2862}, u16{2863}, u16{2855}}) {
     const Bytes written = join({hex("0003 0001"), zeros(22), hex("0005 0002"), zeros(22)});
     for (std::size_t length = 0; length < written.size(); ++length) {
       const Bytes cut(written.begin(), written.begin() + static_cast<std::ptrdiff_t>(length));

@@ -87,6 +87,7 @@ RELATION(AD_PRF_ATT_RELATION, ulObjId, prfId, reTree)
 RELATION(PVC_PRF_ATT_RELATION, ulObjId, prfId, reTree)
 RELATION(VD_LINE_PRF_ATT_RELATION, ulObjId, prfId, reTree)
 RELATION(VD_SERVICE_PRF_ATT_RELATION, ulObjId, prfId, reTree)
+RELATION(VD_PBO_PRF_ATT_RELATION, ulObjId, prfId, reTree)
 
 int set_adsl_prf_att_dbapi(u32 objectId, const void* id, u32, u32) {
   return setRelation(AD_PRF_ATT_RELATION_relation, objectId, id);
@@ -114,3 +115,4 @@ int clr_pvc_prf_att_dbapi(u32 objectId) { return clearRelation(PVC_PRF_ATT_RELAT
   int clr_vdsl_##kind##_prf_att_##api(u32 objectId) { return clearRelation(T##_relation, objectId); }
 VDSL_ATTACHMENT(line, db_api, VD_LINE_PRF_ATT_RELATION)
 VDSL_ATTACHMENT(ser, db_api, VD_SERVICE_PRF_ATT_RELATION)
+VDSL_ATTACHMENT(pbo, db_api, VD_PBO_PRF_ATT_RELATION)

@@ -20,4 +20,5 @@ int clr_pvc_prf_att_dbapi(u32 objectId);
   int clr_vdsl_##kind##_prf_att_##api(u32 objectId);
 VDSL_ATTACHMENT(line, db_api)
 VDSL_ATTACHMENT(ser, db_api)
+VDSL_ATTACHMENT(pbo, db_api)
 #undef VDSL_ATTACHMENT

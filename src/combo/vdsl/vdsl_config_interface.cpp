@@ -13,9 +13,9 @@
 #include "platform/log.h"
 
 // In the order in which they are made, printed and sent.
-static constexpr const ProfileKind* kinds[] = {&vdslLineKind, &vdslServiceKind};
+static constexpr const ProfileKind* kinds[] = {&vdslLineKind, &vdslServiceKind, &vdslPboKind};
 
-static constexpr Step install[] = {install_vdsl_line_cmd, install_vdsl_ser_cmd};
+static constexpr Step install[] = {install_vdsl_line_cmd, install_vdsl_ser_cmd, install_vdsl_pbo_cmd};
 
 int vdsl_init_cfg() {
   for (const ProfileKind* kind : kinds) {
@@ -80,6 +80,9 @@ int vdsl_reg_snmp_info() {
       {"MSAN_SET_VD_SERVICE_PROFILE", "set vdsl service profile", 34803, snmp_set_vdsl_prf, snmp_get_vdsl_prf, 90000},
       {"VD_SERVICE_PRF_CONFIG", "delete vdsl service profile", 34804, snmp_del_vdsl_prf, nullptr, 0},
       {"MSAN_SET_VD_BIND_SERVICE_PROFILE", "attach vdsl service profile", 2863, snmp_set_vdsl_prf_attach, snmp_get_vdsl_prf_attach, ports},
+      {"MSAN_SET_VD_PBO_PROFILE", "set vdsl pbo profile", 34805, snmp_set_vdsl_prf, snmp_get_vdsl_prf, 90000},
+      {"MSAN_DEL_VD_PBO_PROFILE", "delete vdsl pbo profile", 34806, snmp_del_vdsl_prf, nullptr, 0},
+      {"MSAN_SET_VD_BIND_PBO_PROFILE", "attach vdsl pbo profile", 2855, snmp_set_vdsl_prf_attach, snmp_get_vdsl_prf_attach, ports},
   };
   // clang-format on
   return registerProfileMessages(messages);

@@ -15,3 +15,8 @@ extern const ProfileKind
 extern i16 g_vdsl_service_prf_type;
 extern i16 g_vdsl_service_prf_cfg_id;
 int install_vdsl_ser_cmd();
+
+extern const ProfileKind vdslPboKind;  // power back-off
+extern i16 g_vdsl_pbo_prf_type;
+extern i16 g_vdsl_pbo_prf_cfg_id;
+int install_vdsl_pbo_cmd();
