@@ -212,6 +212,16 @@ int ddGetBoardServePortAmountByType(u16 cardType, u16* amount) {
   return 0;
 }
 
+int get_slot_port_num_by_slotno(u16 slot) {
+  u16 amount = 0;
+  return ddGetBoardServePortAmountByType(static_cast<u16>(get_config_card_type(slot)), &amount) == 0 ? amount : 0;
+}
+
+int gpon_slot_online_port_common_examine(i32, u16 slot, u16 port, i32) {
+  const bool online = get_card_type(slot) > 0 && port >= 1 && port <= get_slot_port_num_by_slotno(slot);
+  return online ? 0 : -1;
+}
+
 // All ports of a card are of one type.
 int ddGetPortTypeByBoardType(u16 cardType, u16, u16* portType) { return portTypeOf(cardType, portType); }
 int dm_get_port_type(u16 cardType, i32, i32, u16, u16* portType) { return portTypeOf(cardType, portType); }

@@ -8,6 +8,7 @@
 #include <string_view>
 
 #include "host/profile_store.h"
+#include "platform/common_profile_store.h"
 
 namespace {
 
@@ -21,8 +22,9 @@ struct Profile {
 struct Kind {
   u16 itemSize = 0;
   std::vector<std::optional<Profile>> profiles;  // by id
-  std::map<std::string, i16, std::less<>> ids;   // by name
+  std::map<std::string, i16, std::less<>> ids;   // by name; none where names need not differ
   std::size_t lowestFree = 0;                    // no id below it is free
+  bool namesShared = false;
 
   Profile* find(i16 id) {
     if (id < 0 || static_cast<std::size_t>(id) >= profiles.size()) return nullptr;
@@ -133,7 +135,13 @@ i16 prfGetPrfIdByName(i16 type, const char* name) {
   Kind* kind = findKind(type);
   if (kind == nullptr || name == nullptr) return kRefused;
   const auto found = kind->ids.find(nameOf(name));
-  return found != kind->ids.end() ? found->second : kRefused;
+  if (found != kind->ids.end()) return found->second;
+  if (!kind->namesShared) return kRefused;
+  const auto hasName = [name](const std::optional<Profile>& profile) {
+    return profile && profile->name == nameOf(name);
+  };
+  const auto at = std::ranges::find_if(kind->profiles, hasName);
+  return at != kind->profiles.end() ? static_cast<i16>(at - kind->profiles.begin()) : kRefused;
 }
 
 i16 prfGetNameByPrfId(char* to, u8* capacity, i16 type, i16 id) {
@@ -156,6 +164,59 @@ i16 prfNameModify(i16 type, const char* name, i16 id) {
     profile.name = wanted;
     return 0;
   });
+}
+
+// --- Profiles whose names need not differ ---
+
+int init_comm_profile_type(CommProfile* profile) {
+  if (profile == nullptr || profile->storedSize != profile->recordSize) return kRefused;
+  const i16 type = prfRegNewType(profile->type, profile->ids, profile->items, profile->recordSize);
+  if (type < 0) return kRefused;
+  const std::lock_guard lock(mutex);
+  findKind(type)->namesShared = true;
+  profile->type = type;
+  return 0;
+}
+
+int is_comm_profile_exist(const CommProfile* profile) {
+  return profile != nullptr && profile->id != 0 ? prfIsIdUsed(profile->type, static_cast<i16>(profile->id)) : 0;
+}
+
+int find_comm_profile_by_id(CommProfile* profile) {
+  if (profile == nullptr || profile->data == nullptr || profile->id == 0) return kRefused;
+  return withProfile(profile->type, static_cast<i16>(profile->id), [=](const Kind&, const Profile& found) -> i16 {
+    std::memcpy(profile->data, found.item.data(), found.item.size());
+    std::memset(profile->name, 0, sizeof profile->name);
+    std::memcpy(profile->name, found.name.data(), found.name.size());
+    return 0;
+  });
+}
+
+int get_comm_profile_max_id(const CommProfile* profile) {
+  const std::lock_guard lock(mutex);
+  const Kind* kind = profile != nullptr ? findKind(profile->type) : nullptr;
+  if (kind == nullptr) return 0;
+  std::size_t id = kind->profiles.size() - 1;
+  while (id > 0 && !kind->profiles[id].has_value()) --id;
+  return static_cast<int>(id);
+}
+
+int add_comm_profile_base(const CommProfile* profile) {
+  const std::lock_guard lock(mutex);
+  Kind* kind = profile != nullptr ? findKind(profile->type) : nullptr;
+  if (kind == nullptr || profile->data == nullptr || profile->id == 0 || profile->id >= kind->profiles.size()) {
+    return kRefused;
+  }
+  auto& place = kind->profiles[profile->id];
+  place = Profile{std::string(nameOf(profile->name)), {}};
+  return storeItem(*place, profile->data, kind->itemSize);
+}
+
+int del_comm_profile_base(const CommProfile* profile) {
+  if (is_comm_profile_exist(profile) != 1 || (profile->isBound != nullptr && profile->isBound(profile) == 1)) {
+    return kRefused;
+  }
+  return prfDel(profile->type, static_cast<i16>(profile->id));
 }
 
 namespace host {

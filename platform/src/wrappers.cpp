@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <chrono>
 #include <condition_variable>
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <limits>
@@ -20,6 +21,10 @@ char* bep_StrNCpy(char* to, const char* from, std::size_t length) { return std::
 std::size_t bep_StrLen(const char* text) { return std::strlen(text); }
 void* bep_memCpyEx(void* to, const void* from, std::size_t length) { return std::memcpy(to, from, length); }
 void* bep_memSetEx(void* memory, int value, std::size_t length) { return std::memset(memory, value, length); }
+
+void cli_gpon_get_mac_str(const u8* mac, char* text) {
+  std::sprintf(text, "%02x-%02x-%02x-%02x-%02x-%02x", mac[0], mac[1], mac[2], mac[3], mac[4], mac[5]);
+}
 
 i32 bep_atoiEx(const char* text) {
   using Limits = std::numeric_limits<i32>;

@@ -41,6 +41,7 @@ int msan_data_snmp_register();
 int msan_data_cli_install();
 int msan_data_showrun(Vty* vty);
 int msan_data_hotplug(u16 slot);
+int msan_data_clear_before_cardauth_db(u16 slot);  // of a slot that is given a card type: what the old card had
 
 // Multicast: a frame without items.
 int msan_mcast_init();

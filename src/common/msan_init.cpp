@@ -34,8 +34,8 @@ static constexpr SlotStep hotplug[] = {msan_combo_hotplug, msan_ppda_hotplug,  m
                                        msan_mcast_hotplug, msan_voice_hotplug, send_ngn_voice_rtp_ip_by_slot};
 
 // The database side of a slot that is given a card type, and of one that loses it.
-static constexpr SlotStep cardAuthorised[] = {data_port_enable_after_cardauth_db, init_voiceport_cfg,
-                                              volt_current_callback_after_cardauth_db};
+static constexpr SlotStep cardAuthorised[] = {data_port_enable_after_cardauth_db, msan_data_clear_before_cardauth_db,
+                                              init_voiceport_cfg, volt_current_callback_after_cardauth_db};
 static constexpr SlotStep cardUnauthorised[] = {delObjAttrBySlot};
 
 int inRecoverConfProcess() { return is_cliFastMode(); }

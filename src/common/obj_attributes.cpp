@@ -8,6 +8,9 @@
 #include "common/interface_list.h"
 #include "common/msan_init.h"
 #include "common/trace.h"
+#include "data/mac/port_mac_limit.h"
+#include "data/queue/eth_schedule.h"
+#include "data/rate/port_rate_bind.h"
 #include "data/vlan/port_vlan.h"
 #include "platform/database.h"
 #include "platform/log.h"
@@ -33,6 +36,9 @@ static int getPlain(u32 objectId, void* data, u32 offset, u32 length) {
 static constexpr Attribute attributes[] = {
     {kVoicePortAttribute, set_voiceportcfg_dbapi, get_voiceportcfg_dbapi},
     {kVlanAttribute, set_port_vlan_cfg_db_api, get_port_vlan_cfg_db_api},
+    {kRateAttribute, set_port_rate_limit_prf_attach_dbapi, get_port_rate_limit_prf_attach_dbapi},
+    {kMacAttribute, set_mac_limit_cfg_dbapi, get_mac_limit_cfg_dbapi},
+    {kQueueAttribute, set_eth_schedule_cfg_dbapi, get_eth_schedule_cfg_dbapi},
     {kPortEnableAttribute, set_data_port_enable_dbapi, get_data_port_enable_dbapi},
     {kAdslLineAttribute, set_adsl_prf_att_dbapi, getPlain<get_adsl_prf_att_dbapi>},
     {kPvcAttribute, set_pvc_prf_att_dbapi, getPlain<get_pvc_prf_att_dbapi>},
@@ -48,6 +54,8 @@ static constexpr Attribute attributes[] = {
 static constexpr int (*portDeletes[])(u32 objectId) = {
     del_voiceportcfg_dbapi,
     del_port_vlan_cfg_db_api,
+    del_port_rate_limit_prf_attach_dbapi,
+    delete_eth_schedule_cfg_dbapi,
     del_data_port_enable_dbapi,
     del_post_voltcurrent_db_api,
     clr_adsl_prf_att_dbapi,
@@ -122,7 +130,9 @@ int delObjAttrBySlot(u16 slot) {
   for (u32 port = 1; port <= tree->childCount; ++port) {
     if (omOltport2ObjId(slot, static_cast<u16>(port), &id) != 0 || delPortAttrByObjId(id) != 0) return -1;
   }
-  return omSlot2ObjId(slot, &id) == 0 && delSlotAttrByObjId(id) == 0 ? 0 : -1;
+  if (omSlot2ObjId(slot, &id) != 0 || delSlotAttrByObjId(id) != 0) return -1;
+  delete_macnum_limit_cfg(slot);
+  return 0;
 }
 
 int delPortAttrByObjId(u32 objectId) {

@@ -9,6 +9,9 @@
 enum AttributeNumber : u32 {
   kVoicePortAttribute = 267,
   kVlanAttribute = 272,
+  kRateAttribute = 275,
+  kMacAttribute = 278,
+  kQueueAttribute = 279,
   kPortEnableAttribute = 280,
   kAdslLineAttribute = 281,
   kPvcAttribute = 282,

@@ -2,18 +2,38 @@
 
 #include "common/areas.h"
 #include "common/msan_init.h"
+#include "data/mac/line_mac_table.h"
+#include "data/mac/port_mac_limit.h"
+#include "data/queue/eth_schedule.h"
+#include "data/rate/port_rate_bind.h"
+#include "data/rate/port_rate_profile.h"
 #include "data/vlan/port_vlan.h"
 #include "data/vlan/vlan_profile.h"
 #include "platform/command_line.h"
 #include "platform/log.h"
 #include "platform/objects.h"
 
-static constexpr Step init[] = {init_port_vlan_cfg_module};
-static constexpr Step snmpRegister[] = {registerOf<portVlan>};
-static constexpr Step install[] = {install_port_vlan_cfg_cli_element};
-static constexpr SlotStep hotplug[] = {recover_port_vlan_cfg};
+static constexpr Step init[] = {init_port_rate_profile_type, init_port_rate_default_prf, init_port_vlan_cfg_module};
+static constexpr Step snmpRegister[] = {registerOf<portRateBind>,
+                                        register_port_rate_profile_set_snmp,
+                                        register_port_rate_profile_del_snmp,
+                                        registerOf<ethSchedule>,
+                                        registerOf<macLimit>,
+                                        register_linemactbl_msg_snmp,
+                                        registerOf<portVlan>};
+static constexpr Step install[] = {installOf<ethSchedule>,
+                                   installOf<macLimit>,
+                                   install_gepon_msan_port_mactable_element,
+                                   installOf<portRateBind>,
+                                   install_element_port_rate_profile,
+                                   install_port_vlan_cfg_cli_element};
+static constexpr SlotStep hotplug[] = {recover_ethschedule_cfg, recover_macnum_limit_cfg,
+                                       recover_port_rate_limit_attach_cfg, recover_port_vlan_cfg};
+static constexpr SlotStep cardAuthorised[] = {delete_ethschedule_cfg, delete_macnum_limit_cfg};
+static constexpr PrintStep showrun[] = {port_rate_profile_showrun};
 // Of each slot with a card of the module's, all items of one slot ahead of the next slot.
-static constexpr int (*slotShowrun[])(Vty* vty, u16 slot) = {showrunOf<portVlan>};
+static constexpr int (*slotShowrun[])(Vty* vty, u16 slot) = {showrunOf<ethSchedule>, showrunOf<macLimit>,
+                                                             showrunOf<portRateBind>, showrunOf<portVlan>};
 
 int msan_data_init() {
   callAll(init);
@@ -31,6 +51,7 @@ int msan_data_cli_install() { return callAll(install); }
 
 // The banner of this area stands behind its lines.
 int msan_data_showrun(Vty* vty) {
+  callAll(showrun, vty);
   u32 slots[100];
   u32 count = 0;
   if (ddGetServeSlotList(slots, 100, &count) != 0) count = 0;
@@ -44,3 +65,5 @@ int msan_data_showrun(Vty* vty) {
 }
 
 int msan_data_hotplug(u16 slot) { return callAll(hotplug, slot); }
+
+int msan_data_clear_before_cardauth_db(u16 slot) { return callAll(cardAuthorised, slot); }

@@ -2,16 +2,6 @@
 
 #include "combo/port/dsl_port_mode.h"
 #include "data/common/data_item.h"
-#include "platform/objects.h"
-
-static bool isCard(u16 slot, int (*check)(u16 cardType)) {
-  const int card = get_config_card_type(slot);
-  return card > 0 && check(static_cast<u16>(card)) == 0;
-}
-
-bool isDataCard(u16 slot) { return isCard(slot, caCheckCardTypeIsMsanDataCard); }
-bool isAdslCard(u16 slot) { return isCard(slot, caCheckCardTypeIsADSLCard); }
-bool isVdslCard(u16 slot) { return isCard(slot, caCheckCardTypeIsVDSLCard); }
 
 int get_pvcnum(u16 slot, u16 port, u16* rows) {
   if (isAdslCard(slot)) {

@@ -2,6 +2,7 @@
 // How many rows of settings a data port has: one for each of its eight PVCs, or one if it has no PVCs.
 
 #include "common/msan_obj.h"
+#include "data/common/cards.h"
 #include "platform/types.h"
 
 inline constexpr u16 kPvcRows = 8;
@@ -9,10 +10,6 @@ inline constexpr u16 kNoPvc = 65535;  // PVC index of a one-row table on the wir
 
 // The types of the ports that have such rows, if their card is a DSL card.
 inline constexpr u16 kRowPortTypes[] = {116, 56, 621, 264, 817, 818};
-
-bool isDataCard(u16 slot);
-bool isAdslCard(u16 slot);
-bool isVdslCard(u16 slot);
 
 // 8 or 1. 0, or -1 for a port without rows.
 int get_pvcnum(u16 slot, u16 port, u16* rows);

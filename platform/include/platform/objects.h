@@ -14,6 +14,8 @@ int ddGetBoardServePortAmountByType(u16 cardType, u16* amount);
 int ddGetPortTypeByBoardType(u16 cardType, u16 port, u16* portType);
 int dm_get_port_type(u16 cardType, i32, i32, u16 port, u16* portType);
 
+int get_slot_port_num_by_slotno(u16 slot);  // ports of the authorised card, 0 without one
+
 // 0: the card type is of the family.
 int caCheckCardTypeIsADSLCard(u16 cardType);
 int caCheckCardTypeIsVDSLCard(u16 cardType);
@@ -28,6 +30,9 @@ int get_card_type(u16 slot);                     // running
 int get_exist_card_type(u16 slot);               // present
 int get_valid_servicecard_type(u16 slot);        // present, and of the type that is authorised
 int get_card_type_status(u16 slot, u32*, u32*);  // 0 or 2: the card's software is up
+
+// Negative unless the port can be asked for something: its card is there and up. The last argument is 0.
+int gpon_slot_online_port_common_examine(i32 moduleId, u16 slot, u16 port, i32);
 
 // Object ids, the keys of what is stored for a slot or a port. 0 is success.
 int omSlot2ObjId(u16 slot, u32* id);

@@ -13,6 +13,9 @@ void* bep_memCpyEx(void* to, const void* from, std::size_t length);
 void* bep_memSetEx(void* memory, int value, std::size_t length);
 i32 bep_atoiEx(const char* text);  // atoi, held at the limits of i32
 
+// The 6 bytes of an address as aa-bb-cc-dd-ee-ff, which takes 18 characters.
+void cli_gpon_get_mac_str(const u8* mac, char* text);
+
 using SemaphoreId = u32;  // 0: none
 
 SemaphoreId bep_semBCreateEx(i32 options, i32 full);         // 0 on failure; `full` 1: can be taken at once

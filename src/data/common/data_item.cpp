@@ -4,7 +4,6 @@
 #include <bitset>
 
 #include "common/obj_attributes.h"
-#include "data/port_rows.h"
 #include "platform/database.h"
 #include "platform/log.h"
 #include "platform/objects.h"
@@ -20,6 +19,11 @@ static int tooShort(SnmpErrInfo* err, WireIn frame) {
   return rejectLong(err, kShortFrame, static_cast<u32>(frame.size()));
 }
 
+int rejectAs(SnmpErrInfo* err, int code, std::initializer_list<u16> details) {
+  reject(err, code, details);
+  return code;
+}
+
 int readCount(WireIn frame, u32 least, u32 most, u32* count, SnmpErrInfo* err) {
   if (frame.size() < kObjects) return tooShort(err, frame);
   *count = getNumber(frame.data() + kObjects - 4, 4);
@@ -31,19 +35,41 @@ void ChangedSlots::add(u16 slot) {
   if (count_ < std::size(slots_) && std::ranges::find(known, slot) == known.end()) slots_[count_++] = slot;
 }
 
+void ChangedSlots::addChange(u16 slot) {
+  if (count_ < std::size(slots_) && (count_ == 0 || slots_[count_ - 1] != slot)) slots_[count_++] = slot;
+}
+
 void ChangedSlots::report(u16 id, int origin) const {
   for (u32 i = 0; i < count_; ++i) trigger_obj_crc(slots_[i], 0, 0, id, origin);
 }
 
-void reportSlots(LIST* records, u16 id, int origin) {
+template <void (ChangedSlots::*Add)(u16 slot)>
+static void report(LIST* records, u16 id, int origin) {
   ChangedSlots slots;
   for (NODE* cell = lstFirst(records); cell != nullptr; cell = lstNext(cell)) {
-    slots.add(dataOf<const ObjIndex>(cell)->addr[1]);
+    (slots.*Add)(dataOf<const ObjIndex>(cell)->addr[1]);
   }
   slots.report(id, origin);
 }
 
-static int append(ObjIndex* record, LIST* records) {
+void reportSlots(LIST* records, u16 id, int origin) { report<&ChangedSlots::add>(records, id, origin); }
+void reportRuns(LIST* records, u16 id, int origin) { report<&ChangedSlots::addChange>(records, id, origin); }
+
+void untold(u16) {}
+
+bool reachesRunningCard(const ObjIndex* object) {
+  SnmpErrInfo err;
+  return inRecoverConfProcess() != 1 && checkObjErr(0, 0, object, kCardUp, &err) == 0;
+}
+
+void placeObject(u16 slot, u16 port, ObjIndex* object) {
+  *object = {};
+  object->addr[1] = slot;
+  object->addr[2] = port;
+  SlotNoPortConvertObjIndex(slot, port, 0, object);
+}
+
+int appendRecord(ObjIndex* record, LIST* records) {
   auto* cell = static_cast<ObjListCell*>(mpuAlloc_(g_MsanMemPoolId, sizeof(ObjListCell), __FILE__, __LINE__));
   if (cell == nullptr) return -1;
   cell->next = cell->previous = nullptr;
@@ -53,7 +79,8 @@ static int append(ObjIndex* record, LIST* records) {
 }
 
 int addRecord(const DataItem& item, ObjIndex* record, LIST* records) {
-  const int result = item.work == Work::array ? append(record, records) : insert_sort_list_by_index(record, records);
+  const int result =
+      item.work == Work::array ? appendRecord(record, records) : insert_sort_list_by_index(record, records);
   return result == 0 ? 0 : -1;
 }
 
@@ -256,16 +283,10 @@ int recoverSlot(const DataItem& item, u16 slot, bool (*which)(const ObjIndex* ob
 }
 
 int showrunSlot(const DataItem& item, Vty* vty, u16 slot) {
-  u16 ports = 0;
-  if (!isDataCard(slot) || ddGetBoardServePortAmountByType(static_cast<u16>(get_config_card_type(slot)), &ports) != 0) {
-    return 0;
-  }
-  for (u16 port = 1; port <= ports; ++port) {
-    ObjIndex object;
-    if (SlotNoPortConvertObjIndex(slot, port, 0, &object) != 0) continue;
+  forEachDataPort(slot, [&](const ObjIndex& object) {
     AnyRecord record(item, object);
     if (readRecord(item, record) == 0) item.showrun(vty, record);
-  }
+  });
   return 0;
 }
 

@@ -20,6 +20,7 @@
 #include "common/msan_snmp.h"
 #include "common/trace.h"
 #include "common/wire.h"
+#include "data/common/cards.h"
 #include "data/common/terminal.h"
 
 // A record in memory, and where in it the attribute's value stands.
@@ -132,9 +133,18 @@ int readRecord(const DataItem& item, void* record);
 // The check of a record's object, the card's presence aside.
 int checkObject(const DataItem& item, const void* record, SnmpErrInfo* err);
 
+// Gates and ends for rows: a card that is there and up, and a startup configuration that has been executed; slots in
+// whose records the slot changes, each change; nothing logged.
+bool reachesRunningCard(const ObjIndex* object);
+void reportRuns(LIST* records, u16 id, int origin);
+void untold(u16 slot);
+
 // --- Parts ---
 
 enum DataError : int { kCountRange = -1, kNoSlot = -3, kShortFrame = -18, kNoMemory = -19 };
+
+// As reject(), and gives the code itself.
+int rejectAs(SnmpErrInfo* err, int code, std::initializer_list<u16> details);
 
 // The count of a request, which has to lie within its limits. 0 or -1.
 int readCount(WireIn frame, u32 least, u32 most, u32* count, SnmpErrInfo* err);
@@ -146,13 +156,15 @@ int selectObjects(const DataItem& item, WireIn frame, LIST* objects, SnmpErrInfo
 // The objects of the item under a slot, or with slot 0 under the system, sorted. 0 or -1.
 int walkObjects(const DataItem& item, u16 slot, LIST* objects);
 
-// Puts a record into a list, in the item's order. 0 or -1.
+// Put a record into a list, in the item's order or behind the others. 0 or -1.
 int addRecord(const DataItem& item, ObjIndex* record, LIST* records);
+int appendRecord(ObjIndex* record, LIST* records);
 
 // Reports to the platform that the configuration of slots has changed, once for each, up to 16 of them.
 class ChangedSlots {
  public:
   void add(u16 slot);
+  void addChange(u16 slot);  // known or not, if it is another than the last one
   void report(u16 id, int origin) const;
 
  private:
@@ -167,6 +179,38 @@ template <class Record>
 Record* newRecord() {
   void* memory = mpuAlloc_(g_MsanMemPoolId, sizeof(Record), __FILE__, __LINE__);
   return memory != nullptr ? new (memory) Record : nullptr;
+}
+
+// The object of a place, whether or not there is one: the check of a record tells.
+void placeObject(u16 slot, u16 port, ObjIndex* object);
+
+// Each port of a data card, in their order.
+template <class Visit>
+void forEachDataPort(u16 slot, Visit visit) {
+  const u16 ports = dataPorts(slot);
+  for (u16 port = 1; port <= ports; ++port) {
+    ObjIndex object;
+    placeObject(slot, port, &object);
+    visit(object);
+  }
+}
+
+// A copy of a record for each entry of an interface string, in their order. 0, -1 for more than an array holds, or
+// kNoMemory.
+template <class Record>
+int placeRecords(LIST* addresses, LIST* records, const Record& record) {
+  if (static_cast<u32>(lstCount(addresses)) > kMostRecords) return -1;
+  for (NODE* cell = lstFirst(addresses); cell != nullptr; cell = lstNext(cell)) {
+    const auto& address = *dataOf<const CliAddr>(cell);
+    auto* placed = newRecord<Record>();
+    if (placed == nullptr) return kNoMemory;
+    *placed = record;
+    placeObject(address.slot, address.port, &placed->object);
+    if (appendRecord(&placed->object, records) == 0) continue;
+    mpuFree(placed);
+    return kNoMemory;
+  }
+  return 0;
 }
 
 // Where the making of an operator's records ended.

@@ -1,0 +1,138 @@
+// Data items where a scenario would be long, and what the standard MIB agent sees of them.
+
+#include "common/wire.h"
+#include "data/mac/line_mac_table.h"
+#include "data/rate/port_rate_bind.h"
+#include "host/agent.h"
+#include "host/chassis.h"
+#include "host/profile_store.h"
+#include "module_fixture.h"
+#include "msan/entries.h"
+#include "msan/standard_mib.h"
+
+namespace {
+
+class DataItems : public ModuleTest {
+ protected:
+  DataItems() { host::clearChassis(); }
+  ~DataItems() override {
+    host::clearChassis();
+    host::clearProfiles();
+  }
+
+  static void card(u16 slot, const char* type) {
+    host::authorise(slot, *host::findCardType(type));
+    msan_card_auth_init_db(slot);
+    host::setCardState(slot, host::CardState::up);
+  }
+
+  // What left the module: slot, message, objects and bytes of each message; reports.
+  class Sent : public host::Observer {
+   public:
+    Sent() { host::observe(this); }
+    ~Sent() override { host::observe(nullptr); }
+    void send(host::Link, u16 slot, u16 id, host::Bytes payload) override {
+      text += std::to_string(slot) + " " + std::to_string(id) + ":" + std::to_string(getNumber(payload.data(), 4)) +
+              "/" + std::to_string(payload.size()) + " ";
+    }
+    void crc(u16 slot, u16 id, int) override { text += "crc " + std::to_string(slot) + " " + std::to_string(id) + " "; }
+    std::string take() { return std::exchange(text, {}); }
+    std::string text;
+  };
+};
+
+// One port 1024 times, and then a walk that finds no more than an answer of the item holds.
+TEST_F(DataItems, AThousandAndTwentyFourRecordsOfOnePortAreOneMessage) {
+  card(1, "adsl64");
+  std::vector<u8> set(36 + 1024 * 54), get(36 + 1024 * 20);
+  set[34] = get[34] = 4;
+  for (u32 i = 0; i < 1024; ++i) {
+    set[36 + 54 * i + 1] = set[36 + 54 * i + 3] = 1;
+    get[36 + 20 * i + 1] = 1;  // port 0: the whole slot
+  }
+  Sent sent;
+  EXPECT_EQ(*host::agentSet(2820, true, &set).reply, (std::vector<u8>{0, 0, 0, 1}));
+  EXPECT_EQ(sent.take(), "1 2820:1024/75780 crc 1 2820 ");
+  EXPECT_EQ(host::agentGet(2820, &get).reply->size(), 40U + 1024 * 54);
+}
+
+TEST_F(DataItems, AProfileIsBoundOnEveryPortAndItsChangeReachesThemAll) {
+  std::string messages;
+  constexpr u16 kSlots[] = {1, 2, 3, 4, 5, 6, 7, 8, 11, 12, 13, 14, 15, 16, 17, 18};
+  for (const u16 slot : kSlots) {
+    card(slot, "adsl64");
+    messages += std::to_string(slot) + " 2820:64/4740 ";
+  }
+  EXPECT_EQ(std_snmp_rate_prf_add(1, "a"), 0);
+  EXPECT_EQ(typed(CONFIG_NODE, "attach rate-limit profile id 1 interface 1-8,11-18/1-64"),
+            "attach profile ok!\r\n = 0");
+  Sent sent;
+  EXPECT_EQ(std_snmp_rate_prf_rate_set(1, 0, 1000), 0);
+  EXPECT_EQ(sent.take(), messages + "crc 9 34609 ");
+  EXPECT_EQ(std_snmp_rate_prf_delete_by_id(1), -1);
+}
+
+TEST_F(DataItems, ProfilesAsTheStandardAgentSeesThem) {
+  card(1, "adsl16");
+  card(3, "eth8");
+  EXPECT_EQ(std_snmp_rate_prf_id_assign(), 1);
+  EXPECT_EQ(std_snmp_rate_prf_add(256, "last"), 0);
+  EXPECT_EQ(std_snmp_rate_prf_add(1, "last"), -1);
+  EXPECT_EQ(std_snmp_rate_prf_add(0, "none"), -1);
+  EXPECT_EQ(std_snmp_rate_prf_add(1, "a12345678901234567890"), -52);
+  EXPECT_EQ(std_snmp_rate_prf_add(1, "one"), 0);
+  EXPECT_EQ(std_snmp_rate_prf_name_mod(1, "last"), -1);
+  EXPECT_EQ(std_snmp_rate_prf_name_mod(1, "uno"), 0);
+  EXPECT_STREQ(std_snmp_get_rate_prf_name_by_id(1), "uno");
+  EXPECT_EQ(std_snmp_get_rate_prf_name_by_id(2), nullptr);
+  EXPECT_EQ(std_snmp_get_next_rate_prf(0), 1);
+  EXPECT_EQ(std_snmp_get_next_rate_prf(1), 256);
+  EXPECT_EQ(std_snmp_get_next_rate_prf(256), -1);
+  // A rate of 0 is refused, which nobody is told.
+  EXPECT_EQ(std_snmp_rate_prf_rate_set(1, 1, 2000), 0);
+  EXPECT_EQ(std_snmp_rate_prf_rate_set(1, 1, 0), 0);
+  EXPECT_EQ(std_snmp_rate_prf_rate_get(1, 1), 2000);
+  EXPECT_EQ(std_snmp_rate_prf_rate_get(1, 0), 0);
+  EXPECT_EQ(std_snmp_rate_prf_attach_by_name(1, 16, "uno"), 0);
+  EXPECT_EQ(std_snmp_rate_prf_attach_by_id(1, 17, 1), -1);
+  u32 rate = 0;
+  EXPECT_EQ(get_port_rate_limit_info(1, 16, 1, &rate), 0);
+  EXPECT_EQ(rate, 2000U);
+  EXPECT_EQ(get_port_rate_limit_info(1, 16, 0, &rate), 0);
+  EXPECT_EQ(rate, 64U);
+  EXPECT_EQ(get_port_rate_limit_info(1, 16, 2, &rate), -9);
+  u16 slot = 0, port = 0, id = 0;
+  EXPECT_EQ(std_snmp_get_attach_bw_next_prfid(0, 0, &slot, &port, &id), 0);
+  EXPECT_EQ(slot * 100 + port * 10 + id, 100 + 160 + 1);
+  EXPECT_EQ(std_snmp_get_attach_bw_next_prfid(1, 16, &slot, &port, &id), 0);
+  EXPECT_EQ(slot * 100 + port * 10 + id, 300 + 10 + 0);
+  EXPECT_EQ(std_snmp_get_attach_bw_next_prfid(3, 8, &slot, &port, &id), -2);
+}
+
+// Two PVCs with an address each, and a third whose second address is cut off.
+TEST_F(DataItems, AddressesOfALineAsTheStandardAgentSeesThem) {
+  card(1, "adsl16");
+  std::vector<u8> answer(24), wanted;
+  answer.insert(answer.end(), {0, 3});
+  for (u8 pvc = 0; pvc < 3; ++pvc) {
+    answer.insert(answer.end(), {0, pvc, 0, 9, 0, u8(pvc == 2 ? 2 : 1), 1, 2, 3, 4, 5, pvc, 0, 100});
+    answer.resize(answer.size() + 8);
+    wanted.insert(wanted.end(), {1, 2, 3, 4, 5, pvc, 0, 100});
+  }
+  answer.resize(answer.size() + 15);
+  host::queueAnswer(host::Link::gpon, 1, kLineMacMessage, answer);
+  std::vector<u8> found(100);
+  u32 length = 100;
+  EXPECT_EQ(stdmib_get_port_fdb(1, 1, found.data(), &length), 0);
+  found.resize(length);
+  EXPECT_EQ(found, wanted);
+  EXPECT_LT(stdmib_get_port_fdb(1, 17, found.data(), &length), 0);
+  u16 slot = 0, port = 0;
+  EXPECT_EQ(stdmib_get_first_obj(&slot, &port), 0);
+  EXPECT_EQ(slot * 100 + port, 101);
+  EXPECT_EQ(stdmib_get_next_obj(1, 16, &slot, &port), -2);
+  EXPECT_EQ(stdmib_get_next_obj(1, 17, &slot, &port), -3);
+  EXPECT_EQ(stdmib_get_next_obj(2, 1, &slot, &port), -102);
+}
+
+}  // namespace
