@@ -136,6 +136,8 @@ void vty_direct_out(Vty* vty, const char* text) {
 
 void vty_confirm(Vty* vty, int (*yes)(Vty*)) { vty->yes = yes; }
 
+void vty_set_node(Vty* vty, int node) { vty->node = node; }
+
 int cli_run_one_defun_func(const char* text, u32 length) {
   std::string_view line(text, length);
   while (!line.empty() && (line.back() == '\n' || line.back() == '\r' || line.back() == ' ')) line.remove_suffix(1);
@@ -199,6 +201,7 @@ LineOutcome runLine(Vty& vty, int node, std::string_view line) {
     arguments = reading.arguments(*at, *chosen);
   }
   const Running running(vty);
+  vty.node = node;
   return {LineResult::ran, element->handler(element, &vty, static_cast<int>(arguments.size()), arguments.data())};
 }
 

@@ -16,6 +16,7 @@
 #include "platform/log.h"
 #include "platform/objects.h"
 #include "ppda/volt_current.h"
+#include "voice/alarm/alarm_attach.h"
 #include "voice/common/voice_msc.h"
 #include "voice/port/voice_port_record.h"
 #include "voice/port/voice_self_port.h"
@@ -35,6 +36,7 @@ static int getPlain(u32 objectId, void* data, u32 offset, u32 length) {
 
 static constexpr Attribute attributes[] = {
     {kVoicePortAttribute, set_voiceportcfg_dbapi, get_voiceportcfg_dbapi},
+    {kAlarmAttribute, set_alarm_prf_banding_db_api, get_alarm_prf_banding_db_api},
     {kVlanAttribute, set_port_vlan_cfg_db_api, get_port_vlan_cfg_db_api},
     {kRateAttribute, set_port_rate_limit_prf_attach_dbapi, get_port_rate_limit_prf_attach_dbapi},
     {kMacAttribute, set_mac_limit_cfg_dbapi, get_mac_limit_cfg_dbapi},
@@ -57,6 +59,7 @@ static constexpr int (*portDeletes[])(u32 objectId) = {
     del_port_rate_limit_prf_attach_dbapi,
     delete_eth_schedule_cfg_dbapi,
     del_data_port_enable_dbapi,
+    del_alarm_prf_banding_db_api,
     del_post_voltcurrent_db_api,
     clr_adsl_prf_att_dbapi,
     clr_pvc_prf_att_dbapi,

@@ -8,6 +8,7 @@
 
 enum AttributeNumber : u32 {
   kVoicePortAttribute = 267,
+  kAlarmAttribute = 269,
   kVlanAttribute = 272,
   kRateAttribute = 275,
   kMacAttribute = 278,

@@ -7,6 +7,7 @@
 #include "common/debug_control.h"
 #include "common/msan_init.h"
 #include "platform/log.h"
+#include "voice/alarm/alarm_area.h"
 #include "voice/globals/cidMode.h"
 #include "voice/globals/mgc.h"
 #include "voice/globals/phoneNumber.h"
@@ -175,6 +176,7 @@ static int reg_snmp_cmd_data() {
   registerItems(ngnConfiguration);
   registerNodeViews();
   registerPortViews();
+  registerAlarmAttachment();
   return registerCallSimulation();
 }
 static int ninstall_mgc_register_cmdline() { return installItems(mgcRegisterItems); }
@@ -182,28 +184,26 @@ static int install_sim_cmd_line() {
   installItems(ngnConfiguration);
   installNodeViews();
   installPortViews();
+  installAlarmAttachment();
   installCallSimulation();
   return installPotsGeneralCommands();
 }
-static int install_msan_ngncfg_showrun(Vty* vty) { return showrunItems(ngnConfiguration, vty); }
+static int install_msan_ngncfg_showrun(Vty* vty) {
+  showrunItems(ngnConfiguration, vty);
+  return showrun_adsl_alarm_attach(vty);
+}
 
-static constexpr SlotStep ngnDataDistribute[] = {distrib_pots_general_para};
+static constexpr SlotStep ngnDataDistribute[] = {distrib_pots_general_para, hotplug_alarm_prf_attach};
 static int ngn_data_distribute(u16 slot) { return callAll(ngnDataDistribute, slot); }
 
 static constexpr Step init[] = {
-    msanNGNDataInit,     ngn_voice_cfg_init, ninit_faxparameter,      ninit_rtp_profile,      ninit_sip,
-    init_sipcallprofile, msan_ngn_cfg_init,  ninit_ngn_protocol_type, ninit_voice_self_switch};
-static constexpr Step snmpRegister[] = {msanNGNSnmpMsgRegister,
-                                        reg_ngn_voice_snmp_cmd_handle,
-                                        voiceportcfg_regsnmpcmdhandle,
-                                        faxparacfg_regsnmpcmd_handle,
-                                        sipcfg_regsnmpcmdhandle,
-                                        rtp_prf_cfg_regsnmpcmd_handle,
-                                        mgc_reg_cfg_regsnmpcmd_handle,
-                                        usereg_regsnmpcmd_handle,
-                                        test112_regsnmp_cmdhandle,
-                                        msan_reg_vportenable_snmp,
-                                        reg_snmp_cmd_data};
+    msanNGNDataInit,     ngn_voice_cfg_init, ninit_faxparameter, ninit_rtp_profile,       ninit_sip,
+    init_sipcallprofile, init_alarm_prf,     msan_ngn_cfg_init,  ninit_ngn_protocol_type, ninit_voice_self_switch};
+static constexpr Step snmpRegister[] = {
+    msanNGNSnmpMsgRegister,        reg_ngn_voice_snmp_cmd_handle, voiceportcfg_regsnmpcmdhandle,
+    faxparacfg_regsnmpcmd_handle,  sipcfg_regsnmpcmdhandle,       rtp_prf_cfg_regsnmpcmd_handle,
+    mgc_reg_cfg_regsnmpcmd_handle, usereg_regsnmpcmd_handle,      test112_regsnmp_cmdhandle,
+    reg_ngn_alarm_prf_cmd_handle,  msan_reg_vportenable_snmp,     reg_snmp_cmd_data};
 static constexpr Step install[] = {msan_cmd_init,
                                    install_ngn_voice_cmd_line,
                                    ninstall_voiceportcfg_cmdline,
@@ -213,11 +213,12 @@ static constexpr Step install[] = {msan_cmd_init,
                                    ninstall_mgc_register_cmdline,
                                    ninstall_ngnuser_register_cmdline,
                                    install_msan_112test_defun,
+                                   init_alram_prf_cmd,
                                    install_sim_cmd_line,
                                    msan_init_vportenable_cmd};
-static constexpr PrintStep showrun[] = {nshowrun_ngn_protocol_type, msan_ngn_showrun,           show_run_ngn_voice,
-                                        nshowrun_faxparameter,      showrun_msan_sip_cfg,       nshowrun_rtp_profile,
-                                        showrun_voiceport,          install_msan_ngncfg_showrun};
+static constexpr PrintStep showrun[] = {nshowrun_ngn_protocol_type, msan_ngn_showrun,      show_run_ngn_voice,
+                                        alarm_prf_showrun,          nshowrun_faxparameter, showrun_msan_sip_cfg,
+                                        nshowrun_rtp_profile,       showrun_voiceport,     install_msan_ngncfg_showrun};
 
 int msanVoice_Init() {
   callAll(init);

@@ -12,6 +12,7 @@ struct Vty {
   std::string text;
   std::string question;
   int (*yes)(Vty* vty) = nullptr;
+  int node = 0;  // where the last line ran, or moved the terminal to
 };
 
 namespace host {

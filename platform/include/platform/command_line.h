@@ -49,6 +49,9 @@ void vty_direct_out(Vty* vty, const char* text);
 // answer brings the node back.
 void vty_confirm(Vty* vty, int (*yes)(Vty* vty));
 
+// Moves the terminal to a node.
+void vty_set_node(Vty* vty, int node);
+
 // Runs one line at the node of configuration as if it were typed; what it prints goes to the terminal of the command
 // that runs. What its handler gave, -1 for a line that is no command.
 int cli_run_one_defun_func(const char* text, u32 length);

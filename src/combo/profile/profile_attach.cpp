@@ -81,6 +81,7 @@ static bool encodePort(const ProfileKind& kind, const AdslPortPrfNode& node, Wri
 }
 
 int sendToCards(const ProfileKind& kind, LIST* list, u32 count) {
+  if (kind.table != nullptr) return kind.table->send(list, count);
   return sendBySlot<AdslPortPrfNode>(
       list, count, kPortsFrame + (kPortHead + kind.shape.mostBody()) * count,
       [&](const AdslPortPrfNode& node, Writer& to) { return encodePort(kind, node, to); },

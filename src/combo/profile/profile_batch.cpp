@@ -144,6 +144,7 @@ static int checkDelete(const ProfileKind& kind, SnmpErrInfo* err, u16 id) {
 }
 
 int deleteBatch(const ProfileKind& kind, SnmpErrInfo* err, const u16* ids, u16 count) {
+  if (kind.table != nullptr) return kind.table->remove(err, ids, count);
   if (count == kNoCount) return 0;
   if (err == nullptr || ids == nullptr) return -1;
   for (u32 i = 0; i < count; ++i) {

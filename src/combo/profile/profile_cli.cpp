@@ -37,17 +37,18 @@ static int badName(Vty* vty, const char* name) {
   return complain(vty, "Profile's name longer than 20 characters");
 }
 
-static int unknownName(Vty* vty, const char* name) {
-  vty_out(vty, "There is no profile with name %s,and errcode is %d%s", name, 0, "\r\n");
+static int unknownName(Vty* vty, const char* name, u16 code) {
+  vty_out(vty, "There is no profile with name %s,and errcode is %d%s", name, static_cast<i16>(code), "\r\n");
   return -1;
 }
 
 static bool isWord(const char* word, const char* argument) { return bep_StrCmp(word, argument) == 0; }
 
-// The id of a profile that is named by its name.
-static int findByName(const ProfileKind& kind, Vty* vty, const char* name, u16* id) {
+int findByName(const ProfileKind& kind, Vty* vty, const char* name, u16* id) {
   if (badName(vty, name) != 0) return -1;
-  return idByName(kind, name, id) == 0 ? 0 : unknownName(vty, name);
+  SnmpErrInfo err;
+  const int found = kind.table != nullptr ? kind.table->idByName(&err, id, name) : idByName(kind, name, id);
+  return found == 0 ? 0 : unknownName(vty, name, err.errCode);
 }
 
 // Any profile, by id or name. Whether there is one of the id is not looked at.
@@ -188,7 +189,7 @@ int cliEditProfile(const ProfileKind& kind, const ProfileLine& line, Vty* vty, i
 
 // --- Attach ---
 
-static int badInterface(const ProfileKind& kind, Vty* vty) {
+int complainInterface(const ProfileKind& kind, Vty* vty) {
   vty_out(vty, "%s%s%s", kind.texts.badInterface, "\r\n", "\r\n");
   return -1;
 }
@@ -211,7 +212,7 @@ int cliAttachProfile(const ProfileKind& kind, Vty* vty, int argc, char** argv) {
   SnmpErrInfo err;
   if (findAny(kind, vty, argv, &id) != 0) return -1;
   ObjList addresses, nodes;
-  if (CliInputConvertObjIndex(argv[2], addresses) != 0) return badInterface(kind, vty);
+  if (CliInputConvertObjIndex(argv[2], addresses) != 0) return complainInterface(kind, vty);
   if (makeNodes(vty, addresses, id, nodes) != 0) return -1;
   if (attachPorts(kind, &err, nodes, static_cast<u16>(lstCount(nodes))) != 0) {
     return complain(vty, kind.texts.attachFailed, err.errCode);
@@ -223,7 +224,7 @@ int cliAttachProfile(const ProfileKind& kind, Vty* vty, int argc, char** argv) {
 int cliShowAttached(const ProfileKind& kind, Vty* vty, int argc, char** argv) {
   if (argc != 1) return -1;
   ObjList addresses;
-  if (CliInputConvertObjIndex(argv[0], addresses) != 0) return badInterface(kind, vty);
+  if (CliInputConvertObjIndex(argv[0], addresses) != 0) return complainInterface(kind, vty);
   vty_out(vty, "%-10s%-10s%-10s%s", "slotNO", kind.texts.portColumn, "profile id", "\r\n");
   for (NODE* cell = lstFirst(addresses); cell != nullptr; cell = lstNext(cell)) {
     ObjIndex port;

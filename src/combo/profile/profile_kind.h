@@ -84,6 +84,15 @@ struct ProfileTexts {
   const char* printTitle = nullptr;  // ahead of the kind's profiles in the running configuration
 };
 
+// What a kind brings along that keeps its profiles in a table of the database.
+struct OwnTable {
+  bool (*exists)(u16 id);
+  int (*read)(SnmpErrInfo* err, ProfileHead* record, u16 id);
+  int (*idByName)(SnmpErrInfo* err, u16* id, const char* name);
+  int (*remove)(SnmpErrInfo* err, const u16* ids, u16 count);
+  int (*send)(LIST* nodes, u32 count);  // to the cards
+};
+
 struct ProfileKind {
   u16 writeId;  // also the kind's number
   u16 attachId;
@@ -109,6 +118,10 @@ struct ProfileKind {
   void (*show)(Vty* vty, const void* item) = nullptr;        // null: the fields in order
   void (*printLines)(Vty* vty, const void* item) = nullptr;  // null: `lines`
   u16 (*cardMessage)(u16 slot) = nullptr;                    // null: the attachment's id
+
+  const OwnTable* table = nullptr;  // null: the profile store
+  bool reportsFailure = true;       // a manager's batch that failed is reported as well
+  bool checksIdLast = false;        // behind the values of its record, not while the request is read
 
   u16 deleteId() const { return static_cast<u16>(writeId + 1); }
   u32 recordSize() const { return static_cast<u32>(sizeof(ProfileHead)) + shape.itemSize; }
@@ -220,6 +233,11 @@ struct ProfileMessage {
 int registerProfileMessages(std::span<const ProfileMessage> messages);
 // What a read of all attachments takes.
 u32 attachmentReply(const ProfileKind& kind);
+// The ports of a read's request: all of the types, those of a slot, or those named. -1 with a code.
+int askedPorts(std::span<const u16> types, const SnmpCall& call, SnmpErrInfo* err, LIST* ports);
+// A reply's head, and its end. 0.
+Writer beginReply(const SnmpCall& call);
+int endReply(const SnmpCall& call, const Writer& to);
 
 // The parts of an attachment read.
 int encodePorts(const ProfileKind& kind, LIST* list, Writer& to);
@@ -264,6 +282,11 @@ int editCommand(const CommandElement*, Vty* vty, int argc, char** argv) {
               what " profiles of ports"),                                                                              \
       command(CONFIG_NODE, "set " word " profile [id|name] <idOrName>", profileCommand<kind, cliSelectProfile>,        \
               "select a " what " profile")
+
+// The id of a profile that is named by its name. -1 with a line on the terminal.
+int findByName(const ProfileKind& kind, Vty* vty, const char* name, u16* id);
+// The complaint about an interface string. -1.
+int complainInterface(const ProfileKind& kind, Vty* vty);
 
 #define PROFILE_HANDLER(name, road, kind) \
   static int name(const CommandElement*, Vty* vty, int argc, char** argv) { return road(kind, vty, argc, argv); }

@@ -41,14 +41,14 @@ static WireIn areaOf(const SnmpCall& call) {
   return {call.data + kArea, static_cast<u32>(call.length) - kArea};
 }
 
-static Writer beginReply(const SnmpCall& call) {
+Writer beginReply(const SnmpCall& call) {
   Writer to(WireOut(call.reply, kMaxPacket));
   to.number(4, 1);
   to.zeros(kReplyArea - 4);
   return to;
 }
 
-static int endReply(const SnmpCall& call, const Writer& to) {
+int endReply(const SnmpCall& call, const Writer& to) {
   *call.replyLen = to.length();
   return 0;
 }
@@ -92,7 +92,7 @@ int snmpWriteProfiles(const ProfileKind& kind, const SnmpCall& call) {
   if (decodeAll(kind, call, &err, from, records.get(), count) != 0) return answerError(call, err);
   const ProfileLock lock(kind);
   const int result = kind.write(kind, &err, reinterpret_cast<ProfileHead*>(records.get()), static_cast<u16>(count));
-  trigger_obj_crc(kNode, 0, 0, kind.writeId, 1);
+  if (result == 0 || kind.reportsFailure) trigger_obj_crc(kNode, 0, 0, kind.writeId, 1);
   return result == 0 ? answerSuccess(call) : answerError(call, err);
 }
 
@@ -114,7 +114,7 @@ int snmpDeleteProfiles(const ProfileKind& kind, const SnmpCall& call) {
   }
   const ProfileLock lock(kind);
   const int result = deleteBatch(kind, &err, ids, static_cast<u16>(count));
-  trigger_obj_crc(kNode, 0, 0, kind.writeId, 1);
+  if (result == 0 || kind.reportsFailure) trigger_obj_crc(kNode, 0, 0, kind.writeId, 1);
   return result == 0 ? answerSuccess(call) : answerError(call, err);
 }
 
@@ -217,7 +217,7 @@ static int moveCells(LIST* from, LIST* to, u32& total) {
 }
 
 // The ports that an item names.
-static int widen(const ProfileKind& kind, SnmpErrInfo* err, WireIn item, LIST* ports, u32& total) {
+static int widen(std::span<const u16> types, SnmpErrInfo* err, WireIn item, LIST* ports, u32& total) {
   Reader from(item);
   const u32 slot = from.number(2);
   if (!from.failed() && isSlotAuthed(static_cast<u16>(slot)) != 1)
@@ -229,7 +229,7 @@ static int widen(const ProfileKind& kind, SnmpErrInfo* err, WireIn item, LIST* p
   }
   ObjList some;
   if (port == kNoPort) {
-    if (walkPorts(kind.portTypes, static_cast<u16>(slot), some) != 0) return -1;
+    if (walkPorts(types, static_cast<u16>(slot), some) != 0) return -1;
     return moveCells(some, ports, total);
   }
   ObjIndex object;
@@ -246,21 +246,25 @@ static int widen(const ProfileKind& kind, SnmpErrInfo* err, WireIn item, LIST* p
   return moveCells(some, ports, total);
 }
 
-int snmpReadPorts(const ProfileKind& kind, const SnmpCall& call) {
-  *call.lastFlagOut = 1;
+int askedPorts(std::span<const u16> types, const SnmpCall& call, SnmpErrInfo* err, LIST* ports) {
   Reader from(areaOf(call));
   const u32 count = from.number(4);
-  if (from.failed()) return answerCode(call, kRequestTooShort);
-  if (!is_item_legal(count)) return answerPortCount(call, count);
-  ObjList ports;
-  SnmpErrInfo err;
+  if (from.failed()) return reject(err, kRequestTooShort);
+  if (!is_item_legal(count)) return rejectLong(err, kTooManyItems, count);
   u32 total = 0;
-  if (count == 0 && walkPorts(kind.portTypes, 0, ports) != 0) return answerError(call, err);
+  if (count == 0 && walkPorts(types, 0, ports) != 0) return -1;
   for (u32 i = 0; i < count; ++i) {
-    if (widen(kind, &err, from.rest(), ports, total) != 0) return answerError(call, err);
+    if (widen(types, err, from.rest(), ports, total) != 0) return -1;
     from.skip(kReadItem);
   }
-  if (!is_item_legal(total)) return answerPortCount(call, total);
+  return is_item_legal(total) ? 0 : rejectLong(err, kTooManyItems, total);
+}
+
+int snmpReadPorts(const ProfileKind& kind, const SnmpCall& call) {
+  *call.lastFlagOut = 1;
+  ObjList ports;
+  SnmpErrInfo err;
+  if (askedPorts(kind.portTypes, call, &err, ports) != 0) return answerError(call, err);
   const ProfileLock lock(kind);
   Writer to = beginReply(call);
   if (encodePorts(kind, ports, to) != 0) return answerError(call, err);

@@ -35,7 +35,9 @@ int checkIdLegalExp0(const ProfileKind& kind, SnmpErrInfo* err, u32 id) {
   return -1;
 }
 
-bool profileExists(const ProfileKind& kind, u16 id) { return prfIsIdUsed(kind.type, storeId(id)) == 1; }
+bool profileExists(const ProfileKind& kind, u16 id) {
+  return kind.table != nullptr ? kind.table->exists(id) : prfIsIdUsed(kind.type, storeId(id)) == 1;
+}
 
 int readProfileName(const ProfileKind& kind, char* name, u16 id) {
   std::memset(name, 0, sizeof ProfileHead::name);
@@ -44,6 +46,10 @@ int readProfileName(const ProfileKind& kind, char* name, u16 id) {
 }
 
 int readProfile(const ProfileKind& kind, ProfileHead* record, u16 id) {
+  if (kind.table != nullptr) {
+    SnmpErrInfo err;
+    return kind.table->read(&err, record, id);
+  }
   std::memset(static_cast<void*>(record), 0, sizeof *record);
   if (readProfileName(kind, record->name, id) != 0) return -1;
   record->requestId = record->prfId = id;
@@ -52,7 +58,8 @@ int readProfile(const ProfileKind& kind, ProfileHead* record, u16 id) {
 }
 
 int getProfile(const ProfileKind& kind, SnmpErrInfo* err, ProfileHead* record, u16 id) {
-  return checkIdLegal(kind, err, id) == 0 ? readProfile(kind, record, id) : -1;
+  if (checkIdLegal(kind, err, id) != 0) return -1;
+  return kind.table != nullptr ? kind.table->read(err, record, id) : readProfile(kind, record, id);
 }
 
 int idByName(const ProfileKind& kind, const char* name, u16* id) {
@@ -105,7 +112,8 @@ int decodeProfile(const ProfileKind& kind, SnmpErrInfo* err, ProfileHead* record
   std::memset(static_cast<void*>(record), 0, sizeof *record);
   Reader from(wire);
   record->requestId = static_cast<u16>(from.number(2));
-  if (record->requestId != kAllocateId && checkIdLegal(kind, err, record->requestId) != 0) return -1;
+  const bool idChecked = !kind.checksIdLast && record->requestId != kAllocateId;
+  if (idChecked && checkIdLegal(kind, err, record->requestId) != 0) return -1;
   from.bytes(record->name, kProfileNameBytes);
   from.skip(kind.shape.headGap);
   if (decodeBody(kind.shape, from, itemOf(record), err) != 0) {
