@@ -8,7 +8,6 @@ slots=(1 2 3 4 5 6 7 8 11 12 13)
   for slot in "${slots[@]}"; do echo "$slot = { card = \"pots64\" }"; done
 } | configuration
 start
-quiet=()
 milliseconds() { echo $((${EPOCHREALTIME/./} / 1000)); }
 
 expectMatch "a card's channels" "*slot: 3*get dsp channels status successfully*" "$(ctl -c 'show dsp channels status' | tr -d '\r\n')"
@@ -16,22 +15,25 @@ ctl -c 'chassis slot 3 present' >/dev/null
 expectMatch "those of a card that does not run" "*slot: 2*slot: 4*" "$(ctl -c 'show dsp channels status' | tr -d '\r\n' | sed 's/slot: 3/FOUND/')"
 ctl -c 'chassis slot 3 up' >/dev/null
 
-# While a card takes three seconds over its answer, others are served within 50 ms of what they take else.
+# While a card takes four seconds over its answer, others are served within 50 ms of what they take else.
 operator() { ctl -c 'show cid mode' >/dev/null; }
 other() { manager snmpset "$tcp" $table.1.4.3087 x 00 >/dev/null; }
-for kind in operator other; do
-  began=$(milliseconds)
-  $kind
-  quiet[${#quiet[@]}]=$(($(milliseconds) - began))
-done
-ctl -c 'chassis slot 3 delay 3000' >/dev/null
+# times COMMAND...: the shortest of three times
+times() {
+  local began
+  for _ in 1 2 3; do
+    began=$(milliseconds)
+    "$@"
+    echo $(($(milliseconds) - began))
+  done | sort -n | head -n 1
+}
+quiet=("$(times operator)" "$(times other)")
+ctl -c 'chassis slot 3 delay 4000' >/dev/null
 "$bin/msan-frame" --agent "$udp" --timeout 20 get 2844 >"$folder/channels" &
 asking=$!
 sleep 0.3
 for kind in operator other; do
-  began=$(milliseconds)
-  $kind
-  took=$(($(milliseconds) - began))
+  took=$(times $kind)
   expect "$kind while a card is waited for: ${quiet[0]} ms else, now $took" yes "$( ((took < quiet[0] + 50)) && echo yes)"
   quiet=("${quiet[@]:1}")
 done
