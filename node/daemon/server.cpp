@@ -214,18 +214,18 @@ void Server::disconnectDeafest() {
   }
 }
 
+// One that waits for an answer goes only if all do.
 void Server::makeRoom() {
   const auto present = [](const auto& entry) { return !entry.second->gone; };
   if (static_cast<std::size_t>(std::ranges::count_if(sessions_, present)) < limits_.terminals) return;
+  const auto rank = [](const Session& one) { return std::pair(one.posted, std::max(one.heard, one.progress)); };
   SessionPtr silent;
-  const auto last = [](const Session& session) { return std::max(session.heard, session.progress); };
   {
     const std::lock_guard lock(mutex_);
     for (const auto& [descriptor, session] : sessions_)
-      if (!session->gone && !session->posted && (!silent || last(*session) < last(*silent))) silent = session;
-    if (silent) refuse(*silent, "there are too many terminals, and this one was silent for longest");
+      if (!session->gone && (!silent || rank(*session) < rank(*silent))) silent = session;
+    refuse(*silent, "there are too many terminals, and this one was silent for longest");
   }
-  if (!silent) return;
   send(*silent);
   disconnect(silent);
 }
