@@ -124,22 +124,29 @@ class Batch {
     } else if (result->good())
       underWay_.pop_front();
     else
-      failFront(reasonOf(*result));
+      failFront(*result);
     while (!underWay_.empty() && underWay_.front().tooLong) failFront("line too long");
   }
 
-  void failFront(const std::string& why) {
-    fail(underWay_.front(), why);
+  void failFront(const wire::Result& result) {
+    if (!notUnderstood(result)) return failFront(reasonOf(result));
+    const std::string expected = result.expected.empty() ? "" : ", " + forDisplay(result.expected, true) + " expected";
+    failFront(reasonOf(result) + expected, result.at + 1);
+  }
+  void failFront(const std::string& why, u32 column = 0) {
+    fail(underWay_.front(), why, column);
     underWay_.pop_front();
   }
 
-  void fail(const Line& line, const std::string& why) {
+  // `column`: of the line, from 1; 0: the line as a whole.
+  void fail(const Line& line, const std::string& why, u32 column = 0) {
     flush();
     progress_.clear();
     constexpr std::size_t kShown = 200;
     const std::string text = forDisplay(std::string_view(line.text).substr(0, kShown), true);
-    std::fprintf(stderr, "%s:%llu: %s: %s\n", name_.c_str(), static_cast<unsigned long long>(line.number), why.c_str(),
-                 text.c_str());
+    const std::string place = column == 0 ? "" : ":" + std::to_string(column);
+    std::fprintf(stderr, "%s:%llu%s: %s: %s\n", name_.c_str(), static_cast<unsigned long long>(line.number),
+                 place.c_str(), why.c_str(), text.c_str());
     ++outcome_.failed;
   }
 

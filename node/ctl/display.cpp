@@ -19,7 +19,20 @@ std::string forDisplay(std::string_view text, bool terminal) {
   return shown;
 }
 
-std::string reasonOf(wire::Result result) {
+bool notUnderstood(const wire::Result& result) { return result.outcome >= 1 && result.outcome <= 3; }
+
+// Columns that a text takes: characters, as UTF-8 spells them.
+static std::size_t columns(std::string_view text) {
+  return static_cast<std::size_t>(
+      std::ranges::count_if(text, [](char letter) { return (static_cast<unsigned char>(letter) & 0xc0) != 0x80; }));
+}
+
+std::string pointer(std::string_view prompt, std::string_view line, const wire::Result& result, std::size_t width) {
+  const std::size_t column = columns(prompt) + columns(line.substr(0, result.at));
+  return std::string(width == 0 ? column : column % width, ' ') + "^ " + forDisplay(result.expected, true);
+}
+
+std::string reasonOf(const wire::Result& result) {
   switch (result.outcome) {
     case 0:
       return "failed (" + std::to_string(result.returned) + ")";

@@ -14,7 +14,13 @@ namespace ctl {
 std::string forDisplay(std::string_view text, bool terminal);
 
 // Why a line failed, in a few words.
-std::string reasonOf(wire::Result result);
+std::string reasonOf(const wire::Result& result);
+// True if it failed because it was not understood; then the result has the place.
+bool notUnderstood(const wire::Result& result);
+
+// A line that points at a byte of the line ahead of it, which stands behind a prompt in a terminal of this width, and
+// says what was expected there.
+std::string pointer(std::string_view prompt, std::string_view line, const wire::Result& result, std::size_t width);
 
 // A row of the node's suggestions.
 struct Suggestion {

@@ -2,6 +2,7 @@
 
 #include <histedit.h>
 #include <poll.h>
+#include <sys/ioctl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -273,6 +274,11 @@ bool waitForNode(const Connection& connection) {
   }
 }
 
+std::size_t terminalWidth() {
+  winsize size{};
+  return ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 ? size.ws_col : 0;
+}
+
 // Runs a line and shows what comes of it. False at the end of the session.
 bool runLine(Connection& connection, const std::string& line) {
   if (line.size() >= wire::kMaxRequest) {
@@ -300,6 +306,7 @@ bool runLine(Connection& connection, const std::string& line) {
     if (last != '\0' && last != '\n') std::fputc('\n', stdout);
     const auto result = wire::readResult(frame->payload);
     if (!result) throw ConnectionError("what answers is no msand");
+    if (notUnderstood(*result)) std::puts(pointer(connection.prompt(), line, *result, terminalWidth()).c_str());
     if (!result->good() && (last == '\0' || result->outcome != 0)) std::printf("%% %s\n", reasonOf(*result).c_str());
     return true;
   }

@@ -17,7 +17,10 @@ std::string Operator::prompt(const Terminal& terminal) const {
   return terminal.level == Level::debug ? "msan(debug)# " : "msan# ";
 }
 
-static wire::Result resultOf(host::LineOutcome outcome) { return {static_cast<u8>(outcome.result), outcome.returned}; }
+static wire::Result resultOf(host::LineOutcome outcome) {
+  return {.outcome = static_cast<u8>(outcome.result), .returned = outcome.returned};
+}
+static wire::Result ran(int returned) { return resultOf({host::LineResult::ran, returned}); }
 
 wire::Result Operator::runModuleLine(Terminal& terminal, std::string_view line, std::string& text) {
   Vty vty;
@@ -31,7 +34,7 @@ wire::Result Operator::runModuleLine(Terminal& terminal, std::string_view line, 
   terminal.question = vty.question;
   terminal.yes = vty.yes;
   if (terminal.answers != Answers::asked) return answer(terminal, terminal.answers == Answers::yes, text);
-  return {wire::kAsks, 0};
+  return {.outcome = wire::kAsks};
 }
 
 wire::Result Operator::answer(Terminal& terminal, bool yes, std::string& text) {
@@ -44,7 +47,7 @@ wire::Result Operator::answer(Terminal& terminal, bool yes, std::string& text) {
     returned = host::answerQuestion(vty, yes);
   }
   text += vty.text;
-  return {static_cast<u8>(host::LineResult::ran), returned};
+  return ran(returned);
 }
 
 // Anything else than an answer takes the question back.
@@ -57,7 +60,7 @@ wire::Result Operator::answerLine(Terminal& terminal, std::string_view line, std
   terminal.yes = nullptr;
   terminal.question.clear();
   text += "neither y nor n: nothing is done\r\n";
-  return {static_cast<u8>(host::LineResult::ran), -1};
+  return ran(-1);
 }
 
 wire::Result Operator::runPlatformLine(Terminal& terminal, std::string_view line, std::string& text) {
@@ -67,12 +70,36 @@ wire::Result Operator::runPlatformLine(Terminal& terminal, std::string_view line
   return result;
 }
 
+// Where a line is not understood. The platform's words are expected beside the module's ahead of the first word, and
+// behind a first one that begins lines of both.
+static host::Misunderstanding misunderstanding(Level level, std::string_view line, bool ours) {
+  if (ours) return host::misunderstanding(platformNode(level), line);
+  host::Misunderstanding told = host::misunderstanding(moduleNode(level), line);
+  std::string ahead(line.substr(0, told.at));
+  ahead.erase(0, ahead.find_first_not_of(" \t"));
+  while (ahead.ends_with(' ') || ahead.ends_with('\t')) ahead.pop_back();
+  if (ahead.find_first_of(" \t") != ahead.npos) return told;
+  if (!ahead.empty()) ahead += ' ';
+  const host::Misunderstanding more = host::misunderstanding(platformNode(level), ahead + '\1');  // no word's beginning
+  if (more.at >= ahead.size())
+    for (const std::string& word : more.expected)
+      if (std::ranges::find(told.expected, word) == told.expected.end()) told.expected.push_back(word);
+  return told;
+}
+
 wire::Result Operator::run(Terminal& terminal, std::string_view line, std::string& text) try {
   if (terminal.yes != nullptr) return answerLine(terminal, line, text);
-  return isPlatformLine(line) ? runPlatformLine(terminal, line, text) : runModuleLine(terminal, line, text);
+  const bool ours = isPlatformLine(line);
+  const Level level = terminal.level;
+  wire::Result result = ours ? runPlatformLine(terminal, line, text) : runModuleLine(terminal, line, text);
+  if (result.outcome == static_cast<u8>(host::LineResult::ran) || result.outcome == wire::kAsks) return result;
+  const host::Misunderstanding told = misunderstanding(level, line, ours);
+  result.at = static_cast<u32>(told.at);
+  result.expected = host::wordsOf(told);
+  return result;
 } catch (const std::exception& error) {
   text += std::string(error.what()) + "\r\n";
-  return {static_cast<u8>(host::LineResult::ran), -1};
+  return ran(-1);
 }
 
 std::string Operator::suggest(const Terminal& terminal, std::string_view line) {

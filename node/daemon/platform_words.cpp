@@ -86,16 +86,46 @@ int setState(const PlatformCall& call, u16 slot, const std::string& state) {
   return 0;
 }
 
+char small(char letter) { return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter + ('a' - 'A')) : letter; }
+
+bool has(std::string_view text, std::string_view word) {
+  const auto same = [](char a, char b) { return small(a) == small(b); };
+  return std::search(text.begin(), text.end(), word.begin(), word.end(), same) != text.end();
+}
+
+bool speaksOf(const host::InstalledCommand& command, std::string_view word) {
+  return has(command.syntax, word) || has(command.help, word) ||
+         std::ranges::any_of(host::parameterHelp(command.syntax),
+                             [&](const host::ParameterHelp& parameter) { return has(parameter.help, word); });
+}
+
+void list(const PlatformCall& call, const host::InstalledCommand& command) {
+  call.text += fmt::format("  {:<40} {}\r\n", command.syntax, command.help);
+}
+
+int findCommands(const PlatformCall& call, const std::vector<std::string>& words) {
+  const Level level = call.terminal.level;
+  bool found = false;
+  for (const host::InstalledCommand& command : host::installedCommands()) {
+    if (command.node != platformNode(level) && command.node != moduleNode(level)) continue;
+    if (!std::ranges::all_of(words, [&](const std::string& word) { return speaksOf(command, word); })) continue;
+    list(call, command);
+    found = true;
+  }
+  return found ? 0 : failed(call, "no command of this level, and no help text, has all of these words");
+}
+
 int listCommands(const PlatformCall& call, bool all) {
   const Level level = call.terminal.level;
   if (!all)
     call.text +=
         "? shows what may stand next, Tab completes. A keyword may be shortened as long as it is clear which one it "
         "is;\r\n"
-        "the words below are written out. \"help all\" lists every command of this level.\r\n";
+        "the words below are written out. \"help all\" lists every command of this level, \"help WORD ...\" those "
+        "that\r\n"
+        "have all of the words in their syntax or their help.\r\n";
   for (const host::InstalledCommand& command : host::installedCommands())
-    if (command.node == platformNode(level) || (all && command.node == moduleNode(level)))
-      call.text += fmt::format("  {:<40} {}\r\n", command.syntax, command.help);
+    if (command.node == platformNode(level) || (all && command.node == moduleNode(level))) list(call, command);
   return 0;
 }
 
@@ -108,8 +138,11 @@ u16 slotOf(const char* digits) {
   return slot;
 }
 
-int helpCommand(const CommandElement*, Vty* vty, int argc, char**) {
-  return leave(vty, [all = argc > 0](const PlatformCall& call) { return listCommands(call, all); });
+int helpCommand(const CommandElement*, Vty* vty, int argc, char** argv) {
+  const std::vector<std::string> words(argv, argv + argc);
+  const bool all = argc == 1 && words.front() == "all";
+  if (argc != 0 && !all) return leave(vty, [words](const PlatformCall& call) { return findCommands(call, words); });
+  return leave(vty, [all](const PlatformCall& call) { return listCommands(call, all); });
 }
 
 int debugCommand(const CommandElement*, Vty* vty, int, char**) {
@@ -176,7 +209,7 @@ int slotStateCommand(const CommandElement*, Vty* vty, int, char** argv) {
 
 // clang-format off
 const CommandElement kEverywhere[] = {
-    {"help {[all]}*1", helpCommand, "the platform's words, or all commands of this level"},
+    {"help {[all|<word>]}*8", helpCommand, "the platform's words, all commands of this level, or those with these words"},
     {"exit", exitCommand, "back to the level above; from the first level: end the session"},
     {"show running-config", showRunningCommand, "the running configuration, as commands"},
     {"write {[force]}*1", writeCommand, "make the running configuration the startup configuration"},
@@ -219,6 +252,8 @@ void installPlatformWords() {
 }
 
 bool isPlatformWord(std::string_view word) {
+  constexpr std::string_view kWrite = "write";
+  if (word.size() >= 2 && equal(word, kWrite.substr(0, word.size()))) return true;
   return std::ranges::any_of(kWords, [&](std::string_view ours) { return equal(word, ours); });
 }
 

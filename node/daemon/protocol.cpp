@@ -28,15 +28,20 @@ void appendFrames(std::string& to, Kind kind, std::string_view payload) {
   }
 }
 
-void appendResult(std::string& to, Result result) {
+void appendResult(std::string& to, const Result& result) {
   std::string payload(1, static_cast<char>(result.outcome));
   appendU32(payload, static_cast<u32>(result.returned));
+  appendU32(payload, result.at);
+  payload += result.expected;
   appendFrame(to, Kind::result, payload);
 }
 
 std::optional<Result> readResult(std::string_view payload) {
-  if (payload.size() != 5) return std::nullopt;
-  return Result{static_cast<u8>(payload[0]), static_cast<i32>(readU32(payload.substr(1)))};
+  if (payload.size() < 9) return std::nullopt;
+  return Result{.outcome = static_cast<u8>(payload[0]),
+                .returned = static_cast<i32>(readU32(payload.substr(1))),
+                .at = readU32(payload.substr(5)),
+                .expected = std::string(payload.substr(9))};
 }
 
 void FrameReader::feed(std::string_view bytes) {

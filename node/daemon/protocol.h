@@ -12,8 +12,8 @@
 //     P  the prompt, after H and whenever it changes
 //     T  text of the line under way, as the command printed it; as many frames as it takes
 //     R  the end of a line, one for each L in the order of the lines: u8 outcome (the number of a LineResult, or
-//     kAsks), then
-//        i32 what the handler returned, big-endian
+//        kAsks), i32 what the handler returned, u32 the byte of the line where it is not understood, and what was
+//        expected there, as text; numbers are big-endian
 //     S  the answer to ?: one row "word TAB help LF" per suggestion; "<cr>" where the line may end
 //     M  a line of the live trace; comes at any time, between the other frames
 //     B  the node ends the session, and why; with no text, in the place of R, when a line has asked for it
@@ -28,7 +28,7 @@
 
 namespace wire {
 
-inline constexpr u8 kVersion = 1;
+inline constexpr u8 kVersion = 2;
 inline constexpr u32 kMaxFrame = 65536;
 inline constexpr u32 kMaxRequest = 16384;
 inline constexpr u32 kAhead = 64;  // requests that a terminal may have under way; msand takes them off the socket
@@ -64,9 +64,11 @@ inline constexpr u8 kAsks = 100;
 struct Result {
   u8 outcome = 0;
   i32 returned = 0;
+  u32 at = 0;                 // of a line that is not understood
+  std::string expected = {};  // there
   bool good() const { return outcome == 0 && returned == 0; }
 };
-void appendResult(std::string& to, Result result);
+void appendResult(std::string& to, const Result& result);
 std::optional<Result> readResult(std::string_view payload);
 
 // Cuts a stream of bytes into frames.

@@ -92,9 +92,16 @@ bool Startup::read(std::string& text) {
 }
 
 static std::string why(const node::FailedLine& line) {
-  if (line.outcome.result != host::LineResult::ran) return std::string(host::wordsOf(line.outcome.result));
   const std::string printed = printable(std::string_view(line.printed).substr(0, kMaxShown));
   return fmt::format("gave {}{}{}", line.outcome.returned, printed.empty() ? "" : ": ", printed);
+}
+
+// "COLUMN: COMMAND: unknown command, WORDS expected".
+static std::string notUnderstood(const node::FailedLine& line, std::string_view command) {
+  const host::Misunderstanding told = host::misunderstanding(CONFIG_NODE, line.command);
+  const std::string expected = host::wordsOf(told);
+  return fmt::format("{}: {}: {}{}", told.at + 1, command, host::wordsOf(line.outcome.result),
+                     expected.empty() ? "" : fmt::format(", {} expected", expected));
 }
 
 bool Startup::execute(node::Node& node, const std::function<bool()>& stopped) {
@@ -107,7 +114,10 @@ bool Startup::execute(node::Node& node, const std::function<bool()>& stopped) {
         failed_.push_back(line.command);
         if (failed_.size() > kMaxTold) return;
         const std::string command = printable(std::string_view(line.command).substr(0, kMaxShown));
-        complain(fmt::format("{}:{}: {}: {}", path_, line.line, command, why(line)));
+        if (line.outcome.result == host::LineResult::ran)
+          complain(fmt::format("{}:{}: {}: {}", path_, line.line, command, why(line)));
+        else
+          complain(fmt::format("{}:{}:{}", path_, line.line, notUnderstood(line, command)));
       },
       stopped);
   if (failed_.size() > kMaxTold) complain(fmt::format("{}: {} more lines failed", path_, failed_.size() - kMaxTold));

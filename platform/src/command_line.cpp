@@ -8,6 +8,7 @@
 #include <shared_mutex>
 #include <utility>
 
+#include "command_line_misunderstanding.h"
 #include "command_line_suggestions.h"
 #include "command_line_table.h"
 #include "host/terminal.h"
@@ -203,6 +204,14 @@ LineOutcome runLine(Vty& vty, int node, std::string_view line) {
   const Running running(vty);
   vty.node = node;
   return {LineResult::ran, element->handler(element, &vty, static_cast<int>(arguments.size()), arguments.data())};
+}
+
+Misunderstanding misunderstanding(int node, std::string_view line) {
+  BorrowedReading reading;
+  Installed& commands = installed();
+  const std::shared_lock lock(commands.mutex);
+  const Node* at = commands.find(node);
+  return at ? command_line::explain(*at, *reading, line) : Misunderstanding{};
 }
 
 int answerQuestion(Vty& vty, bool yes) {

@@ -75,7 +75,8 @@ constexpr ParameterRow kRows[] = {
     {"<block>",                       nothing,   "up to 16 bytes, in hexadecimal"},
     {"<hex>",                         nothing,   "up to 73 bytes, in hexadecimal"},
 
-    // debug
+    // help and debug
+    {"<word>",                        nothing,   "any part of a command or of its help"},
     {"<input>",                       nothing,   "an area as voice behind \"module\", func or buf behind \"level\", a message's number behind \"cmdid\""},
     {"<msgtype>",                     nothing,   "a message's number, decimal or 0x..."},
 

@@ -13,6 +13,9 @@ namespace {
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
+using testing::MatchesRegex;
+using testing::Not;
+using testing::StartsWith;
 
 // A node with two cards, two profiles of a kind that has a default, a VLAN profile, a flow rule and a number.
 class Terminals : public testing::Test {
@@ -66,6 +69,29 @@ TEST_F(Terminals, OfferWhatExists) {
   EXPECT_THAT(existing("add unicast tag cvlan tpid 33024 vid 1 cos 1 rule "), ElementsAre("null", "video"));
   EXPECT_THAT(existing("start call out simulation timeout 60 telephone number "), ElementsAre("8100", "4711", "4712"));
   EXPECT_THAT(existing("chassis slot 1 card eth"), ElementsAre("eth8", "eth16", "eth24"));
+}
+
+TEST_F(Terminals, FindCommands) {
+  std::string text;
+  EXPECT_TRUE(commands.run(terminal, "help MILLIAMP feed", text).good());
+  EXPECT_THAT(text, MatchesRegex("  set pots port feed voltage .*\r\n"));
+  EXPECT_EQ(std::ranges::count(text, '\n'), 1) << text;
+  EXPECT_EQ(run("help milliamp vdsl"), "no command of this level, and no help text, has all of these words\r\n");
+  EXPECT_THAT((commands.run(terminal, "help none CARD", text), text), HasSubstr("  chassis slot <1-20> card <type>"));
+}
+
+// A line that begins with a word of both the module and the platform.
+TEST_F(Terminals, SayWhatWasExpected) {
+  std::string text;
+  const auto told = [&](std::string_view line) {
+    const wire::Result result = commands.run(terminal, line, text);
+    return std::to_string(result.at) + " " + result.expected;
+  };
+  EXPECT_EQ(told("chassis slot 30 up"), "13 <1-20>");
+  EXPECT_THAT(told(" traze on"), StartsWith("1 trace, "));
+  EXPECT_THAT(told("trac on"), StartsWith("0 trace, "));
+  EXPECT_THAT(told("show runing"), StartsWith("5 running-config, "));
+  EXPECT_THAT(told("show r"), Not(HasSubstr("the end of the line")));
 }
 
 TEST_F(Terminals, HaveAHelpLineForEachParameter) {

@@ -11,7 +11,7 @@ expectMatch "the startup configuration was executed" \
   "*set cid mode dtmf*set rfc2833 negotiation auto default pt 97 rfc2198 negotiation manul default pt 96*" "$out"
 expectMatch "ADSL, VDSL and POTS cards are up" "*adsl32 *up *32*vdsl64 *up *64*pots64 *up *64*" "$out"
 run "$runNode" "$bin/.." <<<"nonsense"
-expect "exit code of a line that failed" "1 stdin:1: unknown command: nonsense" "$code $err"
+expectMatch "exit code of a line that failed" "1 stdin:1:1: unknown command, * expected: nonsense" "$code $err"
 
 # What is written is there at the next run, unless a fresh one is asked for.
 "$runNode" "$bin/.." <<<$'set cid mode fsk\nwrite' >/dev/null

@@ -5,20 +5,20 @@ start
 
 run ctl -c "show cid mode" -c "nonsense" -c "set cid" -c "chassis slot 9 up"
 expect "exit code with lines that failed" 1 "$code"
-expect "errors of commands" "command:2: unknown command: nonsense
-command:3: incomplete command: set cid
-command:4: failed (-1): chassis slot 9 up" "$err"
+expect "errors of commands" "command:2:1: unknown command, ngn or no expected: nonsense
+command:3:8: incomplete command, mode expected: set cid
+command:4: failed (-1): chassis slot 9 up" "$(sed "1s/ngn.* expected/ngn or no expected/" <<<"$err")"
 expectMatch "what they printed" "*CID Mode: FSK*slot 9 holds no service card" "$out"
 
 printf 'trace hex\r\n\n! a comment\nset cid mode fsk\n  show cid mode\nnot a word\nset cid mode dtmf' >"$folder/lines"
 run ctl -f "$folder/lines"
 expect "exit code of a file" 1 "$code"
-expect "errors of a file" "$folder/lines:6: unknown command: not a word" "$err"
+expectMatch "errors of a file" "$folder/lines:6:1: unknown command, * expected: not a word" "$err"
 expectMatch "its output, with the trace of its messages" \
   '*trace: ngn 3087 "Set CIDMode configuration" 000000010001 00\*32*FSK*000000010002 00\*32*' "$out"
 expect "carriage returns in it" "" "$(tr -cd '\r' <"$folder/out")"
 run ctl <"$folder/lines"
-expect "errors of standard input" "stdin:6: unknown command: not a word" "$err"
+expectMatch "errors of standard input" "stdin:6:1: unknown command, * expected: not a word" "$err"
 run ctl -c "show cid mode" -f - <<<"exit
 nonsense"
 expect "what stands behind exit is not run" "0 " "$code $err"
@@ -40,14 +40,15 @@ expect "exit code of noise" 1 "$code"
 # Thousands of lines, sent ahead of their answers, keep their order and numbers.
 for ((i = 1; i <= 5000; ++i)); do echo "no$i"; done >"$folder/lines"
 run ctl -f "$folder/lines"
-expect "errors of many lines" "$(sed "s|^no\(.*\)|$folder/lines:\1: unknown command: &|" "$folder/lines")" "$err"
+expect "errors of many lines" "$(sed "s|^no\(.*\)|$folder/lines:\1:1: unknown command: &|" "$folder/lines")" \
+  "$(sed "s/, .* expected//" <<<"$err")"
 
 # A partner that waits for each answer ahead of its next line gets it.
 coproc partner { ctl 2>&1; }
 for word in one two three; do
   echo "$word" >&"${partner[1]}"
   read -r -t 20 answer <&"${partner[0]}" || answer="nothing"
-  expectMatch "the answer to a single line" "stdin:*: unknown command: $word" "$answer"
+  expectMatch "the answer to a single line" "stdin:*:1: unknown command, * expected: $word" "$answer"
 done
 eval "exec ${partner[1]}>&-"
 # shellcheck disable=SC2154

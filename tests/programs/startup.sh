@@ -40,15 +40,15 @@ printf '! a comment\r\n\nset cid mode fsk\nset cid\n\x01\x00\xff\xfe\nno such co
 : >"$folder/log"
 start
 expectMatch "the last line has no end and is executed" "*set cid mode dtmf*" "$(ctl -c 'show running-config')"
-expect "lines that failed" ":4: set cid: incomplete command
-:5: \x01\x00??: unknown command
-:6: no such command \x1b[2J: unknown command" \
-  "$(LC_ALL=C tr '\200-\377' '?' <"$folder/log" | sed -n 's/.*startup.cfg\(:[0-9]\)/\1/p')"
+expect "lines that failed" ":4:8: set cid: incomplete command, mode expected
+:5:2: \x01\x00??: unknown command
+:6:1: no such command \x1b[2J: unknown command, WORDS expected" \
+  "$(LC_ALL=C tr '\200-\377' '?' <"$folder/log" | sed -n 's/.*startup.cfg\(:[0-9]\)/\1/p' | sed '3s/, .* expected/, WORDS expected/')"
 expectMatch "and their count" "*warning startup configuration $folder/startup.cfg executed, 3 lines failed*" "$(cat "$folder/log")"
 
 # They are not lost by a write, unless it is forced.
 cp "$folder/startup.cfg" "$folder/before"
-run ctl -c write
+run ctl -c wr
 expect "a write that would lose lines" \
   "1 not written: $folder/startup.cfg: 3 lines failed at start and would be lost; \"write force\" writes nevertheless" "$code $out"
 expect "the file" "" "$(cmp "$folder/before" "$folder/startup.cfg" 2>&1)"
@@ -60,7 +60,7 @@ stop
 printf '\xef\xbb\xbfset cid mode dtmf\rnone\rset cid mode fsk' >"$folder/startup.cfg"
 : >"$folder/log"
 start
-expectMatch "one line of it failed" "*startup.cfg:2: none: unknown command*, 1 lines failed*" "$(cat "$folder/log")"
+expectMatch "one line of it failed" "*startup.cfg:2:1: none: unknown command, *expected*, 1 lines failed*" "$(cat "$folder/log")"
 expectMatch "the last one was executed" "*set cid mode fsk*" "$(ctl -c 'show running-config')"
 stop
 

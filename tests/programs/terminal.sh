@@ -55,6 +55,11 @@ see "? shows what may stand next, and the line again" "*
 msan# set cid mode "
 keys '\x15no "what?"\r'
 see "inside quotes ? is text" '*no "what?"*% unknown command*msan# '
+keys 'set cid mode xxx\r'
+see "what is not understood, and what was expected" '*
+                   ^ fsk or dtmf
+% unknown command
+msan# '
 keys 'debug\r'
 see "the debug level has its own prompt" '*msan(debug)# '
 keys 'sh\t?'

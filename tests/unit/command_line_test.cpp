@@ -293,6 +293,32 @@ TEST_F(CommandLine, OffersSomeOfMany) {
   EXPECT_EQ(suggest("attach much profile name \"o")[1], "\"one two\": 1");
 }
 
+TEST_F(CommandLine, TellsWhereALineIsNotUnderstood) {
+  installAll({{"mode", "set cid mode [fsk|dtmf]"},
+              {"tone", "set tone <7-32> {value <value>}*1"},
+              {"two", "set line [none|fastOnly|FastOrInter] end"},
+              {"show", "show cid mode"},
+              {"list", "show list"},
+              {"left", "show left"}});
+  const auto told = [](std::string_view line) {
+    const host::Misunderstanding why = host::misunderstanding(CONFIG_NODE, line);
+    return std::to_string(why.at) + " " + host::wordsOf(why);
+  };
+  EXPECT_EQ(told("set cid mode xxx"), "13 fsk or dtmf");
+  EXPECT_EQ(told("  set cid mode \"d m\" x"), "15 dtmf or fsk");
+  EXPECT_EQ(told("set cid mode fsk now"), "17 the end of the line");
+  EXPECT_EQ(told("set cid mode fsk x x x x x x x x"), "17 the end of the line");
+  EXPECT_EQ(told("set cid"), "7 mode");
+  EXPECT_EQ(told("set cid "), "8 mode");
+  EXPECT_EQ(told("set tone 33"), "9 <7-32>");
+  EXPECT_EQ(told("set tone 8 x"), "11 value or the end of the line");
+  EXPECT_EQ(told("shaw cid"), "0 show or set");
+  EXPECT_EQ(told("set line fast end"), "9 fastOnly or FastOrInter");
+  EXPECT_EQ(told("show l"), "5 list or left");
+  EXPECT_EQ(told(std::string_view("set \0", 5)), "4 ");
+  EXPECT_EQ(told(std::string(70000, 'x')), "65536 ");
+}
+
 TEST_F(CommandLine, PrintsTextsOfAnyLength) {
   Vty vty;
   for (const std::size_t size : {0U, 510U, 511U, 512U, 513U, 70000U}) {

@@ -44,6 +44,13 @@ TEST(Text, NothingInItWorksOnTheTerminal) {
   EXPECT_EQ(ctl::forDisplay("\x1b[m\xc3\xa4\r\n", false), "\x1b[m\xc3\xa4\n") << "a file gets the bytes";
 }
 
+TEST(Text, APointerStandsUnderItsPlace) {
+  const wire::Result result{.outcome = 1, .at = 6, .expected = "fsk"};
+  EXPECT_EQ(ctl::pointer("> ", "set b xxx", result, 0), "        ^ fsk");
+  EXPECT_EQ(ctl::pointer("> ", "s\xc3\xa4t b xxx", result, 80), "       ^ fsk") << "two bytes are one character";
+  EXPECT_EQ(ctl::pointer("> ", "set b xxx", result, 5), "   ^ fsk") << "the line goes on below";
+}
+
 class Lines : public testing::Test {
  protected:
   void SetUp() override {

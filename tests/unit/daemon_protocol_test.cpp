@@ -14,14 +14,14 @@ static std::string shown(const std::optional<Frame>& frame) {
 TEST(Protocol, FramesHaveTheirBytes) {
   std::string bytes;
   wire::appendFrame(bytes, Kind::line, "show cid mode");
-  wire::appendResult(bytes, {.outcome = 2, .returned = -1});
-  EXPECT_EQ(bytes, "\0\0\0\x0eLshow cid mode\0\0\0\x06R\x02\xff\xff\xff\xff"s);
-  const auto result = wire::readResult("\x02\xff\xff\xff\x9c"s);
+  wire::appendResult(bytes, {.outcome = 2, .returned = -1, .at = 258, .expected = "id"});
+  EXPECT_EQ(bytes, "\0\0\0\x0eLshow cid mode\0\0\0\x0cR\x02\xff\xff\xff\xff\0\0\x01\x02id"s);
+  const auto result = wire::readResult("\x02\xff\xff\xff\x9c\0\0\0\x05"s);
   ASSERT_TRUE(result);
   EXPECT_EQ(result->outcome, 2);
   EXPECT_EQ(result->returned, -100);
-  EXPECT_FALSE(wire::readResult("\0\0\0\0"s)) << "four bytes are no result";
-  EXPECT_FALSE(wire::readResult("\0\0\0\0\0\0"s)) << "nor are six";
+  EXPECT_EQ(result->at, 5);
+  EXPECT_FALSE(wire::readResult("\0\0\0\0\0\0\0\0"s)) << "eight bytes are no result";
 }
 
 TEST(Protocol, FramesAreFoundWhereverTheStreamIsCut) {

@@ -28,6 +28,16 @@ struct LineOutcome {
 // Runs a line at a node. An empty line, and one that begins with '!', run nothing and give 0.
 LineOutcome runLine(Vty& vty, int node, std::string_view line);
 
+// Where a line that did not run is not understood, and what could stand there.
+struct Misunderstanding {
+  std::size_t at = 0;      // byte of the line; its size, or the place behind a last blank, if words are missing
+  std::string typed = {};  // the word there
+  std::vector<std::string> expected = {};
+};
+Misunderstanding misunderstanding(int node, std::string_view line);
+// "fsk or dtmf": what is expected, the likeliest first; of many, some. Empty if nothing is.
+std::string wordsOf(const Misunderstanding& told);
+
 // Answers the question that a line left open. What was done gave, 0 for a no.
 int answerQuestion(Vty& vty, bool yes);
 
