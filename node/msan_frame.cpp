@@ -63,6 +63,22 @@ std::string environment(const char* name) {
   return value != nullptr ? value : "";
 }
 
+// A secret that --user needs; what is wrong with it is told.
+bool readSecret(const char* name, std::string& secret) {
+  constexpr std::size_t kShortest = 8;
+  secret = environment(name);
+  if (secret.size() >= kShortest) return true;
+  std::fprintf(stderr, "msan-frame: --user needs a secret of at least %zu letters in the environment: %s %s\n",
+               kShortest, name, secret.empty() ? "is not set" : "is shorter");
+  return false;
+}
+
+bool readSecrets(frame::Access& access) {
+  if (access.user.empty()) return true;
+  const bool authentication = readSecret("MSAN_AUTH_SECRET", access.authenticationSecret);
+  return readSecret("MSAN_PRIV_SECRET", access.privacySecret) && authentication;
+}
+
 // A shell takes the quotes off "text":32, so bytes may come as one word or as many.
 std::vector<u8> bytesOf(const Options& options) {
   std::string text;
@@ -109,8 +125,7 @@ int runProgram(int argc, char** argv) {
   } catch (const CLI::ParseError& error) {
     return app.exit(error) == 0 ? kDone : kBadUse;
   }
-  options.access.authenticationSecret = environment("MSAN_AUTH_SECRET");
-  options.access.privacySecret = environment("MSAN_PRIV_SECRET");
+  if (!readSecrets(options.access)) return kBadUse;
   try {
     return run(options);
   } catch (const scenario::BadLine& error) {

@@ -30,7 +30,7 @@ std::string installedModule() {
 }
 
 void describe(CLI::App& app, Options& options) {
-  app.set_version_flag("--version", MSAN_VERSION);
+  app.set_version_flag("--version", "msan-scenario " MSAN_VERSION);
   app.add_option("FILE", options.files, "Scenario files; - is standard input")->required();
   app.add_option("--module", options.module,
                  "The module (else $MSAN_MODULE, else ../lib/libmsan.so beside the program)")

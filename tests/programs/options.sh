@@ -49,4 +49,10 @@ for program in msand msanctl; do
   run "$bin/$program" --help
   expectMatch "help of $program" "*--socket PATH*Exit codes:*" "$out"
 done
+for program in msan-frame msan-scenario; do
+  run "$bin/$program" --version
+  expectMatch "version of $program" "$program [0-9]*.[0-9]*.[0-9]*" "$out"
+done
+MSAN_PRIV_SECRET=short run "$bin/msan-frame" --user noc get 3087
+expectMatch "a manager without secrets" "2 *MSAN_AUTH_SECRET is not set*MSAN_PRIV_SECRET is shorter" "$code $err"
 exit $bad
