@@ -27,6 +27,7 @@ static CommProfile descriptorOf(u16 id, PortRatePrf* profile = nullptr) {
 }
 
 int init_port_rate_profile_type() {
+  g_port_rate_limit_prf = {};
   g_port_rate_limit_prf.moduleId = gModuleId_Msan;
   g_port_rate_limit_prf.ids = kMostRateProfile + 1;
   g_port_rate_limit_prf.items = 1;

@@ -136,4 +136,14 @@ static constexpr Command commands[] = {
             "rate-limit profiles"),
 };
 
-int install_element_port_rate_profile() { return installCommands(commands); }
+static void offerProfiles(const void*, CommandOffers* to) {
+  PortRatePrf p;
+  for (u16 id = nextRateProfile(0, &p); id != 0; id = nextRateProfile(id, &p)) {
+    offer_to_cli(to, id, p.name, static_cast<u32>(strnlen(p.name, kRateName)));
+  }
+}
+
+int install_element_port_rate_profile() {
+  install_offers("rate-limit", offerProfiles, nullptr);
+  return installCommands(commands);
+}
