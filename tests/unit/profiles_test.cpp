@@ -75,6 +75,24 @@ Bytes pboBody() {
        hex("000200001612 000200000267 000100000000 00080029b927 000805e3ff5d 0008001dcd65 0001fffffc7c 0000 01ff"),
        zeros(32)});
 }
+Bytes cpsdBody() {
+  return join({zeros(4), hex("0002 0007 0001fffffb50 00000000 0ad5 000100000000 00000000"), zeros(4),
+               hex("0002 0021 0001fffffb50 00000000 0ff1 000100000000 00000000"), zeros(8)});
+}
+Bytes vnBody() {
+  return join({zeros(4), hex("0002 0007 ff74 00000000 0ad5 0028 00000000"), zeros(4),
+               hex("0002 0021 ff74 00000000 0ff1 0028 00000000"), zeros(8)});
+}
+Bytes extraBody() {
+  return join(
+      {hex("0001 0000 0000 00010000001e 001e 00010000005a 001e 00010000001e 001e 00010000005a 001e"), zeros(64)});
+}
+Bytes ginpBody() {
+  return join({hex("0000 0003 0000 003f 000100000000 0001000004f6 0001 0000 000100000000 0001 000100000046"),
+               hex("00000100 000186a0 000186a0 00000100 000186a0 000186a0 0000 001f 000100000000 0001000000a0 00000010 "
+                   "000000ec"),
+               zeros(64)});
+}
 
 Bytes item(u32 id, const std::string& label, const Bytes& body) { return join({number(2, id), name(label), body}); }
 Bytes frame(u32 count, const Bytes& items) { return join({zeros(32), number(2, count), items}); }
@@ -108,11 +126,9 @@ TEST_F(ProfileTest, AnItemThatIsCutAnywhereIsRefusedAndStoresNothing) {
     Bytes body;
     std::size_t length;
   };
-  const Kind kinds[] = {{34661, 0, adslBody(), 282},
-                        {34664, 1, pvcBody(), 128},
-                        {34801, 2, vdslBody(), 252},
-                        {34803, 3, serviceBody(), 96},
-                        {34805, 4, pboBody(), 144}};
+  const Kind kinds[] = {{34661, 0, adslBody(), 282},   {34664, 1, pvcBody(), 128},   {34801, 2, vdslBody(), 252},
+                        {34803, 3, serviceBody(), 96}, {34805, 4, pboBody(), 144},   {34807, 5, cpsdBody(), 90},
+                        {34809, 8, vnBody(), 74},      {34820, 6, extraBody(), 124}, {34822, 7, ginpBody(), 172}};
   for (const Kind& kind : kinds) {
     const Bytes two = join({item(3, "first", kind.body), item(4, "second", kind.body)});
     ASSERT_EQ(two.size(), 2 * kind.length);
@@ -152,6 +168,18 @@ const Checked checked[] = {
       {22, "00001fa0", -106}, {28, "ffffffff", -107}, {34, "00000f9f", -108}, {40, "00001000", -109}, {46, "00001fa0", -110},
       {52, "ffffffff", -111}, {58, "000009fc", -112}, {64, "fa0a1eff", -113}, {70, "08f0d181", -114}, {76, "80000000", -115},
       {82, "00000001", -116}, {86, "0801", -117}, {88, "001f", -118}, {86, "0200", -119}}},
+    {34807, cpsdBody(), {{4, "0011", -102}, {34, "0029", -105}, {6, "0021", -103}, {10, "00000001", -104}, {18, "0000", -103},
+      {22, "fffffb4f", -104}, {36, "0020", -106}, {40, "00000001", -107}}},
+    {34809, vnBody(), {{4, "0001", -102}, {26, "0021", -105}, {26, "0001", -105}, {6, "0021", -103}, {8, "0029", -104},
+      {16, "ff73", -104}, {28, "04bf", -106}, {30, "0029", -107}}},
+    {34820, extraBody(), {{0, "0002", -101}, {2, "0003", -102}, {4, "ffff", -103}, {8, "00000137", -104}, {12, "4000", -105},
+      {16, "ffffffff", -106}, {20, "4000", -107}, {8, "0000005b", -112}, {12, "001f", -112}, {24, "00000137", -108},
+      {28, "4e20", -109}, {32, "ffffffff", -110}, {36, "4000", -111}, {24, "0000005b", -112}, {28, "001f", -112}}},
+    {34822, ginpBody(), {{0, "0004", -101}, {2, "0004", -102}, {4, "0040", -103}, {6, "0040", -104}, {10, "000004f7", -105},
+      {16, "ffffffff", -106}, {20, "0002", -107}, {22, "0002", -108}, {26, "00000047", -109}, {30, "0002", -110},
+      {34, "00000047", -111}, {38, "0000003f", -112}, {42, "0007d001", -113}, {46, "0000003f", -114}, {38, "000186a1", -124},
+      {50, "00000000", -115}, {54, "ffffffff", -116}, {58, "0007d001", -117}, {50, "000186a1", -124}, {62, "0020", -118},
+      {64, "0020", -119}, {68, "000000a1", -120}, {74, "ffffffff", -121}, {78, "00000003", -122}, {82, "000000ed", -123}}},
 };
 // clang-format on
 
@@ -213,7 +241,7 @@ TEST_F(ProfileTest, EachFieldOfAnAdslLineProfileHasItsEdgesAndItsCode) {
 TEST_F(ProfileTest, AttachmentsThatAreCutAnywhereAreRefused) {
   authorise(3, "adsl16");
   authorise(5, "vdsl16");
-  for (const u16 message : {u16{2837}, u16{2838}, u16{2860}, u16{2862}, u16{2863}, u16{2855}}) {
+  for (const u16 message : {u16{2837}, u16{2838}, u16{2860}, u16{2862}, u16{2863}, u16{2857}, u16{2856}, u16{2855}}) {
     const Bytes written = join({hex("0003 0001"), zeros(22), hex("0005 0002"), zeros(22)});
     for (std::size_t length = 0; length < written.size(); ++length) {
       const Bytes cut(written.begin(), written.begin() + static_cast<std::ptrdiff_t>(length));
@@ -380,87 +408,6 @@ TEST_F(ProfileTest, AnUnchangedEditIsWrittenUnchecked) {
   typed(CONFIG_NODE, "set vdslLine profile id 4");
   EXPECT_EQ(typed(CONFIG_NODE, "set vdslline para psd 21"), " = 0");
   EXPECT_EQ(typed(CONFIG_NODE, "set vdslline para psd 20"), "failed,error code is -102\r\n = -1");
-}
-
-// A kind whose records are checked and stored one by one, whose reads insist on their length, and whose attachments
-// are long.
-struct OddItem {
-  u16 value;
-};
-constexpr ProfileField oddFields[] = {{ITEM_FIELD(OddItem, value), .allowed = {{0, 9}}, .code = 1000}};
-constexpr ProfileShape oddShape{.itemSize = 2, .headGap = 4, .tail = 0, .fields = oddFields};
-constexpr u16 oddPorts[] = {kVdslPort};
-constexpr ProfileTexts oddTexts{};
-i16 oddType = -1, oddSelected = -1;
-const ProfileKind oddKind{
-    .writeId = 34807,
-    .attachId = 2858,
-    .mostId = 32,
-    .attribute = 291,
-    .portTypes = oddPorts,
-    .shape = oddShape,
-    .defaultName = "DEFODD",
-    .word = "odd",
-    .attachWord = "odd",
-    .attachTail = 32,
-    .type = oddType,
-    .selected = oddSelected,
-    .lock = nullptr,
-    .reportsAttachment = false,
-    .texts = oddTexts,
-    .write = writeEach,
-    .check = [](SnmpErrInfo* err, const ProfileHead* record) { return checkFields(oddFields, itemOf(record), err); },
-    .setDefaults = nullptr,
-    .show = nullptr,
-    .printLines = nullptr,
-    .cardMessage = nullptr,
-};
-
-TEST_F(ProfileTest, RecordsThatAreStoredOneByOne) {
-  authorise(5, "vdsl16");
-  oddType = -1;
-  ASSERT_EQ(registerKind(oddKind), 0);
-  ASSERT_EQ(createDefault(oddKind), 0);
-  std::vector<u8> reply(host::kReplyCapacity);
-  u32 length = 0;
-  u8 last = 0;
-  const auto call = [&](Bytes& request) {
-    return SnmpCall{34807, &last, request.data(), static_cast<i32>(request.size()), reply.data(), &length};
-  };
-  const auto answer = [&] { return codeOf({reply.begin(), reply.begin() + length}); };
-  const auto odd = [](u32 id, const char* label, u32 value) {
-    return item(id, label, join({zeros(4), number(2, value)}));
-  };
-
-  Bytes attachment = join({zeros(32), number(4, 1), hex("0005 0003"), zeros(16), hex("0000"), zeros(32)});
-  EXPECT_EQ(snmpAttachPorts(oddKind, call(attachment)), 0);
-  attachment.pop_back();
-  EXPECT_EQ(snmpAttachPorts(oddKind, call(attachment)), -1);
-  EXPECT_EQ(answer(), -18);
-
-  // The third is bad: those ahead of it stay, and the first, which was there, goes to its port.
-  Bytes first = frame(1, odd(4, "four", 1));
-  EXPECT_EQ(snmpWriteProfiles(oddKind, call(first)), 0);
-  Bytes use = join({zeros(32), number(4, 1), hex("0005 0003"), zeros(16), hex("0004"), zeros(32)});
-  EXPECT_EQ(snmpAttachPorts(oddKind, call(use)), 0);
-  recorder_.take();
-  Bytes batch = frame(4, join({odd(4, "four", 7), odd(0xFFFF, "one", 2), odd(5, "five", 10), odd(6, "six", 1)}));
-  EXPECT_EQ(snmpWriteProfiles(oddKind, call(batch)), -1);
-  EXPECT_EQ(answer(), 1000);
-  EXPECT_EQ(recorder_.take(), (std::vector<std::string>{"slot 5 2858 0000000100050003 00*17 07", "crc 9 34807 1"}));
-  EXPECT_EQ(stored(oddType), 3U);
-  // A name in use is refused by the store, without a code.
-  Bytes twin = frame(1, odd(9, "four", 1));
-  EXPECT_EQ(snmpWriteProfiles(oddKind, call(twin)), -1);
-  EXPECT_EQ(answer(), 1);
-
-  Bytes read = zeros(32);
-  EXPECT_EQ(snmpReadProfilesBare(oddKind, call(read)), 0);
-  EXPECT_EQ(Bytes(reply.begin() + 36, reply.begin() + length),
-            join({number(2, 3), odd(0, "DEFODD", 0), odd(1, "one", 2), odd(4, "four", 7)}));
-  read.push_back(0);
-  EXPECT_EQ(snmpReadProfilesBare(oddKind, call(read)), -1);
-  EXPECT_EQ(answer(), -18);
 }
 
 // Operator, manager and a card that returns, all at once.

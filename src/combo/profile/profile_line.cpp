@@ -28,8 +28,8 @@ i32 scaled(double number, u8 decimals) {
   return std::isnan(value) ? least : static_cast<i32>(std::clamp<double>(value, least, most));
 }
 
-bool within(const ProfileField& field, double number) {
-  return number >= unscaled(field, field.allowed[0].low) && number <= unscaled(field, field.allowed[0].high);
+bool within(const ProfileField& field, const ValueRange& range, double number) {
+  return number >= unscaled(field, range.low) && number <= unscaled(field, range.high);
 }
 
 // A number that the field's bytes do not hold becomes their largest, which no check takes, so that it is not cut to
@@ -60,7 +60,7 @@ static std::optional<i32> valueOf(const LineValue& value, const char* text) {
   }
   if (field.decimals != 0) {
     const double number = typedNumber(text);
-    if (value.refusal != nullptr && !within(field, number)) return std::nullopt;
+    if (value.refusal != nullptr && !within(field, field.allowed[0], number)) return std::nullopt;
     return scaled(number, field.decimals);
   }
   const i32 number = bep_atoiEx(text);

@@ -36,8 +36,8 @@ consteval const ProfileField* rowAt(ProfileFields fields, u16 at) {
 double typedNumber(const char* text);  // 0 for what is none
 // The number with its decimals, cut behind them and held at the limits of i32; the least one for a NaN.
 i32 scaled(double number, u8 decimals);
-// The number lies within the first range of a field with decimals.
-bool within(const ProfileField& field, double number);
+// The number lies within a range that is told in the units of the field's last decimal.
+bool within(const ProfileField& field, const ValueRange& range, double number);
 
 // Takes the arguments into an item of zeros. 0, or -1 behind a complaint.
 int readLine(const ProfileLine& line, Vty* vty, int argc, char** argv, void* values);

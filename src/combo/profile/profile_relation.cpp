@@ -87,6 +87,10 @@ RELATION(AD_PRF_ATT_RELATION, ulObjId, prfId, reTree)
 RELATION(PVC_PRF_ATT_RELATION, ulObjId, prfId, reTree)
 RELATION(VD_LINE_PRF_ATT_RELATION, ulObjId, prfId, reTree)
 RELATION(VD_SERVICE_PRF_ATT_RELATION, ulObjId, prfId, reTree)
+RELATION(VD_VN_PRF_ATT_RELATION, obj_id, prf_id, re_tree)
+RELATION(VD_GINP_PRF_ATT_RELATION, obj_id, prf_id, re_tree)
+RELATION(VD_EXTRA_PRF_ATT_RELATION, obj_id, prf_id, re_tree)
+RELATION(VD_CPSD_PRF_ATT_RELATION, obj_id, prf_id, re_tree)
 RELATION(VD_PBO_PRF_ATT_RELATION, ulObjId, prfId, reTree)
 
 int set_adsl_prf_att_dbapi(u32 objectId, const void* id, u32, u32) {
@@ -116,3 +120,7 @@ int clr_pvc_prf_att_dbapi(u32 objectId) { return clearRelation(PVC_PRF_ATT_RELAT
 VDSL_ATTACHMENT(line, db_api, VD_LINE_PRF_ATT_RELATION)
 VDSL_ATTACHMENT(ser, db_api, VD_SERVICE_PRF_ATT_RELATION)
 VDSL_ATTACHMENT(pbo, db_api, VD_PBO_PRF_ATT_RELATION)
+VDSL_ATTACHMENT(cpsd, dbapi, VD_CPSD_PRF_ATT_RELATION)
+VDSL_ATTACHMENT(extra, dbapi, VD_EXTRA_PRF_ATT_RELATION)
+VDSL_ATTACHMENT(ginp, dbapi, VD_GINP_PRF_ATT_RELATION)
+VDSL_ATTACHMENT(vn, dbapi, VD_VN_PRF_ATT_RELATION)

@@ -21,4 +21,8 @@ int clr_pvc_prf_att_dbapi(u32 objectId);
 VDSL_ATTACHMENT(line, db_api)
 VDSL_ATTACHMENT(ser, db_api)
 VDSL_ATTACHMENT(pbo, db_api)
+VDSL_ATTACHMENT(cpsd, dbapi)
+VDSL_ATTACHMENT(extra, dbapi)
+VDSL_ATTACHMENT(ginp, dbapi)
+VDSL_ATTACHMENT(vn, dbapi)
 #undef VDSL_ATTACHMENT

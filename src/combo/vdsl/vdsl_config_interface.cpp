@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <cstring>
 
 #include "combo/vdsl/vdsl_kinds.h"
 #include "combo/vdsl/vdsl_line_func_prf.h"
@@ -13,16 +14,27 @@
 #include "platform/log.h"
 
 // In the order in which they are made, printed and sent.
-static constexpr const ProfileKind* kinds[] = {&vdslLineKind, &vdslServiceKind, &vdslPboKind};
+static constexpr const ProfileKind* kinds[] = {&vdslLineKind,  &vdslServiceKind, &vdslPboKind, &vdslCpsdKind,
+                                               &vdslExtraKind, &vdslGinpKind,    &vdslVnKind};
 
-static constexpr Step install[] = {install_vdsl_line_cmd, install_vdsl_ser_cmd, install_vdsl_pbo_cmd};
+static constexpr Step install[] = {install_vdsl_line_cmd, install_vdsl_ser_cmd,   install_vdsl_pbo_cmd,
+                                   install_vdsl_cpsd_cmd, install_vdsl_extra_cmd, install_vdsl_ginp_cmd,
+                                   install_vdsl_vn_cmd};
+
+// Line, service and power back-off tell it in the log, the others on standard output.
+static int registerFailed(const ProfileKind& kind) {
+  if (kind.write == writeBatch) {
+    ulogPrintf(gModuleId_Msan, 10, "\r\n[ERROR] %s(%d):%s->prfRegNewType err! profileID = %d",
+               "vdsl_config_interface.cpp", __LINE__, "vdsl_init_cfg", kind.writeId);
+  } else {
+    std::printf("\r\nvdsl %s prf,prfRegNewType failed!\r", kind.word + std::strlen("vdsl"));
+  }
+  return -1;
+}
 
 int vdsl_init_cfg() {
   for (const ProfileKind* kind : kinds) {
-    if (registerKind(*kind) == 0) continue;
-    ulogPrintf(gModuleId_Msan, 10, "\r\n[ERROR] %s(%d):%s->prfRegNewType err! profileID = %d",
-               "vdsl_config_interface.cpp", __LINE__, __func__, kind->writeId);
-    return -1;
+    if (registerKind(*kind) != 0) return registerFailed(*kind);
   }
   int result = 0;
   for (const ProfileKind* kind : kinds) result = createDefault(*kind);
@@ -62,6 +74,9 @@ static int snmp_del_vdsl_prf(u16 id, u8, u8* data, i32 length, u8* reply, u32* r
 static int snmp_get_vdsl_prf(u16 id, u8* last, u8* data, i32 length, u8* reply, u32* replyLen, void*, void*) {
   return snmpReadProfiles(kindOf(id), {id, last, data, length, reply, replyLen});
 }
+static int snmp_get_vdsl_prf_cfg_info(u16 id, u8* last, u8* data, i32 length, u8* reply, u32* replyLen, void*, void*) {
+  return snmpReadProfilesBare(kindOf(id), {id, last, data, length, reply, replyLen});
+}
 static int snmp_set_vdsl_prf_attach(u16 id, u8, u8* data, i32 length, u8* reply, u32* replyLen, void*, void*) {
   return snmpAttachPorts(kindOf(id), {id, nullptr, data, length, reply, replyLen});
 }
@@ -70,8 +85,7 @@ static int snmp_get_vdsl_prf_attach(u16 id, u8* last, u8* data, i32 length, u8* 
 }
 
 int vdsl_reg_snmp_info() {
-  // A read of attachments takes as much for every kind with short items.
-  const u32 ports = attachmentReply(vdslLineKind);
+  const u32 ports = attachmentReply(vdslLineKind), longPorts = attachmentReply(vdslExtraKind);
   // clang-format off
   const ProfileMessage messages[] = {
       {"MSAN_SET_VD_LINE_PROFILE", "set vdsl line profile", 34801, snmp_set_vdsl_prf, snmp_get_vdsl_prf, 90000},
@@ -83,6 +97,18 @@ int vdsl_reg_snmp_info() {
       {"MSAN_SET_VD_PBO_PROFILE", "set vdsl pbo profile", 34805, snmp_set_vdsl_prf, snmp_get_vdsl_prf, 90000},
       {"MSAN_DEL_VD_PBO_PROFILE", "delete vdsl pbo profile", 34806, snmp_del_vdsl_prf, nullptr, 0},
       {"MSAN_SET_VD_BIND_PBO_PROFILE", "attach vdsl pbo profile", 2855, snmp_set_vdsl_prf_attach, snmp_get_vdsl_prf_attach, ports},
+      {"MSAN_SET_VD_CPSD_PROFILE", "set vdsl cpsd profile", 34807, snmp_set_vdsl_prf, snmp_get_vdsl_prf_cfg_info, 22738},
+      {"MSAN_DEL_VD_CPSD_PROFILE", "del vdsl cpsd profile", 34808, snmp_del_vdsl_prf, nullptr, 0},
+      {"MSAN_SET_VD_BIND_CPSD_PROFILE", "attach vdsl cpsd profile", 2856, snmp_set_vdsl_prf_attach, snmp_get_vdsl_prf_attach, ports},
+      {"MSAN_SET_VD_EXTRA_PROFILE", "set vdsl extra profile", 34820, snmp_set_vdsl_prf, snmp_get_vdsl_prf_cfg_info, 3400},
+      {"MSAN_DEL_VD_EXTRA_PROFILE", "del vdsl extra profile", 34821, snmp_del_vdsl_prf, nullptr, 0},
+      {"MSAN_SET_VD_BIND_EXTRA_PROFILE", "attach vdsl extra profile", 2858, snmp_set_vdsl_prf_attach, snmp_get_vdsl_prf_attach, longPorts},
+      {"MSAN_SET_VD_GINP_PROFILE", "set vdsl ginp profile", 34822, snmp_set_vdsl_prf, snmp_get_vdsl_prf_cfg_info, 4984},
+      {"MSAN_DEL_VD_GINP_PROFILE", "del vdsl ginp profile", 34823, snmp_del_vdsl_prf, nullptr, 0},
+      {"MSAN_SET_VD_BIND_GINP_PROFILE", "attach vdsl ginp profile", 2859, snmp_set_vdsl_prf_attach, snmp_get_vdsl_prf_attach, longPorts},
+      {"MSAN_SET_VD_VN_PROFILE", "set vdsl vn profile", 34809, snmp_set_vdsl_prf, snmp_get_vdsl_prf_cfg_info, 13234},
+      {"MSAN_DEL_VD_VN_PROFILE", "del vdsl vn profile", 34810, snmp_del_vdsl_prf, nullptr, 0},
+      {"MSAN_SET_VD_BIND_VN_PROFILE", "attach vdsl vn profile", 2857, snmp_set_vdsl_prf_attach, snmp_get_vdsl_prf_attach, ports},
   };
   // clang-format on
   return registerProfileMessages(messages);
