@@ -124,6 +124,37 @@ void hotplug(benchmark::State& state) {
   cleanUp(state);
 }
 
+// VDSL lines use a profile of each of eight kinds, those with tables as full as they may be.
+constexpr const char* kVdslKinds[] = {"pvc",      "vdslLine",  "vdslser",  "vdslpbo",
+                                      "vdslcpsd", "vdslextra", "vdslginp", "vdslvn"};
+
+void run(benchmark::State& state, const std::string& line) {
+  Vty vty;
+  if (host::runLine(vty, CONFIG_NODE, line).returned != 0) state.SkipWithError(line.c_str());
+}
+
+void hotplugVdsl(benchmark::State& state) {
+  const auto cards = static_cast<u32>(state.range(0));
+  populate(cards, "vdsl64");
+  for (const char* kind : kVdslKinds) {
+    run(state, fmt::format("add {} profile bench id 1", kind));
+    run(state, fmt::format("set {} profile id 1", kind));
+    for (u32 i = 0; i < cards; ++i)
+      run(state, fmt::format("attach {} profile id 1 interface {}/1-{}", kind, kServiceSlots[i], kPorts));
+  }
+  for (u32 i = 1; i <= 40; ++i) {
+    run(state, fmt::format("set vdslcpsd para dn index {} tone {} value -60", i, 2800 + i));
+    if (i <= 32) run(state, fmt::format("set vdslvn para dn index {} tone {} level -60", i, 2800 + i));
+    if (i <= 16) run(state, fmt::format("set vdslcpsd para up index {} tone {} value -60", i, 880 + i));
+    if (i <= 16) run(state, fmt::format("set vdslvn para up index {} tone {} level -60", i, 880 + i));
+  }
+  for (auto _ : state)
+    for (u32 i = 0; i < cards; ++i) benchNode().cardUp(kServiceSlots[i]);
+  perPart(state, "per port and kind", cards * kPorts * static_cast<u32>(std::size(kVdslKinds)));
+  populate(0, "vdsl64");
+  for (const char* kind : kVdslKinds) run(state, fmt::format("delete {} profile id 1", kind));
+}
+
 // As many profiles as there are ids, and as many ports that use them.
 void showrun(benchmark::State& state) {
   const auto cards = static_cast<u32>(state.range(0));
@@ -177,6 +208,7 @@ BENCHMARK(write)->Name("profiles written")->Arg(64)->Arg(256)->Arg(1023)->Unit(b
 BENCHMARK(attach)->Name("profile attached")->Arg(1)->Arg(4)->Arg(16)->Unit(benchmark::kMicrosecond);
 BENCHMARK(flush)->Name("profile flushed")->Arg(1)->Arg(4)->Arg(16)->Unit(benchmark::kMicrosecond);
 BENCHMARK(hotplug)->Name("DSL cards return")->Arg(1)->Arg(4)->Arg(16)->Unit(benchmark::kMicrosecond);
+BENCHMARK(hotplugVdsl)->Name("VDSL cards return")->Arg(1)->Arg(4)->Arg(16)->Unit(benchmark::kMicrosecond);
 BENCHMARK(showrun)->Name("DSL running configuration")->Arg(1)->Arg(4)->Arg(16)->Unit(benchmark::kMicrosecond);
 BENCHMARK(storeProfile)->Name("calls of the profile store");
 BENCHMARK(storeAttachment)->Name("row of an attachment");
