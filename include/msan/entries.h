@@ -3,6 +3,7 @@
 
 #include "platform/types.h"
 
+struct CommandElement;
 struct Vty;
 struct DbConnectionData;
 
@@ -37,6 +38,9 @@ int msan_slave_flush();  // the control card has become a slave; 0
 // A look inside for tests and support: what is stored of an attribute for a slot (port 0) or a port, into `length`
 // bytes. 0 or the attribute store's code.
 int msan_get_attribute(u16 slot, u16 port, u32 attribute, void* data, u32 length);
+
+// "set adsl interface ...", the start and stop of a line test. The module leaves it to the platform to install it.
+extern const CommandElement msan_port_test_command;
 
 }  // extern "C"
 #pragma GCC visibility pop

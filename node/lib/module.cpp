@@ -55,6 +55,7 @@ void Module::findEntries() {
   find(handle_, "msan_unregister_events", unregister_events);
   find(handle_, "msan_slave_flush", slave_flush);
   find(handle_, "msan_get_attribute", get_attribute);
+  port_test_command = static_cast<const CommandElement*>(dlsym(handle_, "msan_port_test_command"));
 }
 
 // The leak check comes while the library is mapped, so that its frames have names. The pools go last: destructors of

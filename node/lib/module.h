@@ -44,6 +44,7 @@ class Module {
   decltype(&::msan_unregister_events) unregister_events;
   decltype(&::msan_slave_flush) slave_flush;
   decltype(&::msan_get_attribute) get_attribute;
+  decltype(&::msan_port_test_command) port_test_command;  // null in a library without it
 
  private:
   void findEntries();

@@ -11,6 +11,7 @@
 #include "host/links.h"
 #include "host/log.h"
 #include "host/registry.h"
+#include "platform/command_line.h"
 
 namespace node {
 
@@ -74,7 +75,10 @@ void Node::load() {
   host::setFastMode(false);
   module_.emplace(modulePath_);
   const int result = module_->Module_Init();
-  if (result == 0) return;
+  if (result == 0) {
+    if (module_->port_test_command != nullptr) install_element(CONFIG_NODE, module_->port_test_command);
+    return;
+  }
   module_.reset();
   throw std::runtime_error(modulePath_ + ": msan_Module_Init gave " + std::to_string(result));
 }

@@ -2,6 +2,7 @@
 
 #include "combo/adsl/adsl_config_interface.h"
 #include "combo/adsl/adsl_profile.h"
+#include "combo/port/combo_port_state.h"
 #include "combo/port/port_enable_config.h"
 #include "combo/pvc/pvc_profile.h"
 #include "combo/vdsl/vdsl_config_interface.h"
@@ -11,8 +12,14 @@
 #include "platform/log.h"
 
 static constexpr Step init[] = {init_adsl_cfg, msan_init_data_port_enable_config, vdsl_init_cfg};
-static constexpr Step snmpRegister[] = {adsl_reg_snmp_inf, vdsl_reg_snmp_info, msan_reg_data_port_enable_snmp};
-static constexpr Step install[] = {init_adsl_cmd, vdsl_init_cli_cmd, msan_init_data_port_enable_cmd};
+static constexpr Step snmpRegister[] = {register_portdelt_test_msg_snmp,
+                                        register_portselt_test_msg_snmp,
+                                        register_portstate_msg_snmp,
+                                        adsl_reg_snmp_inf,
+                                        vdsl_reg_snmp_info,
+                                        msan_reg_data_port_enable_snmp};
+static constexpr Step install[] = {install_gepon_msan_port_get_state_element, init_adsl_cmd, vdsl_init_cli_cmd,
+                                   msan_init_data_port_enable_cmd};
 static constexpr PrintStep showrun[] = {adsl_showrun_inf, vdsl_showrun_info, msan_data_port_enable_showrun};
 static constexpr SlotStep hotplug[] = {hotplug_data_port_enable, hotplug_ad_prf_attach, hotplug_pvc_prf_attach,
                                        vdsl_hotplug};

@@ -3,6 +3,10 @@
 #include <algorithm>
 #include <bit>
 #include <cstdio>
+#include <iterator>
+
+#include "common/msan_init.h"
+#include "platform/log.h"
 
 static constexpr u32 kLongestText = 128;
 
@@ -12,6 +16,24 @@ u64 numberIn(WireIn answer, u32 offset, u32 width, ByteOrder order) {
   u64 value = 0;
   for (u32 i = 0; i < width; ++i) value = value << 8 | answer[offset + (little ? width - 1 - i : i)];
   return value;
+}
+
+int get_value_float_to_int(const u8* value, char* text) {
+  if (value == nullptr || text == nullptr) {
+    ulogPrintf(gModuleId_Msan, 10, "%s: the pointer is NULL.\r\n", __func__);
+    return -24;
+  }
+  static constexpr double powers[] = {1, 10, 100, 1000, 10000, 100000};
+  const u8 decimals = value[1];
+  const i32 number = static_cast<i32>(getNumber(value + 2, 4));
+  std::snprintf(text, kScaledText, "%5.2f", decimals < std::size(powers) ? number / powers[decimals] : 0.0);
+  return 0;
+}
+
+ScaledText::ScaledText(WireIn answer, u32 offset) {
+  static constexpr u8 none[6] = {};
+  const bool held = offset <= answer.size() && answer.size() - offset >= sizeof none;
+  get_value_float_to_int(held ? answer.data() + offset : none, text);
 }
 
 namespace {
@@ -58,22 +80,24 @@ void showNumber(Vty* vty, const ShownField& field, const Answer& answer) {
 void showField(Vty* vty, const ShownField& field, const Answer& answer) {
   const u32 at = field.offset;
   switch (field.form) {
-    case Shown::number:
+    case AnswerForm::number:
       return showNumber(vty, field, answer);
-    case Shown::word:
+    case AnswerForm::scaled:
+      return vty_out(vty, field.format, field.label, ScaledText(answer.bytes, at).text);
+    case AnswerForm::word:
       return vty_out(vty, field.format, field.label,
                      textOf(field.words, answer.number(at, field.width), field.otherwise));
-    case Shown::text:
+    case AnswerForm::text:
       return vty_out(vty, field.format, field.label, Text(answer.bytes, at, field.width).bytes);
-    case Shown::place:
+    case AnswerForm::place:
       return vty_out(vty, field.format, field.label, answer.number(at, 2), answer.number(at + 2, 2));
-    case Shown::date:
+    case AnswerForm::date:
       return vty_out(vty, field.format, field.label, answer.number(at, 2), answer.byte(at + 2), answer.byte(at + 3),
                      answer.byte(at + 4), answer.byte(at + 5), answer.byte(at + 6));
-    case Shown::mac:
+    case AnswerForm::mac:
       return vty_out(vty, field.format, field.label, answer.byte(at), answer.byte(at + 1), answer.byte(at + 2),
                      answer.byte(at + 3), answer.byte(at + 4), answer.byte(at + 5));
-    case Shown::address:
+    case AnswerForm::address:
       return showAddress(vty, field, answer);
   }
 }

@@ -17,8 +17,19 @@ enum class ByteOrder : u8 { big, host };
 // A number of `width` bytes, 1 to 8.
 u64 numberIn(WireIn answer, u32 offset, u32 width, ByteOrder order);
 
-enum class Shown : u8 {
+// The text of a scaled number, with two decimals: 6.5 of 00 01 00000041. Other than 0 to 5 decimals give 0.00. 0, or
+// -24 for null. The text takes up to kScaledText bytes.
+inline constexpr u32 kScaledText = 16;
+int get_value_float_to_int(const u8* value, char* text);
+// The same as a value to print, of what may be cut: then it is 0.00.
+struct ScaledText {
+  ScaledText(WireIn answer, u32 offset);
+  char text[kScaledText];
+};
+
+enum class AnswerForm : u8 {
   number,
+  scaled,   // 6 bytes: any, the decimals, an i32
   word,     // the text of a number
   text,     // up to `width` bytes; a full one has no end
   place,    // u16 slot, u16 port
@@ -31,7 +42,7 @@ enum class Shown : u8 {
 struct ShownField {
   const char* format;
   const char* label;
-  Shown form;
+  AnswerForm form;
   u16 offset;
   u8 width = 0;
   std::span<const Word> words = {};
@@ -44,27 +55,30 @@ consteval ShownField shownField(ShownField field) {
   return field;
 }
 consteval ShownField shownNumber(const char* format, const char* label, u16 offset, u8 width = 4) {
-  return shownField<u32>({format, label, Shown::number, offset, width});
+  return shownField<u32>({format, label, AnswerForm::number, offset, width});
+}
+consteval ShownField shownScaled(const char* format, const char* label, u16 offset) {
+  return shownField<const char*>({format, label, AnswerForm::scaled, offset});
 }
 consteval ShownField shownWord(const char* format, const char* label, u16 offset, u8 width, std::span<const Word> words,
                                const char* otherwise = "N/A") {
-  return shownField<const char*>({format, label, Shown::word, offset, width, words, otherwise});
+  return shownField<const char*>({format, label, AnswerForm::word, offset, width, words, otherwise});
 }
 consteval ShownField shownText(const char* format, const char* label, u16 offset, u8 width) {
-  return shownField<const char*>({format, label, Shown::text, offset, width});
+  return shownField<const char*>({format, label, AnswerForm::text, offset, width});
 }
 consteval ShownField shownPlace(const char* format, const char* label, u16 offset = 0) {
-  return shownField<u32, u32>({format, label, Shown::place, offset});
+  return shownField<u32, u32>({format, label, AnswerForm::place, offset});
 }
 consteval ShownField shownDate(const char* format, const char* label, u16 offset) {
-  return shownField<u32, u32, u32, u32, u32, u32>({format, label, Shown::date, offset});
+  return shownField<u32, u32, u32, u32, u32, u32>({format, label, AnswerForm::date, offset});
 }
 consteval ShownField shownMac(const char* format, const char* label, u16 offset) {
-  return shownField<u32, u32, u32, u32, u32, u32>({format, label, Shown::mac, offset});
+  return shownField<u32, u32, u32, u32, u32, u32>({format, label, AnswerForm::mac, offset});
 }
 // Label, type, "): ", address, and the mask if `masked`.
 consteval ShownField shownAddress(const char* format, const char* label, u16 offset, bool masked) {
-  const ShownField field{format, label, Shown::address, offset};
+  const ShownField field{format, label, AnswerForm::address, offset};
   return masked ? shownField<const char*, const char*, const char*, u32>(field)
                 : shownField<const char*, const char*, const char*>(field);
 }

@@ -14,6 +14,13 @@ inline constexpr u32 kOnePort = 4 + kAskedPort;
 int get_gepon_slot_msan_state_base(u8 moduleId, u16 slot, u16 id, const u8* request, u32 requestLength, u8* answer,
                                    u32* answerLength);
 
+// The same port by port, for answers of which one exchange does not hold many: 65535 is each port of the slot in turn.
+// What the ports answer, without the counts, stands in one answer behind the count of those that did; a port that does
+// not, or whose answer there is no room for, is left out, and behind the latter none is asked. 0, a code from above, or
+// -22 without memory.
+int get_gepon_slot_msan_state_base_ex(u8 moduleId, u16 slot, u16 id, const u8* request, u32 requestLength, u8* answer,
+                                      u32* answerLength);
+
 // The question for one port.
 struct OnePortRequest {
   OnePortRequest(u16 slot, u16 port) {

@@ -19,6 +19,7 @@
 #include "voice/globals/voiceTimer.h"
 #include "voice/port/msan_voice_port_cfg.h"
 #include "voice/port/msan_vportenable_cfg.h"
+#include "voice/port/port_test.h"
 #include "voice/port/voice_self_port.h"
 #include "voice/profiles/dsp_channels.h"
 #include "voice/profiles/ngn_dsp.h"
@@ -83,7 +84,10 @@ static constexpr Command commands[] = {
 };
 
 static int msanNGNDataInit() { return initItems(ngnItems); }
-static int msanNGNSnmpMsgRegister() { return registerItems(ngnItems); }
+static int msanNGNSnmpMsgRegister() {
+  registerItems(ngnItems);
+  return snmp_msg_register_port_test();
+}
 static int msan_cmd_init() {
   installItems(ngnItems);
   install_offers("telephone", offerNumbers, nullptr);
