@@ -35,6 +35,9 @@ class Module {
   // What the leak checks ahead of unloading found, since the process began. 0 in a build without leak checks.
   static int leaksFound();
 
+  // A further function that the library exports; null if there is none of the name.
+  void* exported(const std::string& name) const;
+
   decltype(&::msan_Module_Init) Module_Init;
   decltype(&::msan_slot_hotplug) slot_hotplug;
   decltype(&::msan_card_auth_init_db) card_auth_init_db;

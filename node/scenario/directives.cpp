@@ -19,6 +19,7 @@
 #include "host/profile_store.h"
 #include "host/registry.h"
 #include "host/terminal.h"
+#include "std_calls.h"
 #include "text.h"
 
 namespace scenario {
@@ -39,10 +40,6 @@ Action preparing(Prepare prepare) {
 template <class Call>
 Action calling(Call call) {
   return [call](Stage& stage, Outcome& outcome) { outcome.result(call(stage)); };
-}
-
-Action notAvailable(std::string_view why) {
-  return [text = std::string(why)](Stage&, Outcome& outcome) { outcome.notAvailable(text); };
 }
 
 // Chassis and cards.
@@ -201,12 +198,6 @@ Action readSnmp(Arguments& arguments) {
   const u16 id = arguments.id();
   Frame frame = readFrame(arguments);
   return verb == 2 ? readGet(id, std::move(frame)) : readSet(id, verb == 0, std::move(frame));
-}
-
-Action readStd(Arguments& arguments) {
-  const std::string name(arguments.word("name of a function"));
-  while (!arguments.empty()) arguments.number("argument", kLeastResult, kMostNumber);
-  return notAvailable(fmt::format("the module exports no std_{}", name.starts_with("std_") ? name.substr(4) : name));
 }
 
 // The other ends.

@@ -244,6 +244,14 @@ int get_card_type_status(u16 slot, u32* type, u32* subtype) {
   return host::cardState(slot) == CardState::up ? 0 : 1;
 }
 
+int service_slot_author_port_common_examine(i32, u16 slot, u16 port, i32) {
+  constexpr int kNoSlot = -3, kNoPort = -5;
+  const int card = get_config_card_type(slot);
+  u16 ports = 0;
+  if (card <= 0 || ddGetBoardServePortAmountByType(static_cast<u16>(card), &ports) != 0) return kNoSlot;
+  return port >= 1 && port <= ports ? 0 : kNoPort;
+}
+
 int omSlot2ObjId(u16 slot, u32* id) {
   if (id == nullptr || !isReal(slot)) return -1;
   *id = host::objectId(slot, 0);

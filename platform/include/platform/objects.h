@@ -33,6 +33,9 @@ int get_card_type_status(u16 slot, u32*, u32*);  // 0 or 2: the card's software 
 
 // Negative unless the port can be asked for something: its card is there and up. The last argument is 0.
 int gpon_slot_online_port_common_examine(i32 moduleId, u16 slot, u16 port, i32);
+// Whether a port of a service card can be used: its slot must be authorised and its card have the port, there or not.
+// Negative if not.
+int service_slot_author_port_common_examine(i32 module, u16 slot, u16 port, i32);
 
 // Object ids, the keys of what is stored for a slot or a port. 0 is success.
 int omSlot2ObjId(u16 slot, u32* id);

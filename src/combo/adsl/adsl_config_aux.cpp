@@ -21,7 +21,7 @@ int msan_data_obj_validation(u16 slot, u16 port) {
   return port >= 1 && port <= ports ? 0 : -1;
 }
 
-int adsl_min_rate_get(u16 slot, u16 port, int direction, u32* rate) {
+int adsl_min_rate_get(u16 slot, u16 port, int which, u32* rate) {
   if (rate == nullptr || msan_data_obj_validation(slot, port) != 0) return -1;
   ObjIndex object;
   if (SlotNoPortConvertObjIndex(slot, port, 0, &object) != 0) return -1;
@@ -32,7 +32,7 @@ int adsl_min_rate_get(u16 slot, u16 port, int direction, u32* rate) {
     return 0;
   }
   AdslPrfRecord record;
-  if (get_adsl_prf(&record, id) != 0 || (direction != kUpstream && direction != kDownstream)) return -1;
-  *rate = direction == kUpstream ? record.item.MinRateUp : record.item.MinRateDn;
+  if (get_adsl_prf(&record, id) != 0 || (which != kUpstream && which != kDownstream)) return -1;
+  *rate = which == kUpstream ? record.item.MinRateUp : record.item.MinRateDn;
   return 0;
 }

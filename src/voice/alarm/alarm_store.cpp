@@ -26,7 +26,8 @@ static constexpr WholeTable<AlarmPrfInfo, AlarmColumns> profiles{
     [](AlarmPrfInfo* row, const AlarmColumns* columns) {
       return AlarmPrfInfo_fixed_put(row, columns, sizeof *columns);
     },
-    [](AlarmPrfInfo* row, AlarmColumns* columns) { return AlarmPrfInfo_fixed_get(row, columns, sizeof *columns); }};
+    [](AlarmPrfInfo* row, AlarmColumns* columns) { return AlarmPrfInfo_fixed_get(row, columns, sizeof *columns); },
+    AlarmPrfInfo_delete};
 
 static int storeProfileRow(const AlarmPrfRecord& record) {
   AlarmColumns columns{.id = record.prfId};
@@ -61,16 +62,7 @@ int set_alarm_profile_attribute(u32 count, const AlarmPrfRecord* records) {
 
 int store_default_alarm_profile(const AlarmPrfRecord& record) { return storeProfileRow(record); }
 
-int delete_alarm_profile_db(u16 id) {
-  Transaction transaction(Access::write);
-  if (!transaction) return kStoreFailed;
-  AlarmPrfInfo row;
-  if (const int code = profiles.find(transaction, id, &row)) {
-    logFind(Where::here(), profiles.name, profiles.index, code);
-    return kStoreFailed;
-  }
-  return AlarmPrfInfo_delete(&row) == 0 ? transaction.commit() : kStoreFailed;
-}
+int delete_alarm_profile_db(u16 id) { return removeWhole(profiles, id); }
 
 // --- Ports ---
 

@@ -1,0 +1,93 @@
+#include <algorithm>
+
+#include "common/msan_init.h"
+#include "common/msan_obj.h"
+#include "data/rate/port_rate_bind.h"
+#include "platform/objects.h"
+#include "standard_mib/ports.h"
+
+static constexpr int kEnd = -2, kPortAbove = -3, kBadDirection = -9, kNoDataCard = -102;
+
+ServiceSlots::ServiceSlots() : known_(getServeSlots(slots_, &count_) == 0) {
+  if (!known_) count_ = 0;
+}
+
+static u16 portsOf(int card) {
+  u16 ports = 0;
+  return ddGetBoardServePortAmountByType(static_cast<u16>(card), &ports) == 0 ? ports : u16{0};
+}
+
+std::optional<u16> dataPortsOf(u16 slot) {
+  const u16 card = configuredDataCard(slot);
+  if (card == 0) return {};
+  return portsOf(card);
+}
+
+std::optional<u16> potsPortsOf(u16 slot) {
+  const int card = get_config_card_type(slot);
+  if (card <= 0 || caCheckCardTypeIsMsanPotsCard(static_cast<u16>(card)) != 0) return {};
+  return portsOf(card);
+}
+
+// The first slot of a data card behind one, in the order of the list.
+static int firstDataSlot(std::span<const u32> slots, u16* slot, u16* port) {
+  const auto found =
+      std::ranges::find_if(slots, [](u32 number) { return configuredDataCard(static_cast<u16>(number)) != 0; });
+  if (found == slots.end()) return kEnd;
+  *slot = static_cast<u16>(*found);
+  *port = 1;
+  return 0;
+}
+
+int std_snmp_first_dsl_port_get(u16* slot, u16* port) {
+  if (slot == nullptr || port == nullptr) return kNullArgument;
+  const ServiceSlots slots;
+  return slots ? firstDataSlot(slots.list(), slot, port) : kEnd;
+}
+
+// The slot's own card must be there; of the next one it is enough that it is configured.
+int std_snmp_next_dsl_port_get(u16* slot, u16* port) {
+  if (slot == nullptr || port == nullptr) return kNullArgument;
+  const int card = get_valid_servicecard_type(*slot);
+  if (card < 0) return card;
+  u16 ports = 0;
+  if (caCheckCardTypeIsMsanDataCard(static_cast<u16>(card)) != 0 ||
+      ddGetBoardServePortAmountByType(static_cast<u16>(card), &ports) != 0 || ports == 0) {
+    return kNoDataCard;
+  }
+  if (*port > ports) return kPortAbove;
+  if (*port < ports) {
+    ++*port;
+    return 0;
+  }
+  const ServiceSlots slots;
+  const auto list = slots.list();
+  const auto here = std::ranges::find(list, *slot);
+  return here != list.end() ? firstDataSlot({here + 1, list.end()}, slot, port) : kEnd;
+}
+
+int std_snmp_get_data_port_type(u16 cardType, u16 port, u32* type) {
+  if (type == nullptr) return kNullArgument;
+  u16 portType = 0;
+  if (const int code = dm_get_port_type(cardType, 0, 0, port, &portType)) return code;
+  *type = portType;
+  return 0;
+}
+
+// The tests of a read by direction.
+static int checkDirection(u16 slot, u16 port, u16 direction, const u32* out) {
+  const int code = service_slot_author_port_common_examine(gModuleId_Msan, slot, port, 0);
+  if (code < 0) return code;
+  if (out == nullptr) return kNullArgument;
+  return direction <= 1 ? 0 : kBadDirection;
+}
+
+int std_snmp_limit_speed_time_get(u16 slot, u16 port, u16 direction, u32* rate) {
+  if (const int code = checkDirection(slot, port, direction, rate)) return code;
+  return get_port_rate_limit_info(slot, port, direction, rate);
+}
+
+int std_snmp_data_port_rate_get(u16 slot, u16 port, u16 direction, u32* rate) {
+  if (const int code = checkDirection(slot, port, direction, rate)) return code;
+  return adsl_min_rate_get(slot, port, direction + 1, rate);
+}
