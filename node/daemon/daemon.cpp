@@ -172,7 +172,7 @@ void runDaemon(const Configuration& configuration) {
   std::optional<Agent> agent;
   if (!configuration.snmp.listen.empty()) {
     const auto folder = std::filesystem::path(configuration.startup).parent_path() / "snmp";
-    agent.emplace(configuration.snmp, folder.string());
+    agent.emplace(configuration.snmp, folder.string(), node.module());
     for (const std::string& address : configuration.snmp.listen) note("snmp: listens at " + address);
   }
   // Behind what may fail: who sees the socket sees a node that stays.

@@ -165,6 +165,21 @@ constexpr Function kFunctions[] = {
     STD(std_snmp_voice_port_status_get, "slot port"),
     STD(std_snmp_first_pots_port_get, ">slot >port"),
     STD(std_snmp_next_pots_port_get, "<>slot <>port"),
+    STD(std_snmp_get_first_rate_prf, ""),
+    STD(std_snmp_get_next_rate_prf, "id"),
+    STD(std_snmp_rate_prf_id_assign, ""),
+    STD(std_snmp_rate_prf_add, "id name"),
+    STD(std_snmp_rate_prf_name_mod, "id name"),
+    STD(std_snmp_rate_prf_delete_by_id, "id"),
+    STD(std_snmp_rate_prf_rate_get, "id direction"),
+    STD(std_snmp_rate_prf_rate_set, "id direction rate"),
+    STD(std_snmp_rate_prf_attach_info_get, "slot port"),
+    STD(std_snmp_rate_prf_attach_by_id, "slot port id"),
+    STD(std_snmp_rate_prf_attach_by_name, "slot port name"),
+    STD(std_snmp_get_attach_bw_first_prfid, ">slot >port >id"),
+    STD(std_snmp_get_attach_bw_next_prfid, "slot port >slot >port >id"),
+    STD(stdmib_get_first_obj, ">slot >port"),
+    STD(stdmib_get_next_obj, "slot port >slot >port"),
 };
 
 constexpr i64 kLeastNumber = -0x80000000ll;

@@ -8,10 +8,12 @@
 #include <chrono>
 #include <cstdlib>
 #include <ctime>
+#include <optional>
 #include <stdexcept>
 #include <system_error>
 #include <thread>
 
+#include "adsl_tables.h"
 #include "engine.h"
 #include "library.h"
 #include "module_road.h"
@@ -96,8 +98,19 @@ static int countMessage(netsnmp_session*, netsnmp_transport*, void*, int) {
   return 1;
 }
 
+// What the node is to managers that know nothing of it.
+struct StandardTables {
+  explicit StandardTables(const node::Module& module) : functions(module) {}
+  StandardFunctions functions;
+  InterfaceTable interfaces{functions};
+  InterfaceNames names;
+  AdslLineTable lines{functions};
+  AdslProfileTable profiles{functions};
+  AdslAlarmProfileTable alarmProfiles{functions};
+};
+
 struct Agent::Running {
-  Running(SnmpSettings wanted, const std::string& folder);
+  Running(SnmpSettings wanted, const std::string& folder, const node::Module& module);
   ~Running();
 
   void listen(const std::string& address);
@@ -124,6 +137,7 @@ struct Agent::Running {
   Streams streams;  // the library closes them
   Library library;
   FrameTable table;
+  std::optional<StandardTables> standard;  // of a module that has the functions for them
   ModuleRoad road{table};
   Turns turns{kPatience};
   std::atomic<bool> stopped{false};
@@ -132,8 +146,10 @@ struct Agent::Running {
 
 Agent::Running* Agent::Running::theAgent = nullptr;
 
-Agent::Running::Running(SnmpSettings wanted, const std::string& folder) : settings(std::move(wanted)), library(folder) {
+Agent::Running::Running(SnmpSettings wanted, const std::string& folder, const node::Module& module)
+    : settings(std::move(wanted)), library(folder) {
   registerSystemGroups(settings);
+  if (StandardFunctions(module).complete()) standard.emplace(module);
   init_snmp(kApplication);
   if (!settings.users.empty()) useEngine(startEngine(folder + "/engine"));
   allowManagers(settings);
@@ -192,8 +208,8 @@ void Agent::Running::serve(int thread) {
   }
 }
 
-Agent::Agent(const SnmpSettings& settings, const std::string& folder)
-    : running_(std::make_unique<Running>(settings, folder)) {}
+Agent::Agent(const SnmpSettings& settings, const std::string& folder, const node::Module& module)
+    : running_(std::make_unique<Running>(settings, folder, module)) {}
 
 Agent::~Agent() = default;
 

@@ -4,15 +4,16 @@
 #include <memory>
 #include <string>
 
+#include "module.h"
 #include "settings.h"
 
 namespace msand {
 
 class Agent {
  public:
-  // Listens, and serves from now on; the node's module is loaded and stays. `folder` is for what the library wants to
+  // Listens, and serves from now on; the module stays. `folder` is for what the library wants to
   // write. There is one agent per process. Throws std::runtime_error if an address can't be had.
-  Agent(const SnmpSettings& settings, const std::string& folder);
+  Agent(const SnmpSettings& settings, const std::string& folder, const node::Module& module);
   // Lets the module's request under way end; those that wait are dropped.
   ~Agent();
   Agent(const Agent&) = delete;

@@ -1,0 +1,40 @@
+#pragma once
+// The module's functions for standard MIBs.
+
+#include "module.h"
+#include "msan/standard_mib.h"
+
+namespace msand {
+
+class StandardFunctions {
+ public:
+  explicit StandardFunctions(const node::Module& module) : module_(module) {}
+  // The module has all of those below.
+  bool complete() const { return complete_; }
+
+ private:
+  template <class Function>
+  Function* find(const char* name) {
+    void* const found = module_.exported(name);
+    complete_ = complete_ && found != nullptr;
+    return reinterpret_cast<Function*>(found);
+  }
+#define MSAND_FUNCTION(member, name) decltype(::name)* const member = find<decltype(::name)>(#name)
+
+  const node::Module& module_;
+  bool complete_ = true;
+
+ public:
+  MSAND_FUNCTION(dataPortEnable, std_snmp_data_port_enable_get);
+  MSAND_FUNCTION(dataPortStatus, std_snmp_data_port_status_get);
+  MSAND_FUNCTION(potsPortEnable, std_snmp_pots_port_enable_get);
+  MSAND_FUNCTION(lineProfile, std_snmp_adsl_line_prf_get);
+  MSAND_FUNCTION(nextLineProfile, std_snmp_get_next_adsl_line_prf);
+  MSAND_FUNCTION(attachedLineProfile, std_snmp_get_attach_adsl_line_prfid);
+  MSAND_FUNCTION(alarmProfile, std_dsl_alarm_prf_get);
+  MSAND_FUNCTION(nextAlarmProfile, std_get_next_dsl_alarm_prf);
+  MSAND_FUNCTION(attachedAlarmProfile, std_get_attached_dsl_alarm_prf_id);
+#undef MSAND_FUNCTION
+};
+
+}  // namespace msand

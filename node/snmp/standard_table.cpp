@@ -1,0 +1,79 @@
+#include "standard_table.h"
+
+#include <algorithm>
+#include <shared_mutex>
+#include <stdexcept>
+#include <utility>
+
+#include "host/chassis.h"
+
+namespace msand {
+
+StandardTable::StandardTable(const char* name, const Oid& entry, Oid columns)
+    : entry_(entry), columns_(std::move(columns)) {
+  registration_ = netsnmp_create_handler_registration(name, handle, entry_.data(), entry_.size(), HANDLER_CAN_RONLY);
+  registration_->handler->myvoid = this;
+  if (netsnmp_register_handler(registration_) != MIB_REGISTERED_OK)
+    throw std::runtime_error(std::string("snmp: ") + name + ": can't be registered");
+}
+
+StandardTable::~StandardTable() { netsnmp_unregister_handler(registration_); }
+
+bool StandardTable::giveNumber(netsnmp_variable_list& to, u32 number, u8 type) {
+  return snmp_set_var_typed_integer(&to, type, static_cast<long>(number)) == 0;
+}
+
+bool StandardTable::giveText(netsnmp_variable_list& to, std::string_view text) {
+  return snmp_set_var_typed_value(&to, ASN_OCTET_STR, text.data(), text.size()) == 0;
+}
+
+int StandardTable::handle(netsnmp_mib_handler* handler, netsnmp_handler_registration*, netsnmp_agent_request_info* info,
+                          netsnmp_request_info* requests) {
+  auto& table = *static_cast<StandardTable*>(handler->myvoid);
+  // The module does not change, nor do the cards' types.
+  const std::shared_lock gate(host::requestGate());
+  for (netsnmp_request_info* request = requests; request != nullptr; request = request->next) {
+    if (request->processed != 0) continue;
+    if (info->mode == MODE_GET) table.get(request);
+    if (info->mode == MODE_GETNEXT) table.getNext(request);
+  }
+  return SNMP_ERR_NOERROR;
+}
+
+void StandardTable::get(netsnmp_request_info* request) {
+  const netsnmp_variable_list& from = *request->requestvb;
+  if (from.name_length > entry_.size() + 1) {
+    const oid column = from.name[entry_.size()];
+    const Oid index(from.name + entry_.size() + 1, from.name + from.name_length);
+    if (std::ranges::binary_search(columns_, column) && give(column, index, *request->requestvb)) return;
+  }
+  netsnmp_set_request_error(nullptr, request, SNMP_NOSUCHINSTANCE);
+}
+
+bool StandardTable::giveAs(oid column, const Oid& index, netsnmp_variable_list& to) {
+  if (!give(column, index, to)) return false;
+  Oid name = entry_;
+  name.push_back(column);
+  name.insert(name.end(), index.begin(), index.end());
+  snmp_set_var_objid(&to, name.data(), name.size());
+  return true;
+}
+
+// Cells that tell nothing are passed over.
+void StandardTable::getNext(netsnmp_request_info* request) {
+  const netsnmp_variable_list& from = *request->requestvb;
+  Oid rest;
+  if (from.name_length > entry_.size() && snmp_oid_compare(from.name, entry_.size(), entry_.data(), entry_.size()) == 0)
+    rest.assign(from.name + entry_.size(), from.name + from.name_length);
+  const oid first = rest.empty() ? 0 : rest.front();
+  for (const oid column : columns_) {
+    if (column < first) continue;
+    Oid index;
+    if (column == first) index.assign(rest.begin() + 1, rest.end());
+    if (request->inclusive != 0 && !index.empty() && giveAs(column, index, *request->requestvb)) return;
+    for (auto row = behind(index); row; row = behind(*row))
+      if (giveAs(column, *row, *request->requestvb)) return;
+  }
+}
+
+}  // namespace msand
