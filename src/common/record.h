@@ -31,7 +31,7 @@ struct FieldRow {
   u16 code = 0;                  // of a failed check; 0 takes any value
   const char* complaint = "";
   bool cutAtEnd = false;  // a text: what stands behind its end on the wire is not taken
-  Condition when = {};  // otherwise it is not checked, and stored as zero
+  Condition when = {};    // otherwise it is not checked, and stored as zero
 };
 
 inline constexpr u32 kLargestField = 2048;  // bytes

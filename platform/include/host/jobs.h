@@ -9,8 +9,8 @@ namespace host {
 // Runs what is queued, in order, jobs that jobs add included.
 void runJobs();
 void clearJobs();
-// For a thread of jobs: waits for one and runs it. False once the jobs are stopped; what then waits is left to clearJobs,
-// which lets jobs run again.
+// For a thread of jobs: waits for one and runs it. False once the jobs are stopped; what then waits is left to
+// clearJobs, which lets jobs run again.
 bool runNextJob();
 void stopJobs();
 
