@@ -54,6 +54,8 @@ TEST_F(Terminals, OfferWhatExists) {
   EXPECT_THAT(existing("attach adslLine profile name "), ElementsAre("defaultAdslPrf", "gone", "gold"));
   EXPECT_THAT(existing("attach adslLine profile id "), ElementsAre("0", "1", "5"));
   EXPECT_THAT(existing("show adslLine profile all "), IsEmpty());
+  EXPECT_THAT(existing("attach alarm profile id "), ElementsAre("0"));
+  EXPECT_THAT(existing("attach rate-limit profile name "), ElementsAre("PORTRATE.PRF"));
   EXPECT_THAT(existing("attach vlan profile "), ElementsAre("triple"));
   EXPECT_THAT(existing("add adslLine profile "), IsEmpty());
   EXPECT_THAT(existing("set dsp profile name p"), ElementsAre("p1", "p2", "p3", "p4", "p5", "p6", "p7", "p8", "p9"));

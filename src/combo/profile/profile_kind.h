@@ -8,6 +8,7 @@
 #include "common/memory.h"
 #include "common/msan_obj.h"
 #include "common/semaphore_hold.h"
+#include "platform/command_line.h"
 #include "platform/lists.h"
 #include "platform/profile_store.h"
 
@@ -137,6 +138,8 @@ class ProfileLock : SemaphoreHold {
 // --- Profiles (profile_store.cpp) ---
 
 int registerKind(const ProfileKind& kind);
+// For install_offers, with a kind as its context. A kind of the profile store is installed when it is registered.
+CommandOfferList offerKind;
 inline i16 storeId(u16 id) { return static_cast<i16>(id); }  // an id as the store's calls take it
 
 int checkIdLegal(const ProfileKind& kind, SnmpErrInfo* err, u32 id);

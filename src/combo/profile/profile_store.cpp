@@ -4,21 +4,22 @@
 #include <cstring>
 
 #include "combo/profile/profile_kind.h"
-#include "platform/command_line.h"
 
-static void offerProfiles(const void* context, CommandOffers* to) {
+void offerKind(const void* context, CommandOffers* to) {
   const auto& kind = *static_cast<const ProfileKind*>(context);
-  char name[sizeof ProfileHead::name];
-  for (u32 id = 0; id < kind.count(); ++id)
-    if (readProfileName(kind, name, static_cast<u16>(id)) == 0)
-      offer_to_cli(to, static_cast<i32>(id), name, static_cast<u32>(std::strlen(name)));
+  AnyProfile record;
+  for (u32 id = 0; id < kind.count(); ++id) {
+    const auto one = static_cast<u16>(id);
+    if (profileExists(kind, one) && readProfile(kind, &record, one) == 0)
+      offer_to_cli(to, one, record.name, static_cast<u32>(strnlen(record.name, kProfileNameBytes)));
+  }
 }
 
 int registerKind(const ProfileKind& kind) {
   const i16 handle = prfRegNewType(kind.type, static_cast<u16>(kind.count()), 1, kind.shape.itemSize);
   if (handle < 0) return -1;
   kind.type = handle;
-  install_offers(kind.word, offerProfiles, &kind);
+  install_offers(kind.word, offerKind, &kind);
   return 0;
 }
 

@@ -137,6 +137,7 @@ static constexpr Command commands[] = {
 };
 
 static void offerProfiles(const void*, CommandOffers* to) {
+  offer_to_cli(to, 0, kDefaultRateName, sizeof kDefaultRateName - 1);
   PortRatePrf p;
   for (u16 id = nextRateProfile(0, &p); id != 0; id = nextRateProfile(id, &p)) {
     offer_to_cli(to, id, p.name, static_cast<u32>(strnlen(p.name, kRateName)));

@@ -97,4 +97,7 @@ static constexpr Command commands[] = {
     command(CONFIG_NODE, "set alarm FeLprsThreshold15min <value>", set_alarm_FeLprsThreshold15min_func, "seconds without power, far end"),
 };
 // clang-format on
-int init_alram_prf_cmd() { return installCommands(commands); }
+int init_alram_prf_cmd() {
+  install_offers(alarmKind.word, offerKind, &alarmKind);
+  return installCommands(commands);
+}
