@@ -41,12 +41,5 @@ for table in $interfaces .1.3.6.1.2.1.31.1.1.1 $adsl; do
 done
 expect "names of profiles that are walked" "68.69.70.86.65.76 $gold" \
   "$(snmpwalk -v2c -c public -On "$udp" $adsl.14.1.30 | sed 's/.*\.1\.30\.\([0-9.]*\) .*/\1/' | xargs)"
-
-published=$(dirname "${BASH_SOURCE[0]}")/../../../shared/mibs
-if [ -d "$published" ]; then
-  snmpwalk -M "$published" -m ALL -v2c -c public "$udp" .1.3.6.1.2.1 >"$folder/named" 2>&1
-  expect "every value has its type" "" "$(grep -E "Wrong Type|Bad" "$folder/named" || true)"
-  expectMatch "by name" "*INTEGER: adsl(94)" "$(grep "ifType.$line " "$folder/named")"
-fi
 stop
 exit $bad
