@@ -45,12 +45,13 @@ T argument(std::vector<u8>& bytes) {
 
 template <class Function>
 struct Caller;
-template <class... T>
-struct Caller<int(T...)> {
-  static constexpr std::size_t kCount = sizeof...(T);
+template <class Result, class... T>
+struct Caller<Result(T...)> {
+  static constexpr bool kGivesName = std::is_pointer_v<Result>;
+  static constexpr std::size_t kCount = sizeof...(T) + (kGivesName ? 1 : 0);
   static_assert(kCount <= kMostParameters);
 
-  // What the types tell of the parameters.
+  // What the types tell of the parameters. A name that is the result stands as an out behind them.
   static constexpr Parameters parameters() {
     Parameters all;
     [[maybe_unused]] std::size_t i = 0;
@@ -70,7 +71,14 @@ struct Caller<int(T...)> {
  private:
   template <std::size_t... I>
   static int call(void* function, Values& values, std::index_sequence<I...>) {
-    return reinterpret_cast<int (*)(T...)>(function)(argument<T>(values[I])...);
+    const Result result = reinterpret_cast<Result (*)(T...)>(function)(argument<T>(values[I])...);
+    if constexpr (!kGivesName) {
+      return result;
+    } else {
+      if (result == nullptr) return -1;
+      values[sizeof...(T)].assign(result, result + std::strlen(result) + 1);
+      return 0;
+    }
   }
 };
 
@@ -173,6 +181,7 @@ constexpr Function kFunctions[] = {
     STD(std_snmp_rate_prf_delete_by_id, "id"),
     STD(std_snmp_rate_prf_rate_get, "id direction"),
     STD(std_snmp_rate_prf_rate_set, "id direction rate"),
+    STD(std_snmp_get_rate_prf_name_by_id, "id >name:0"),
     STD(std_snmp_rate_prf_attach_info_get, "slot port"),
     STD(std_snmp_rate_prf_attach_by_id, "slot port id"),
     STD(std_snmp_rate_prf_attach_by_name, "slot port name"),

@@ -24,10 +24,13 @@ int rejectAs(SnmpErrInfo* err, int code, std::initializer_list<u16> details) {
   return code;
 }
 
-int readCount(WireIn frame, u32 least, u32 most, u32* count, SnmpErrInfo* err) {
+// The count of a request, which has to lie within its limits. 0 or -1.
+static int readCount(const DataItem& item, WireIn frame, u32 least, u32 most, u32* count, SnmpErrInfo* err) {
   if (frame.size() < kObjects) return tooShort(err, frame);
   *count = getNumber(frame.data() + kObjects - 4, 4);
-  return *count >= least && *count <= most ? 0 : rejectLong(err, kCountRange, *count);
+  if (*count >= least && *count <= most) return 0;
+  if (item.countRefused != nullptr) item.countRefused(*count);
+  return rejectLong(err, kCountRange, *count);
 }
 
 void ChangedSlots::add(u16 slot) {
@@ -225,7 +228,7 @@ void reportRecords(const DataItem& item, LIST* records, int origin) {
 
 static int parseRecords(const DataItem& item, WireIn frame, LIST* records, SnmpErrInfo* err) {
   u32 count = 0;
-  if (readCount(frame, item.minimum, item.maximum, &count, err) != 0) return -1;
+  if (readCount(item, frame, item.minimum, item.maximum, &count, err) != 0) return -1;
   Reader in(frame.subspan(kObjects));
   for (; count != 0; --count) {
     void* record = mpuAlloc_(g_MsanMemPoolId, item.kept.bytes, __FILE__, __LINE__);
@@ -332,7 +335,7 @@ static int selectOne(const DataItem& item, u16 slot, u16 port, LIST* objects, Sn
 
 int selectObjects(const DataItem& item, WireIn frame, LIST* objects, SnmpErrInfo* err) {
   u32 count = 0;
-  if (readCount(frame, 0, item.mostSelected, &count, err) != 0) return -1;
+  if (readCount(item, frame, 0, item.mostSelected, &count, err) != 0) return -1;
   if (count == 0) return selectAll(item, 0, objects, err);
   Reader in(frame.subspan(kObjects));
   if (in.rest().size() / kSelector < count) return tooShort(err, frame);

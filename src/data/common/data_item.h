@@ -86,7 +86,9 @@ struct DataItem {
   bool (*holds)(const ObjIndex* object) = nullptr;  // whether an object that a walk has found has the item at all: all
   bool (*reaches)(const ObjIndex* object) = nullptr;  // whether a message to the object's card is tried now: always
   void (*report)(LIST* records, u16 id, int origin) = nullptr;  // of slots that have changed: each of them, once
-  // What is logged of a message that could not be sent, and of a record that could not be built into it.
+  // What is logged of a request's count out of its limits, of a message that could not be sent, and of a record that
+  // could not be built into it.
+  void (*countRefused)(u32 count) = nullptr;
   void (*sendFailed)(u16 slot) = nullptr;
   void (*buildFailed)(u16 slot) = nullptr;
 
@@ -146,8 +148,6 @@ enum DataError : int { kCountRange = -1, kNoSlot = -3, kShortFrame = -18, kNoMem
 // As reject(), and gives the code itself.
 int rejectAs(SnmpErrInfo* err, int code, std::initializer_list<u16> details);
 
-// The count of a request, which has to lie within its limits. 0 or -1.
-int readCount(WireIn frame, u32 least, u32 most, u32* count, SnmpErrInfo* err);
 inline constexpr u32 kObjects = 36;  // offset of what is counted
 
 // The objects that the selectors of a GET name. 0, -1, or kNoMemory where that has no answer.

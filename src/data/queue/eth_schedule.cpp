@@ -240,6 +240,8 @@ static int select(u16 slot, u16 port, ObjIndex* object, SnmpErrInfo* err) {
   return checkObject(ethSchedule, object, err);
 }
 
+static void countRefused(u32 count) { ulogPrintf(gModuleId_Msan, 10, "\r\n objItemNum error %d", count); }
+
 static bool holds(const ObjIndex* object) {
   SnmpErrInfo err;
   return checkSlotOf(*object, &err) == 0;
@@ -359,6 +361,7 @@ constexpr DataItem ethSchedule = {
     .select = select,
     .holds = holds,
     .reaches = reachesRunningCard,
+    .countRefused = countRefused,
     .sendFailed = untold,
     .showrun = onRecord<showrun_ethschedule_item>,
     .commands = commands,
