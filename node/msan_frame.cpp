@@ -1,13 +1,19 @@
 // A manager's frames from the command line.
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
+#include <fstream>
+#include <iostream>
+#include <iterator>
 #include <string>
 #include <vector>
 
 #include "frame/client.h"
+#include "frame/named.h"
 #include "host/hex.h"
+#include "messages/named.h"
 #include "scenario/arguments.h"
 #include "standard_output.h"
 
@@ -19,15 +25,41 @@ struct Options {
   frame::Access access;
   std::string id;
   std::vector<std::string> words;
+  std::string from;
+  bool fresh = false;
+  bool json = false;
+  bool hex = false;
   CLI::App* set = nullptr;
   CLI::App* query = nullptr;
+  CLI::App* get = nullptr;
+  CLI::App* describe = nullptr;
 };
 
-void declareRequest(CLI::App& command, Options& options, bool needsFrame) {
-  command.add_option("ID", options.id, "number of the message, decimal or 0x")->required();
-  auto* words = command.add_option("BYTES", options.words,
-                                   "the frame: hex digits, bb*N, u8:N u16:N u32:N, \"text\":N, - for no bytes");
-  if (needsFrame) words->required();
+CLI::App& declareRequest(CLI::App& app, Options& options, const char* name, const char* help) {
+  CLI::App& command = *app.add_subcommand(name, help);
+  command.add_option("ID", options.id, "the message: its name, or its number, decimal or 0x")->required();
+  return command;
+}
+
+void declareWords(CLI::App& command, Options& options, const char* help) {
+  command.add_option("WORDS", options.words, help);
+}
+
+void declareRequests(CLI::App& app, Options& options) {
+  constexpr char kBytes[] = "bytes: hex digits, bb*N, u8:N u16:N u32:N, \"text\":N, - for no bytes";
+  constexpr char kWords[] = "NAME=VALUE, SLOT/PORT for an item of a list of ports; or bytes, as for query";
+  options.set = &declareRequest(app, options, "set", "sets values; what is not told stays as the node has it");
+  declareWords(*options.set, options, kWords);
+  options.set->add_flag("--new", options.fresh, "what is not told has its default");
+  options.set->add_option("--from", options.from, "a JSON file of values; -: the standard input")->type_name("FILE");
+  options.get = &declareRequest(app, options, "get", "prints what the node answers");
+  declareWords(*options.get, options, kWords);
+  options.get->add_flag("--hex", options.hex, "as bytes, piece by piece");
+  for (CLI::App* const command : {options.set, options.get}) command->add_flag("--json", options.json, "prints JSON");
+  options.query = &declareRequest(app, options, "query", "leaves a frame for the next get of the message");
+  options.query->add_option("BYTES", options.words, kBytes)->required();
+  options.describe = app.add_subcommand("describe", "prints a message's fields and what they can be, or all messages");
+  options.describe->add_option("ID", options.id, "the message");
 }
 
 void declare(CLI::App& app, Options& options) {
@@ -47,15 +79,11 @@ void declare(CLI::App& app, Options& options) {
   app.add_option("--piece", access.piece, "largest piece of a frame; else what the transport holds")
       ->type_name("BYTES")
       ->check(CLI::Range(1, 4000000));
-  options.set = app.add_subcommand("set", "hands the node a frame, prints its reply");
-  declareRequest(*options.set, options, true);
-  options.query = app.add_subcommand("query", "leaves a frame for the next get of the message");
-  declareRequest(*options.query, options, true);
-  declareRequest(*app.add_subcommand("get", "prints what the node answers, piece by piece"), options, false);
+  declareRequests(app, options);
   app.require_subcommand(1);
   app.footer(
-      "Exit codes: 0 done, 1 the node refused it, 2 bad options or bytes, 3 no answer, no access, or\n"
-      "output that can't be written.");
+      "Exit codes: 0 done, 1 the node refused it, 2 bad options, values or bytes, 3 no answer, no access,\n"
+      "or output that can't be written.");
 }
 
 std::string environment(const char* name) {
@@ -93,18 +121,17 @@ bool show(const std::vector<u8>& reply) {
   return words.empty();
 }
 
-int run(const Options& options) {
-  const auto id = static_cast<u16>(scenario::parseNumber("message id", options.id, 0, 65535));
+int setBytes(const Options& options, u16 id) {
+  if (options.words.empty()) throw scenario::BadLine("neither values nor bytes");
+  const std::vector<u8> bytes = bytesOf(options);
+  frame::Client client(options.access);
+  const frame::SetResult result = client.set(id, bytes);
+  return show(result.reply) && result.accepted ? kDone : kRefused;
+}
+
+int getBytes(const Options& options, u16 id) {
   const std::vector<u8> bytes = options.words.empty() ? std::vector<u8>() : bytesOf(options);
   frame::Client client(options.access);
-  if (*options.set) {
-    const frame::SetResult result = client.set(id, bytes);
-    return show(result.reply) && result.accepted ? kDone : kRefused;
-  }
-  if (*options.query) {
-    client.query(id, bytes);
-    return kDone;
-  }
   if (!bytes.empty()) client.query(id, bytes);
   bool good = true;
   for (bool last = false; !last;) {
@@ -114,6 +141,56 @@ int run(const Options& options) {
     std::printf("last %d\n", last ? 1 : 0);
   }
   return good ? kDone : kRefused;
+}
+
+std::string contentOf(const std::string& path) {
+  if (path == "-") return {std::istreambuf_iterator<char>(std::cin), {}};
+  std::ifstream file(path);
+  if (!file) throw scenario::BadLine("can't read " + path);
+  return {std::istreambuf_iterator<char>(file), {}};
+}
+
+int runNamed(const Options& options, const messages::Message& message, u16 id) {
+  const frame::Request request{
+      &message, id, options.words, options.from.empty() ? "" : contentOf(options.from), options.fresh, options.json};
+  frame::Client client(options.access);
+  std::string text;
+  const bool done = *options.set ? setNamed(client, request, text) : getNamed(client, request, text);
+  std::fputs(text.c_str(), stdout);
+  return done ? kDone : kRefused;
+}
+
+// Names and values, or nothing at all where a message is asked for.
+bool isNamed(const Options& options) {
+  if (options.hex || *options.query) return false;
+  if (options.json || options.fresh || !options.from.empty()) return true;
+  return std::ranges::all_of(options.words, messages::isValueWord) && (*options.get || !options.words.empty());
+}
+
+int describe(const std::string& name) {
+  if (name.empty()) {
+    for (const messages::Message& one : messages::book().messages)
+      std::printf("%-28s %5d  %s\n", one.name.c_str(), one.ids.front(), one.note.c_str());
+    return kDone;
+  }
+  u16 id = 0;
+  const messages::Message* const message = messages::findNamed(messages::book(), name, id);
+  if (message == nullptr) throw scenario::BadLine("there is no message " + name);
+  std::fputs(messages::description(*message).c_str(), stdout);
+  return kDone;
+}
+
+int run(const Options& options) {
+  if (*options.describe) return describe(options.id);
+  u16 id = 0;
+  const messages::Message* const message = messages::findNamed(messages::book(), options.id, id);
+  if (message == nullptr) id = static_cast<u16>(scenario::parseNumber("message id", options.id, 0, 65535));
+  if (message != nullptr && isNamed(options)) return runNamed(options, *message, id);
+  if (*options.set) return setBytes(options, id);
+  if (*options.get) return getBytes(options, id);
+  const std::vector<u8> bytes = bytesOf(options);
+  frame::Client(options.access).query(id, bytes);
+  return kDone;
 }
 
 int runProgram(int argc, char** argv) {
@@ -129,6 +206,9 @@ int runProgram(int argc, char** argv) {
   try {
     return run(options);
   } catch (const scenario::BadLine& error) {
+    std::fprintf(stderr, "msan-frame: %s\n", error.what());
+    return kBadUse;
+  } catch (const messages::BadValue& error) {
     std::fprintf(stderr, "msan-frame: %s\n", error.what());
     return kBadUse;
   } catch (const std::exception& error) {

@@ -253,8 +253,10 @@ std::string valueText(const Decoded& decoded, const Node& node) {
   }
 }
 
-std::vector<std::string> fieldLines(const Decoded& decoded) {
-  std::vector<std::string> lines;
+// `line(depth, name, node)` for each node that is worth one; how far to the right it stands follows from what it
+// belongs to.
+template <class Line>
+static void eachLine(const Decoded& decoded, Line line) {
   std::vector<std::size_t> ends;
   for (std::size_t i = 0; i < decoded.nodes.size(); ++i) {
     while (!ends.empty() && ends.back() <= i) ends.pop_back();
@@ -262,12 +264,39 @@ std::vector<std::string> fieldLines(const Decoded& decoded) {
     if (isDull(decoded, node)) continue;
     std::string name(nameOf(*node.field));
     if (node.field->kind == Kind::list) name += fmt::format(" {}", node.number + 1);
-    lines.push_back(fmt::format("{:>6}  {:{}}{} {}", node.offset, "", 2 * ends.size(), name, valueText(decoded, node)));
-    while (lines.back().ends_with(' ')) lines.back().pop_back();
+    line(2 * ends.size(), name, node);
     if (isHolder(*node.field)) ends.push_back(node.end);
   }
+}
+
+static void addTrimmed(std::vector<std::string>& lines, std::string line) {
+  line.erase(line.find_last_not_of(' ') + 1);
+  lines.push_back(std::move(line));
+}
+
+std::vector<std::string> fieldLines(const Decoded& decoded) {
+  std::vector<std::string> lines;
+  eachLine(decoded, [&](std::size_t indent, const std::string& name, const Node& node) {
+    addTrimmed(lines, fmt::format("{:>6}  {:{}}{} {}", node.offset, "", indent, name, valueText(decoded, node)));
+  });
   for (const Problem& problem : decoded.problems)
     lines.push_back(fmt::format("{:>6}  ! {}: {}", problem.offset, problem.field, problem.why));
+  return lines;
+}
+
+std::vector<std::string> valueLines(const Decoded& decoded) {
+  std::vector<std::string> lines;
+  std::size_t placeEnd = 0;  // behind the slot and port of an item that is headed by them
+  eachLine(decoded, [&](std::size_t indent, const std::string& name, const Node& node) {
+    const auto index = static_cast<std::size_t>(&node - decoded.nodes.data());
+    if (node.field->fixed || node.field->counts || index < placeEnd) return;
+    const std::string place = isHolder(*node.field) ? placeOf(decoded, index) : "";
+    if (!place.empty()) placeEnd = index + 3;
+    if (place.empty())
+      addTrimmed(lines, fmt::format("{:{}}{} {}", "", indent, name, valueText(decoded, node)));
+    else
+      lines.push_back(fmt::format("{:{}}{}{}", "", indent, place.starts_with("slot") ? "" : "port ", place));
+  });
   return lines;
 }
 

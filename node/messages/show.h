@@ -15,6 +15,10 @@ std::string valueText(const Decoded& decoded, const Node& node);
 // Problems follow.
 std::vector<std::string> fieldLines(const Decoded& decoded);
 
+// The same without offsets, and without what follows from the rest: constants, counts, slot and port of an item that
+// begins with them.
+std::vector<std::string> valueLines(const Decoded& decoded);
+
 // What tells most on few lines: the fields of the message, then a line for each item of its list. Equal items share a
 // line, long lists are cut.
 std::vector<std::string> briefLines(const Decoded& decoded);

@@ -4,6 +4,7 @@
 
 #include <utility>
 
+#include "messages/json.h"
 #include "messages/show.h"
 #include "modes.h"
 #include "told.h"
@@ -19,13 +20,16 @@ void printBelow(const std::vector<Told>& all, std::size_t line) {
         fmt::print("    {}\n", text);
 }
 
-bool holdDirective(const Scenario& scenario, const Directive& directive, const std::vector<Told>& all,
+bool holdDirective(const Scenario& scenario, const Directive& directive, const std::vector<Told>& tellings,
                    bool recovering) {
   bool good = true;
-  for (const Told& told : all) {
+  for (const Told& told : tellings) {
     const bool request = told.road == messages::Road::set;
     const auto worst = !request ? messages::Fault::word : recovering ? messages::Fault::form : messages::Fault::range;
-    for (const std::string& wrong : check(messages::book(), told.road, told.id, told.bytes, worst)) {
+    auto all = check(messages::book(), told.road, told.id, told.bytes, worst);
+    if (std::string lost = lostInJson(messages::book(), told.road, told.id, told.bytes); !lost.empty())
+      all.push_back(std::move(lost));
+    for (const std::string& wrong : all) {
       if (std::exchange(good, false)) fmt::print("{}:{}: {}\n", scenario.name, directive.line, directive.text);
       fmt::print("  {} {}: {}\n", roadName(told.road), told.id, wrong);
     }

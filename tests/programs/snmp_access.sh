@@ -65,7 +65,7 @@ expectMatch "without privacy there is no access" "*authorizationError*" \
   "$(snmpget -v3 -l authNoPriv -u writer -a SHA-512 -A authentication-1 -r 0 "$udp" $table.1.3.3087 2>&1)"
 expectMatch "still" "*FSK*" "$(ctl -c "show cid mode")"
 export MSAN_AUTH_SECRET=authentication-1 MSAN_PRIV_SECRET="privacy secret 1"
-run "$bin/msan-frame" --agent "$udp" --user writer --auth SHA-512 get 3087
+run "$bin/msan-frame" --agent "$udp" --user writer --auth SHA-512 get --hex 3087
 expect "msan-frame as a user" 0 "$code"
 stop
 

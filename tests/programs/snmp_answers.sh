@@ -29,7 +29,7 @@ times() {
 }
 quiet=("$(times operator)" "$(times other)")
 ctl -c 'chassis slot 3 delay 4000' >/dev/null
-"$bin/msan-frame" --agent "$udp" --timeout 20 get 2844 >"$folder/channels" &
+"$bin/msan-frame" --agent "$udp" --timeout 20 get --hex 2844 >"$folder/channels" &
 asking=$!
 sleep 0.3
 for kind in operator other; do

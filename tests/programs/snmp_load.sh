@@ -16,7 +16,7 @@ manage() {
   local round
   for ((round = 0; round < rounds; ++round)); do
     "$bin/msan-frame" --agent "$1" --timeout 60 set 3087 '00*32' u32:1 '00*22' u16:$((round % 2 + 1)) '00*32' || return 1
-    "$bin/msan-frame" --agent "$1" --timeout 60 get 3087 || return 1
+    "$bin/msan-frame" --agent "$1" --timeout 60 get --hex 3087 || return 1
   done
 }
 walk() {
