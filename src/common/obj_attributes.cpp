@@ -11,6 +11,8 @@
 #include "data/mac/port_mac_limit.h"
 #include "data/queue/eth_schedule.h"
 #include "data/rate/port_rate_bind.h"
+#include "data/slot/port_isolate.h"
+#include "data/slot/storm_suppression.h"
 #include "data/vlan/port_vlan.h"
 #include "platform/database.h"
 #include "platform/log.h"
@@ -37,7 +39,9 @@ static int getPlain(u32 objectId, void* data, u32 offset, u32 length) {
 static constexpr Attribute attributes[] = {
     {kVoicePortAttribute, set_voiceportcfg_dbapi, get_voiceportcfg_dbapi},
     {kAlarmAttribute, set_alarm_prf_banding_db_api, get_alarm_prf_banding_db_api},
+    {kStormAttribute, set_stormsupp_cfg_dbapi, get_stormsupp_cfg_dbapi},
     {kVlanAttribute, set_port_vlan_cfg_db_api, get_port_vlan_cfg_db_api},
+    {kIsolationAttribute, set_port_isolation_dbapi, get_port_isolation_dbapi},
     {kRateAttribute, set_port_rate_limit_prf_attach_dbapi, get_port_rate_limit_prf_attach_dbapi},
     {kMacAttribute, set_mac_limit_cfg_dbapi, get_mac_limit_cfg_dbapi},
     {kQueueAttribute, set_eth_schedule_cfg_dbapi, get_eth_schedule_cfg_dbapi},
@@ -76,6 +80,7 @@ static constexpr int (*portDeletes[])(u32 objectId) = {
     clr_vdsl_pbo_prf_att_db_api,
     del_voiceselfportcfg_dbapi,
 };
+static constexpr int (*slotDeletes[])(u32 objectId) = {delete_stormsupp_cfg_dbapi, del_port_isolation_dbapi};
 // clang-format on
 
 static const Attribute* findAttribute(u32 number) {
@@ -151,8 +156,10 @@ int delPortAttrByObjId(u32 objectId) {
   return 0;
 }
 
-// No item stores anything for a slot so far.
-int delSlotAttrByObjId(u32) { return 0; }
+int delSlotAttrByObjId(u32 objectId) {
+  for (const auto remove : slotDeletes) remove(objectId);
+  return 0;
+}
 
 int delSlotAttrDataByCondition(u16 slot, u32 attribute, i32) {
   u32 id = 0;

@@ -9,7 +9,9 @@
 enum AttributeNumber : u32 {
   kVoicePortAttribute = 267,
   kAlarmAttribute = 269,
+  kStormAttribute = 271,
   kVlanAttribute = 272,
+  kIsolationAttribute = 274,
   kRateAttribute = 275,
   kMacAttribute = 278,
   kQueueAttribute = 279,

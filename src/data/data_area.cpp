@@ -7,6 +7,8 @@
 #include "data/queue/eth_schedule.h"
 #include "data/rate/port_rate_bind.h"
 #include "data/rate/port_rate_profile.h"
+#include "data/slot/port_isolate.h"
+#include "data/slot/storm_suppression.h"
 #include "data/vlan/port_vlan.h"
 #include "data/vlan/vlan_profile.h"
 #include "platform/command_line.h"
@@ -14,26 +16,28 @@
 #include "platform/objects.h"
 
 static constexpr Step init[] = {init_port_rate_profile_type, init_port_rate_default_prf, init_port_vlan_cfg_module};
-static constexpr Step snmpRegister[] = {registerOf<portRateBind>,
-                                        register_port_rate_profile_set_snmp,
-                                        register_port_rate_profile_del_snmp,
-                                        registerOf<ethSchedule>,
-                                        registerOf<macLimit>,
-                                        register_linemactbl_msg_snmp,
-                                        registerOf<portVlan>};
+static constexpr Step snmpRegister[] = {
+    registerOf<portIsolation>,           registerOf<portRateBind>,     register_port_rate_profile_set_snmp,
+    register_port_rate_profile_del_snmp, registerOf<ethSchedule>,      registerOf<macLimit>,
+    registerOf<stormSuppression>,        register_linemactbl_msg_snmp, registerOf<portVlan>};
 static constexpr Step install[] = {installOf<ethSchedule>,
                                    installOf<macLimit>,
                                    install_gepon_msan_port_mactable_element,
+                                   installOf<stormSuppression>,
+                                   installOf<portIsolation>,
                                    installOf<portRateBind>,
                                    install_element_port_rate_profile,
                                    install_port_vlan_cfg_cli_element};
-static constexpr SlotStep hotplug[] = {recover_ethschedule_cfg, recover_macnum_limit_cfg,
-                                       recover_port_rate_limit_attach_cfg, recover_port_vlan_cfg};
-static constexpr SlotStep cardAuthorised[] = {delete_ethschedule_cfg, delete_macnum_limit_cfg};
+static constexpr SlotStep hotplug[] = {
+    recover_ethschedule_cfg, recover_macnum_limit_cfg,           recover_storm_suppression_cfg,
+    hotplug_port_isolation,  recover_port_rate_limit_attach_cfg, recover_port_vlan_cfg};
+static constexpr SlotStep cardAuthorised[] = {delete_ethschedule_cfg, delete_macnum_limit_cfg,
+                                              delete_storm_suppression_cfg};
 static constexpr PrintStep showrun[] = {port_rate_profile_showrun};
 // Of each slot with a card of the module's, all items of one slot ahead of the next slot.
-static constexpr int (*slotShowrun[])(Vty* vty, u16 slot) = {showrunOf<ethSchedule>, showrunOf<macLimit>,
-                                                             showrunOf<portRateBind>, showrunOf<portVlan>};
+static constexpr int (*slotShowrun[])(Vty* vty, u16 slot) = {showrunOf<ethSchedule>,      showrunOf<macLimit>,
+                                                             showrunOf<stormSuppression>, showrunOf<portIsolation>,
+                                                             showrunOf<portRateBind>,     showrunOf<portVlan>};
 
 int msan_data_init() {
   callAll(init);

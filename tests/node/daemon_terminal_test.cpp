@@ -61,7 +61,7 @@ TEST_F(Terminals, OfferWhatExists) {
   EXPECT_THAT(existing("set dsp profile name p"), ElementsAre("p1", "p2", "p3", "p4", "p5", "p6", "p7", "p8", "p9"));
   EXPECT_THAT(existing("set voice port dsp profile id 1 call profile id "), ElementsAre("0"));
   EXPECT_THAT(existing("show cid mode interface "), IsEmpty());
-  EXPECT_THAT(existing("show isolation interface 1,"), IsEmpty());
+  EXPECT_THAT(existing("show isolation interface 1,"), ElementsAre("1,1", "1,12"));
   EXPECT_THAT(existing("show service vlan interface "), ElementsAre("1/1-16", "12/1-32"));
   EXPECT_THAT(existing("show service vlan interface 12/1-8,3"),
               ElementsAre("12/1-8,3", "12/1-8,30", "12/1-8,31", "12/1-8,32"));

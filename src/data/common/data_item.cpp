@@ -19,18 +19,21 @@ static int tooShort(SnmpErrInfo* err, WireIn frame) {
   return rejectLong(err, kShortFrame, static_cast<u32>(frame.size()));
 }
 
-int rejectAs(SnmpErrInfo* err, int code, std::initializer_list<u16> details) {
+int rejectAs(SnmpErrInfo* err, int code, std::initializer_list<u16> details, u32 width, u32 last) {
   reject(err, code, details);
+  putNumber(err->errData + err->errDataLen, width, last);
+  err->errDataLen += width;
   return code;
 }
 
-// The count of a request, which has to lie within its limits. 0 or -1.
-static int readCount(const DataItem& item, WireIn frame, u32 least, u32 most, u32* count, SnmpErrInfo* err) {
+// The count of a request, which has to lie within its limits; more are refused with `tooMany`. 0 or -1.
+static int readCount(const DataItem& item, WireIn frame, u32 least, u32 most, int tooMany, u32* count,
+                     SnmpErrInfo* err) {
   if (frame.size() < kObjects) return tooShort(err, frame);
   *count = getNumber(frame.data() + kObjects - 4, 4);
   if (*count >= least && *count <= most) return 0;
   if (item.countRefused != nullptr) item.countRefused(*count);
-  return rejectLong(err, kCountRange, *count);
+  return rejectLong(err, *count > most ? tooMany : kCountRange, *count);
 }
 
 void ChangedSlots::add(u16 slot) {
@@ -102,6 +105,18 @@ int readRecord(const DataItem& item, void* record) {
                                    static_cast<i32>(item.kept.valueBytes), 0);
 }
 
+static int getRecord(const DataItem& item, void* record, SnmpErrInfo* err) {
+  return item.get != nullptr ? item.get(record, err) : readRecord(item, record);
+}
+
+int getRecords(const DataItem& item, LIST* records) {
+  SnmpErrInfo err;
+  for (NODE* cell = lstFirst(records); cell != nullptr; cell = lstNext(cell)) {
+    if (const int code = getRecord(item, dataOf<void>(cell), &err)) return code;
+  }
+  return 0;
+}
+
 // A record for one object after the other.
 class AnyRecord {
  public:
@@ -121,9 +136,8 @@ class AnyRecord {
 class CardMessage {
  public:
   CardMessage(const DataItem& item, LIST* records)
-      : item_(item), room_(roomFor(item, static_cast<u32>(lstCount(records)))) {
-    clear();
-  }
+      : CardMessage(item, item.ofSlots ? 1 : static_cast<u32>(lstCount(records))) {}
+  CardMessage(const DataItem& item, u32 objects) : item_(item), room_(roomFor(item, objects)) { clear(); }
 
   // Has a buffer from now on. 0 or -1.
   int begin() {
@@ -140,13 +154,17 @@ class CardMessage {
     return 0;
   }
 
-  void send(u16 slot) {
+  // 0, or what a send that failed gave.
+  int send(u16 slot) {
+    int result = 0;
     if (objects_ >= item_.leastSent) {
       buildMscHeader(buffer_.get(), item_.id, 0);
       putNumber(buffer_.get() + kHead - 4, 4, objects_);
-      if (sendMscMsg(slot, buffer_.get(), length_) < 0) tellSend(slot);
+      result = sendMscMsg(slot, buffer_.get(), length_);
+      if (result < 0) tellSend(slot);
     }
     clear();
+    return result;
   }
 
   void tellBuild(u16 slot) const {
@@ -183,7 +201,23 @@ class CardMessage {
   u32 objects_ = 0;
 };
 
+// A message for each record.
+static int sendEach(const DataItem& item, LIST* records) {
+  CardMessage message(item, records);
+  for (NODE* cell = lstFirst(records); cell != nullptr; cell = lstNext(cell)) {
+    const auto* record = dataOf<const void>(cell);
+    if (message.begin() != 0) {
+      ulogPrintf(gModuleId_Msan, 10, "Function:%s, Line:%d:  MSAN_MALLOC err.\r\n", FunctionName(item.at("set_*")).text,
+                 item.line);
+      return -1;
+    }
+    if (message.add(record) == 0) message.send(objectOf(record).addr[1]);
+  }
+  return 0;
+}
+
 int sendRecords(const DataItem& item, LIST* records) {
+  if (item.ofSlots) return sendEach(item, records);
   CardMessage message(item, records);
   std::bitset<0x10000> sent;  // slots
   for (NODE* first = lstFirst(records); first != nullptr; first = lstNext(first)) {
@@ -212,7 +246,7 @@ static int saveRecord(const DataItem& item, void* record) {
 }
 
 int setRecords(const DataItem& item, LIST* records, SnmpErrInfo* err) {
-  const bool checks = item.check != nullptr && inRecoverConfProcess() != 1;
+  const bool checks = item.check != nullptr && (item.checksReplay || inRecoverConfProcess() != 1);
   for (NODE* cell = lstFirst(records); checks && cell != nullptr; cell = lstNext(cell)) {
     if (const int code = item.check(dataOf<void>(cell), err)) return code;
   }
@@ -228,7 +262,7 @@ void reportRecords(const DataItem& item, LIST* records, int origin) {
 
 static int parseRecords(const DataItem& item, WireIn frame, LIST* records, SnmpErrInfo* err) {
   u32 count = 0;
-  if (readCount(item, frame, item.minimum, item.maximum, &count, err) != 0) return -1;
+  if (readCount(item, frame, item.minimum, item.maximum, kCountRange, &count, err) != 0) return -1;
   Reader in(frame.subspan(kObjects));
   for (; count != 0; --count) {
     void* record = mpuAlloc_(g_MsanMemPoolId, item.kept.bytes, __FILE__, __LINE__);
@@ -285,11 +319,33 @@ int recoverSlot(const DataItem& item, u16 slot, bool (*which)(const ObjIndex* ob
   return 0;
 }
 
+int recoverWholeSlot(const DataItem& item, u16 slot, Where where) {
+  ObjIndex object;
+  placeObject(slot, 0, &object);
+  AnyRecord record(item, object);
+  if (const int code = readRecord(item, record)) return code;
+  CardMessage message(item, 1);
+  if (message.begin() != 0 || message.add(record) != 0) return -1;
+  const int result = message.send(slot);
+  if (result < 0) {
+    ulogPrintf(gModuleId_Msan, 10, "Function:%s, Line:%d: send slotno %d mscmsg err. \r\n", where.function, where.line,
+               slot);
+  }
+  return result;
+}
+
 int showrunSlot(const DataItem& item, Vty* vty, u16 slot) {
-  forEachDataPort(slot, [&](const ObjIndex& object) {
+  const auto print = [&](const ObjIndex& object) {
     AnyRecord record(item, object);
     if (readRecord(item, record) == 0) item.showrun(vty, record);
-  });
+  };
+  if (item.ofSlots) {
+    ObjIndex object;
+    placeObject(slot, 0, &object);
+    print(object);
+  } else {
+    forEachDataPort(slot, print);
+  }
   return 0;
 }
 
@@ -310,6 +366,8 @@ static int selectAll(const DataItem& item, u16 slot, LIST* objects, SnmpErrInfo*
   if (walkObjects(item, slot, found) != 0) return noMemory(item, err);
   for (NODE* cell = lstFirst(found); cell != nullptr; cell = lstNext(cell)) {
     auto* object = dataOf<ObjIndex>(cell);
+    // Ports are of types of their own, which cards may have, too.
+    if (item.ofSlots && object->level != kSlotLevel) continue;
     if (item.holds != nullptr && !item.holds(object)) continue;
     static_cast<ObjListCell*>(cell)->data = nullptr;
     if (const int code = addObject(item, object, objects, err)) return code;
@@ -326,7 +384,9 @@ static int selectPlace(u16 slot, u16 port, ObjIndex* object, SnmpErrInfo* err) {
 static int selectOne(const DataItem& item, u16 slot, u16 port, LIST* objects, SnmpErrInfo* err) {
   auto* object = newRecord<ObjIndex>();
   if (object == nullptr) return noMemory(item, err);
-  if ((item.select != nullptr ? item.select : selectPlace)(slot, port, object, err) != 0) {
+  if (item.ofSlots) {
+    placeObject(slot, 0, object);  // what is in the slot, the get tells
+  } else if ((item.select != nullptr ? item.select : selectPlace)(slot, port, object, err) != 0) {
     mpuFree(object);
     return -1;
   }
@@ -335,7 +395,7 @@ static int selectOne(const DataItem& item, u16 slot, u16 port, LIST* objects, Sn
 
 int selectObjects(const DataItem& item, WireIn frame, LIST* objects, SnmpErrInfo* err) {
   u32 count = 0;
-  if (readCount(item, frame, 0, item.mostSelected, &count, err) != 0) return -1;
+  if (readCount(item, frame, 0, item.mostSelected, item.tooManySelected, &count, err) != 0) return -1;
   if (count == 0) return selectAll(item, 0, objects, err);
   Reader in(frame.subspan(kObjects));
   if (in.rest().size() / kSelector < count) return tooShort(err, frame);
@@ -354,7 +414,7 @@ int selectObjects(const DataItem& item, WireIn frame, LIST* objects, SnmpErrInfo
 static int answerObjects(const DataItem& item, LIST* objects, Writer& out, SnmpErrInfo* err) {
   for (NODE* cell = lstFirst(objects); cell != nullptr; cell = lstNext(cell)) {
     AnyRecord record(item, *dataOf<const ObjIndex>(cell));
-    if ((item.get != nullptr ? item.get(record, err) : readRecord(item, record)) != 0) return -1;
+    if (getRecord(item, record, err) != 0) return -1;
     if ((item.answer != nullptr ? item.answer : item.encode)(record, out) != 0) return -1;
     if (out.failed()) return reject(err, kNoMemory);
   }

@@ -64,12 +64,15 @@ struct DataItem {
   u32 minimum = 1;  // objects of a SET
   u32 maximum = kMostRecords;
   u32 mostSelected = kMostRecords;  // selectors of a GET; none stand for the whole node
+  int tooManySelected = -1;         // what more of them are refused with
   u32 wholeSlot = kNoPort;          // the port of a selector that stands for all of its slot
   // Of a message to a card: bytes of its largest object, room for all of it, and the objects without which it is not
   // sent.
   u32 encodedBytes;
   u32 mostMessage = kNoLimit;
   u32 leastSent = 1;
+  bool ofSlots = false;       // the objects are slots, each of which is told in a message of its own
+  bool checksReplay = false;  // what the startup configuration says is checked as well
 
   // An object of a SET into a record. 0, or -1 with `err` filled; a frame that has ended is the road's to tell.
   int (*parse)(Reader& in, void* record, SnmpErrInfo* err);
@@ -111,8 +114,8 @@ inline const ObjIndex& objectOf(const void* record) { return *static_cast<const 
 int snmpSet(const DataItem& item, const u8* data, i32 length, u8* reply, u32* replyLen);
 int snmpGet(const DataItem& item, const u8* data, i32 length, u8* reply, u32* replyLen);
 
-// Check (not while the startup configuration is executed, whose records are taken as they stand), save, send. 0, or
-// what the step that failed gave; behind a check alone `err` is filled.
+// Check (unless the row says so, not while the startup configuration is executed, whose records are taken as they
+// stand), save, send. 0, or what the step that failed gave; behind a check alone `err` is filled.
 int setRecords(const DataItem& item, LIST* records, SnmpErrInfo* err);
 void reportRecords(const DataItem& item, LIST* records, int origin);
 
@@ -120,7 +123,10 @@ void reportRecords(const DataItem& item, LIST* records, int origin);
 // then nothing is sent.
 int recoverSlot(const DataItem& item, u16 slot, bool (*which)(const ObjIndex* object) = nullptr);
 
-// The lines of each port of a data card, in their order. A port that can't be read has none.
+// Tells a card that returns what is stored for its slot. 0, or what the read or the send gave, which is logged.
+int recoverWholeSlot(const DataItem& item, u16 slot, Where where = Where::here());
+
+// The lines of each port of a data card, in their order; or of the slot. What can't be read has none.
 int showrunSlot(const DataItem& item, Vty* vty, u16 slot);
 
 // --- Steps ---
@@ -131,6 +137,9 @@ int sendRecords(const DataItem& item, LIST* records);
 
 // What is stored for the record's object, into it. 0, or the code of the attribute.
 int readRecord(const DataItem& item, void* record);
+
+// The values of an operator's records, as a GET reads them. 0, or what the first that failed gave.
+int getRecords(const DataItem& item, LIST* records);
 
 // The check of a record's object, the card's presence aside.
 int checkObject(const DataItem& item, const void* record, SnmpErrInfo* err);
@@ -145,8 +154,8 @@ void untold(u16 slot);
 
 enum DataError : int { kCountRange = -1, kNoSlot = -3, kShortFrame = -18, kNoMemory = -19 };
 
-// As reject(), and gives the code itself.
-int rejectAs(SnmpErrInfo* err, int code, std::initializer_list<u16> details);
+// As reject(), and gives the code itself. With a width: a last detail of so many bytes.
+int rejectAs(SnmpErrInfo* err, int code, std::initializer_list<u16> details, u32 width = 0, u32 last = 0);
 
 inline constexpr u32 kObjects = 36;  // offset of what is counted
 
