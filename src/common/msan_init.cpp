@@ -7,6 +7,7 @@
 #include "common/debug_control.h"
 #include "common/msan_snmp.h"
 #include "common/obj_attributes.h"
+#include "data/loop/loop_detect.h"
 #include "platform/command_line.h"
 #include "platform/database.h"
 #include "platform/log.h"
@@ -35,7 +36,8 @@ static constexpr SlotStep hotplug[] = {msan_combo_hotplug, msan_ppda_hotplug,  m
 
 // The database side of a slot that is given a card type, and of one that loses it.
 static constexpr SlotStep cardAuthorised[] = {data_port_enable_after_cardauth_db, msan_data_clear_before_cardauth_db,
-                                              init_voiceport_cfg, volt_current_callback_after_cardauth_db};
+                                              init_voiceport_cfg, loopdetect_callback_after_cardauth_db,
+                                              volt_current_callback_after_cardauth_db};
 static constexpr SlotStep cardUnauthorised[] = {delObjAttrBySlot};
 
 int inRecoverConfProcess() { return is_cliFastMode(); }

@@ -8,6 +8,7 @@
 #include "common/interface_list.h"
 #include "common/msan_init.h"
 #include "common/trace.h"
+#include "data/loop/loop_detect.h"
 #include "data/mac/port_mac_limit.h"
 #include "data/queue/eth_schedule.h"
 #include "data/rate/port_rate_bind.h"
@@ -49,6 +50,7 @@ static constexpr Attribute attributes[] = {
     {kAdslLineAttribute, set_adsl_prf_att_dbapi, getPlain<get_adsl_prf_att_dbapi>},
     {kPvcAttribute, set_pvc_prf_att_dbapi, getPlain<get_pvc_prf_att_dbapi>},
     {kFeedAttribute, set_post_voltcurrent_db_api, get_post_voltcurrent_db_api},
+    {kLoopAttribute, set_loopdetect_db_api, get_loopdetect_db_api},
     {kVdslCpsdAttribute, set_vdsl_cpsd_prf_att_dbapi, get_vdsl_cpsd_prf_att_dbapi},
     {kVdslExtraAttribute, set_vdsl_extra_prf_att_dbapi, get_vdsl_extra_prf_att_dbapi},
     {kVdslGinpAttribute, set_vdsl_ginp_prf_att_dbapi, get_vdsl_ginp_prf_att_dbapi},
@@ -68,6 +70,7 @@ static constexpr int (*portDeletes[])(u32 objectId) = {
     delete_eth_schedule_cfg_dbapi,
     del_data_port_enable_dbapi,
     del_alarm_prf_banding_db_api,
+    del_loopdetect_db_api,
     del_post_voltcurrent_db_api,
     clr_adsl_prf_att_dbapi,
     clr_pvc_prf_att_dbapi,

@@ -19,6 +19,7 @@ enum AttributeNumber : u32 {
   kAdslLineAttribute = 281,
   kPvcAttribute = 282,
   kFeedAttribute = 285,
+  kLoopAttribute = 286,
   kVdslCpsdAttribute = 287,
   kVdslExtraAttribute = 288,
   kVdslGinpAttribute = 289,

@@ -144,6 +144,12 @@ int getRecords(const DataItem& item, LIST* records);
 // The check of a record's object, the card's presence aside.
 int checkObject(const DataItem& item, const void* record, SnmpErrInfo* err);
 
+// A get that checks the object first.
+template <const DataItem& item>
+int checkedGet(void* record, SnmpErrInfo* err) {
+  return checkObject(item, record, err) == 0 && readRecord(item, record) == 0 ? 0 : -1;
+}
+
 // Gates and ends for rows: a card that is there and up, and a startup configuration that has been executed; slots in
 // whose records the slot changes, each change; nothing logged.
 bool reachesRunningCard(const ObjIndex* object);
@@ -181,7 +187,7 @@ class ChangedSlots {
   u32 count_ = 0;
 };
 void reportSlots(LIST* records, u16 id, int origin);
-inline constexpr int kByManager = 1, kByOperator = 3;
+inline constexpr int kByNode = 0, kByManager = 1, kByOperator = 3;
 
 // A record from the pool, as its members' defaults have it; null without memory. mpuFree gives it back.
 template <class Record>

@@ -142,10 +142,6 @@ int delete_mac_limit_cfg_dbapi(u32 objectId, u16 index) {
 
 // --- Steps ---
 
-static int get(PortMacLimit* record, SnmpErrInfo* err) {
-  return checkObject(macLimit, record, err) == 0 && readRecord(macLimit, record) == 0 ? 0 : -1;
-}
-
 static bool reaches(const ObjIndex* object) { return sysGetSlotSwAliveStatus(object->addr[1]) == 1; }
 
 static void sendFailed(u16 slot) {
@@ -319,7 +315,7 @@ constexpr DataItem macLimit = {
     .parse = onRecord<parse_pkt_set_macnum_limit>,
     .encode = onRecord<build_macnum_limit_mscpkt>,
     .check = onRecord<check_macnum_limit>,
-    .get = onRecord<get>,
+    .get = checkedGet<macLimit>,
     .holds = hasRows,
     .reaches = reaches,
     .sendFailed = sendFailed,
