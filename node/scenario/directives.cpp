@@ -235,9 +235,17 @@ Content readContent(Arguments& arguments, const Content& plain) {
   return content;
 }
 
+Action removing(host::FlowRemoval (*remove)(i16), i16 id) {
+  return calling([=](Stage&) { return remove(id) == host::FlowRemoval::removed ? 0 : -1; });
+}
+
+// A rule or policy with bytes of its own may be called "delete".
+bool asksRemoval(std::string_view name, const Arguments& arguments) { return name == "delete" && arguments.empty(); }
+
 Action readFlowRule(Arguments& arguments) {
   const auto id = static_cast<i16>(arguments.number("id", 1, kMostFlowId));
   const std::string name(arguments.word("name"));
+  if (asksRemoval(name, arguments)) return removing(host::removeFlowRule, id);
   const FlowRule rule = readContent(arguments, host::plainFlowRule(name));
   return preparing([=](Stage&) { host::setFlowRule(id, name, rule); });
 }
@@ -245,6 +253,7 @@ Action readFlowRule(Arguments& arguments) {
 Action readFlowPolicy(Arguments& arguments) {
   const auto id = static_cast<i16>(arguments.number("id", 1, kMostFlowId));
   const std::string name(arguments.word("name"));
+  if (asksRemoval(name, arguments)) return removing(host::removeFlowPolicy, id);
   const host::FlowPolicyPack pack = readContent(arguments, host::plainFlowPolicy(name));
   return preparing([=](Stage&) { host::setFlowPolicy(id, name, pack); });
 }

@@ -125,7 +125,7 @@ FlowRemoval remove(Shelf<Content>& shelf, FlowBindCheck* const& registered, Flow
     const std::lock_guard lock(checksMutex);
     check = registered;
   }
-  if (check != nullptr && check(type, static_cast<u16>(id)) != 0) return FlowRemoval::bound;
+  if (check != nullptr && check(type, static_cast<u16>(id)) == 1) return FlowRemoval::bound;
   return shelf.remove(id) ? FlowRemoval::removed : FlowRemoval::unknown;
 }
 

@@ -18,7 +18,7 @@ using FlowPolicyPack = std::array<u8, kFlowPolicyPack>;  // its first 65 bytes a
 void setFlowPolicy(i16 id, std::string_view name, const FlowPolicyPack& pack);
 FlowPolicyPack plainFlowPolicy(std::string_view name);  // the name, then zeros
 
-// Removes one unless the module says that it is bound, or can't tell.
+// Removes one unless the module says that it is bound.
 enum class FlowRemoval { removed, unknown, bound };
 FlowRemoval removeFlowRule(i16 id);
 FlowRemoval removeFlowPolicy(i16 id);

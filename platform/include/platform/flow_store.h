@@ -37,8 +37,8 @@ int flowRuleGetPrfInfo(i16 id, FlowRule* rule);      // negative on failure
 int flowPolicyGetPrfInfo(i16 id, u8* info);          // kFlowPolicyInfo bytes; non-zero on failure
 int fpGetSpcPrfPack(u8* pack, u32* length, i16 id);  // kFlowPolicyPack bytes; negative on failure
 
-// A module's answer to whether a rule or policy is bound: 1 yes, 0 no, negative when it can't tell. The store asks
-// ahead of removing one.
+// A module's answer to whether a rule or policy is bound: 1 yes, 0 no, negative when it can't tell, as without a port
+// that could bind one. The store asks ahead of removing one, which 1 alone forbids.
 using FlowBindCheck = int(i16 type, u16 id);
 int flowRuleRegBindCheck(FlowBindCheck* check);
 int flowPolicyRegBindCheck(FlowBindCheck* check);
