@@ -37,6 +37,7 @@ struct StdAlarmPrf {
   u32 feLoss, feLofs, feEs, feLprs;
 };
 #pragma pack(pop)
+inline constexpr u32 kPolicyNames = 169;  // room for eight names of 20 characters, each with its colon, and the end
 static_assert(sizeof(StdAdslLinePrf) == 60 && sizeof(StdPvcPrf) == 70 && sizeof(StdAlarmPrf) == 54);
 
 #pragma GCC visibility push(default)  // the module hides everything else
@@ -149,6 +150,33 @@ int std_snmp_rate_prf_attach_by_name(u16 slot, u16 port, const char* name);
 // The first port that is bound; the port behind another one, bound or not.
 int std_snmp_get_attach_bw_first_prfid(u16* slot, u16* port, u16* id);
 int std_snmp_get_attach_bw_next_prfid(u16 slot, u16 port, u16* nextSlot, u16* nextPort, u16* id);
+
+// --- Flow policies and rules ---
+
+// The names of what a port as a whole, or a PVC of it, has for a direction, each with ":" behind it. Both texts have
+// room for kPolicyNames; the lengths are told without the end. A port is one of a line that carries packets, a PVC of
+// one that carries cells.
+int std_snmp_get_port_upstream_policy_attach(u16 slot, u16 port, char* policyNames, u32* policyLength, char* ruleNames,
+                                             u32* ruleLength);
+int std_snmp_get_port_downstream_policy_attach(u16 slot, u16 port, char* policyNames, u32* policyLength,
+                                               char* ruleNames, u32* ruleLength);
+int std_snmp_get_pvc_upstream_policy_attach(u16 slot, u16 port, u16 pvc, char* policyNames, u32* policyLength,
+                                            char* ruleNames, u32* ruleLength);
+int std_snmp_get_pvc_downstream_policy_attach(u16 slot, u16 port, u16 pvc, char* policyNames, u32* policyLength,
+                                              char* ruleNames, u32* ruleLength);
+
+// The walk over the ports of VDSL cards. -2 at the end; -102 for a slot without such a card; -3 for a port that the
+// card does not have. The other two give -1 for each.
+int std_snmp_first_policy_port_get(u16* slot, u16* port);
+int std_snmp_next_policy_port_get(u16* slot, u16* port);
+int std_snmp_policy_first_port_get(u16* slot, u16* port);
+int std_snmp_policy_next_port_get(u16 slot, u16 port, u16* nextSlot, u16* nextPort);
+
+// The walk over the PVCs of data ports: 0, 0, 65535 is its start, a port with 65535 the port's. A line that carries
+// packets is passed over. -1 at the end.
+int std_snmp_policy_first_next_pvc_get(u16 slot, u16 port, u16 pvc, u16* nextSlot, u16* nextPort, u16* nextPvc);
+int std_snmp_policy_first_pvc_get(u16* slot, u16* port, u16* pvc);
+int std_snmp_policy_next_pvc_get(u16 slot, u16 port, u16 pvc, u16* nextSlot, u16* nextPort, u16* nextPvc);
 
 // --- Addresses that lines have learned ---
 

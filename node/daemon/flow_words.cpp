@@ -10,6 +10,7 @@
 
 #include "host/chassis.h"
 #include "host/flow_store.h"
+#include "platform/tables.h"
 #include "platform_words.h"
 
 namespace msand {
@@ -64,14 +65,56 @@ int show(const PlatformCall& call) {
   return 0;
 }
 
-int tell(const PlatformCall& call, host::FlowRemoval removal) {
+// A rule or a policy: how it is removed, and where in a binding its number stands.
+struct Flow {
+  host::FlowRemoval (*remove)(i16 id);
+  std::size_t up, down;
+};
+constexpr Flow kPolicy{host::removeFlowPolicy, 0, 1};
+constexpr Flow kRule{host::removeFlowRule, 2, 3};
+
+// Whether what is stored of a PVC names the flow in one of its bindings: the PVC, their count, four numbers of each.
+bool names(std::span<const u16> stored, const Flow& flow, u16 id) {
+  for (std::size_t at = 2; at < 2 + std::size_t{4} * stored[1] && at + 4 <= stored.size(); at += 4)
+    if (stored[at + flow.up] == id || stored[at + flow.down] == id) return true;
+  return false;
+}
+
+// The first PVC that binds the flow.
+std::string bindingOf(const Flow& flow, u16 id) {
+  std::string place = "it is bound";
+  const DbConnection connection = dbCommon_getConnectRes();
+  mco_trans_h transaction = nullptr;
+  if (connection == nullptr) return place;
+  if (mco_trans_start_(connection, DB_READ_ONLY, 0, &transaction, __FILE__, __LINE__, __func__) == DB_OK) {
+    mco_cursor_t cursor;
+    int code = M_QOS_PRF_ATT_RELATION_reTree_index_cursor(transaction, &cursor);
+    for (; code == DB_OK; code = mco_cursor_next(transaction, &cursor)) {
+      M_QOS_PRF_ATT_RELATION row;
+      u32 object = 0;
+      u16 stored[34] = {};
+      if (M_QOS_PRF_ATT_RELATION_from_cursor(transaction, &cursor, &row) != DB_OK ||
+          M_QOS_PRF_ATT_RELATION_ulObjId_get(&row, &object) != DB_OK ||
+          M_QOS_PRF_ATT_RELATION_atInfo_get_range(&row, 0, sizeof stored, stored) != DB_OK)
+        break;
+      if (!names(stored, flow, id)) continue;
+      place = fmt::format("it is bound to PVC {} of port {}/{}", stored[0], object >> 16, object & 0xFFFF);
+      break;
+    }
+    mco_trans_rollback(transaction);
+  }
+  dbCommon_freeConnectRes(connection);
+  return place;
+}
+
+int tell(const PlatformCall& call, const Flow& flow, i16 id, host::FlowRemoval removal) {
   switch (removal) {
     case host::FlowRemoval::removed:
       return 0;
     case host::FlowRemoval::unknown:
       return refuse(call, "there is none of this id");
     default:
-      return refuse(call, "it is bound");
+      return refuse(call, bindingOf(flow, static_cast<u16>(id)));
   }
 }
 
@@ -116,20 +159,20 @@ int policyCommand(const CommandElement*, Vty* vty, int argc, char** argv) {
 }
 
 // The module is asked whether it cites the rule or policy, so this is a request like others.
-template <host::FlowRemoval (*Remove)(i16)>
+template <const Flow& flow>
 int removeCommand(const CommandElement*, Vty* vty, int, char** argv) {
   return leave(vty, [id = numberOf<i16>(argv[0])](const PlatformCall& call) {
     const std::shared_lock request(host::requestGate());
-    return tell(call, Remove(id));
+    return tell(call, flow, id, flow.remove(id));
   });
 }
 
 const CommandElement kElements[] = {
     {"flow show", showCommand, "flow rules and policies"},
     {"flow rule <1-32767> name <name> {entry <words> <block> <block>}*8", ruleCommand, "make or replace a flow rule"},
-    {"flow rule <1-32767> none", removeCommand<host::removeFlowRule>, "remove a flow rule"},
+    {"flow rule <1-32767> none", removeCommand<kRule>, "remove a flow rule"},
     {"flow policy <1-32767> name <name> {content <hex>}*1", policyCommand, "make or replace a flow policy"},
-    {"flow policy <1-32767> none", removeCommand<host::removeFlowPolicy>, "remove a flow policy"},
+    {"flow policy <1-32767> none", removeCommand<kPolicy>, "remove a flow policy"},
 };
 
 }  // namespace

@@ -16,7 +16,7 @@ namespace scenario {
 
 namespace {
 
-constexpr std::size_t kMostParameters = 5;
+constexpr std::size_t kMostParameters = 7;
 
 enum class Form : u8 { number, text, bytes };
 
@@ -187,6 +187,17 @@ constexpr Function kFunctions[] = {
     STD(std_snmp_rate_prf_attach_by_name, "slot port name"),
     STD(std_snmp_get_attach_bw_first_prfid, ">slot >port >id"),
     STD(std_snmp_get_attach_bw_next_prfid, "slot port >slot >port >id"),
+    STD(std_snmp_get_port_upstream_policy_attach, "slot port >policyNames:169 >length >ruleNames:169 >length"),
+    STD(std_snmp_get_port_downstream_policy_attach, "slot port >policyNames:169 >length >ruleNames:169 >length"),
+    STD(std_snmp_get_pvc_upstream_policy_attach, "slot port pvc >policyNames:169 >length >ruleNames:169 >length"),
+    STD(std_snmp_get_pvc_downstream_policy_attach, "slot port pvc >policyNames:169 >length >ruleNames:169 >length"),
+    STD(std_snmp_first_policy_port_get, ">slot >port"),
+    STD(std_snmp_next_policy_port_get, "<>slot <>port"),
+    STD(std_snmp_policy_first_port_get, ">slot >port"),
+    STD(std_snmp_policy_next_port_get, "slot port >slot >port"),
+    STD(std_snmp_policy_first_next_pvc_get, "slot port pvc >slot >port >pvc"),
+    STD(std_snmp_policy_first_pvc_get, ">slot >port >pvc"),
+    STD(std_snmp_policy_next_pvc_get, "slot port pvc >slot >port >pvc"),
     STD(stdmib_get_first_obj, ">slot >port"),
     STD(stdmib_get_next_obj, "slot port >slot >port"),
 };

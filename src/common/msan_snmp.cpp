@@ -14,9 +14,6 @@
 #include "platform/log.h"
 #include "platform/pool.h"
 
-// Replies of several global messages exceed the limit that they register: the limit counts from the object label on.
-static constexpr u32 kReplyHead = 36;
-
 void buildSnmpErrRetPkt(u8* reply, u32* replyLen, u16 id, const SnmpErrInfo* err) {
   if (reply == nullptr || replyLen == nullptr) {
     ulogPrintf(gModuleId_Msan, 13, "%s: Invalid input para!\r\n", __func__);
@@ -157,7 +154,7 @@ int furtherFragment(const Call& call, SnmpMsgEntry& row) {
 // Calls the handler of a large reply and holds what it gave. 0: there is a reply to hand out, or what the row held is
 // inconsistent; otherwise the hook's result is in `result` and the request has ended.
 bool beginReply(const Call& call, SnmpMsgEntry& row, u8* last, int& result) {
-  const u32 capacity = row.maxReplyLen + kReplyHead;
+  const u32 capacity = replyRoom(row.maxReplyLen);
   PoolBytes buffer(static_cast<u8*>(mpuAlloc_(g_MsanMemPoolId, capacity, __FILE__, __LINE__)));
   if (buffer == nullptr) {
     *last = 1;

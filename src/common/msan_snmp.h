@@ -15,6 +15,11 @@ inline constexpr u32 kMaxPacket = 400000;                       // largest packe
 inline constexpr u32 kMaxFragments = 16;                        // of one SET
 inline constexpr u32 kReassembly = kMaxFragments * kMaxPacket;  // bytes
 inline constexpr u32 kMaxMessages = 1280;
+// Replies of several messages exceed the limit that they register: the limit counts from the object label on.
+inline constexpr u32 kReplyHead = 36;
+
+// What a GET handler may write. A reply that is handed out in pieces has a buffer of its own, which is zeroed.
+constexpr u32 replyRoom(u32 maxReplyLen) { return maxReplyLen > kMaxPacket ? maxReplyLen + kReplyHead : kMaxPacket; }
 
 // A message, as its item registers it.
 struct SnmpMsgReg {

@@ -10,6 +10,8 @@
 #include "common/trace.h"
 #include "data/loop/loop_detect.h"
 #include "data/mac/port_mac_limit.h"
+#include "data/policy/port_attach_policy.h"
+#include "data/policy/pvc_attach_policy.h"
 #include "data/queue/eth_schedule.h"
 #include "data/rate/port_rate_bind.h"
 #include "data/slot/port_isolate.h"
@@ -49,6 +51,8 @@ static constexpr Attribute attributes[] = {
     {kPortEnableAttribute, set_data_port_enable_dbapi, get_data_port_enable_dbapi},
     {kAdslLineAttribute, set_adsl_prf_att_dbapi, getPlain<get_adsl_prf_att_dbapi>},
     {kPvcAttribute, set_pvc_prf_att_dbapi, getPlain<get_pvc_prf_att_dbapi>},
+    {kPvcPolicyAttribute, set_plc_prf_att_dbapi, get_plc_prf_att_dbapi},
+    {kPortPolicyAttribute, set_port_plc_prf_att_dbapi, get_port_plc_prf_att_dbapi},
     {kFeedAttribute, set_post_voltcurrent_db_api, get_post_voltcurrent_db_api},
     {kLoopAttribute, set_loopdetect_db_api, get_loopdetect_db_api},
     {kVdslCpsdAttribute, set_vdsl_cpsd_prf_att_dbapi, get_vdsl_cpsd_prf_att_dbapi},
@@ -72,6 +76,8 @@ static constexpr int (*portDeletes[])(u32 objectId) = {
     del_alarm_prf_banding_db_api,
     del_loopdetect_db_api,
     del_post_voltcurrent_db_api,
+    clr_pvc_plc_attach_cfg_dbapi,
+    clr_port_plc_attach_cfg_dbapi,
     clr_adsl_prf_att_dbapi,
     clr_pvc_prf_att_dbapi,
     clr_vdsl_cpsd_prf_att_dbapi,

@@ -18,6 +18,8 @@ enum AttributeNumber : u32 {
   kPortEnableAttribute = 280,
   kAdslLineAttribute = 281,
   kPvcAttribute = 282,
+  kPvcPolicyAttribute = 283,
+  kPortPolicyAttribute = 284,
   kFeedAttribute = 285,
   kLoopAttribute = 286,
   kVdslCpsdAttribute = 287,

@@ -5,6 +5,8 @@
 #include "data/loop/loop_detect.h"
 #include "data/mac/line_mac_table.h"
 #include "data/mac/port_mac_limit.h"
+#include "data/policy/port_attach_policy.h"
+#include "data/policy/pvc_attach_policy.h"
 #include "data/queue/eth_schedule.h"
 #include "data/rate/port_rate_bind.h"
 #include "data/rate/port_rate_profile.h"
@@ -16,37 +18,72 @@
 #include "platform/log.h"
 #include "platform/objects.h"
 
-static constexpr Step init[] = {init_port_rate_profile_type, init_port_rate_default_prf, init_port_vlan_cfg_module};
-static constexpr Step snmpRegister[] = {registerOf<portIsolation>,
-                                        registerOf<portRateBind>,
-                                        register_port_rate_profile_set_snmp,
-                                        register_port_rate_profile_del_snmp,
-                                        registerOf<ethSchedule>,
-                                        registerOf<macLimit>,
-                                        registerOf<stormSuppression>,
-                                        register_linemactbl_msg_snmp,
-                                        registerOf<portVlan>,
-                                        registerOf<loopDetect>};
-static constexpr Step install[] = {installOf<ethSchedule>,
-                                   installOf<macLimit>,
-                                   install_gepon_msan_port_mactable_element,
-                                   installOf<stormSuppression>,
-                                   installOf<portIsolation>,
-                                   installOf<portRateBind>,
-                                   install_element_port_rate_profile,
-                                   install_port_vlan_cfg_cli_element,
-                                   installOf<loopDetect>};
+// clang-format off
+static constexpr Step init[] = {
+    init_port_rate_profile_type,
+    init_port_rate_default_prf,
+    init_pvc_attach_plc,
+    init_port_vlan_cfg_module,
+};
+static constexpr Step snmpRegister[] = {
+    registerOf<portIsolation>,
+    registerOf<portRateBind>,
+    register_port_rate_profile_set_snmp,
+    register_port_rate_profile_del_snmp,
+    registerOf<ethSchedule>,
+    registerOf<macLimit>,
+    registerOf<stormSuppression>,
+    register_linemactbl_msg_snmp,
+    registerOf<portVlan>,
+    registerOf<pvcPolicy>,
+    registerOf<portPolicy>,
+    registerOf<loopDetect>,
+};
+static constexpr Step install[] = {
+    installOf<ethSchedule>,
+    installOf<macLimit>,
+    install_gepon_msan_port_mactable_element,
+    installOf<stormSuppression>,
+    installOf<portIsolation>,
+    installOf<portRateBind>,
+    install_element_port_rate_profile,
+    install_port_vlan_cfg_cli_element,
+    installOf<pvcPolicy>,
+    installOf<portPolicy>,
+    installOf<loopDetect>,
+};
 static constexpr SlotStep hotplug[] = {
-    recover_ethschedule_cfg, recover_macnum_limit_cfg,           recover_storm_suppression_cfg,
-    hotplug_port_isolation,  recover_port_rate_limit_attach_cfg, recover_port_vlan_cfg,
-    loop_detect_cfg_recover};
-static constexpr SlotStep cardAuthorised[] = {delete_ethschedule_cfg, delete_macnum_limit_cfg,
-                                              delete_storm_suppression_cfg};
-static constexpr PrintStep showrun[] = {port_rate_profile_showrun, show_run_loopdetect};
+    recover_ethschedule_cfg,
+    recover_macnum_limit_cfg,
+    recover_storm_suppression_cfg,
+    hotplug_port_isolation,
+    recover_port_rate_limit_attach_cfg,
+    recover_port_vlan_cfg,
+    res_pvc_plc_attach_cfg,
+    res_port_plc_attach_cfg,
+    loop_detect_cfg_recover,
+};
+static constexpr SlotStep cardAuthorised[] = {
+    delete_ethschedule_cfg,
+    delete_macnum_limit_cfg,
+    delete_storm_suppression_cfg,
+};
+static constexpr PrintStep showrun[] = {
+    port_rate_profile_showrun,
+    showrun_pvc_plc_attach,
+    showrun_port_plc_attach,
+    show_run_loopdetect,
+};
 // Of each slot with a card of the module's, all items of one slot ahead of the next slot.
-static constexpr int (*slotShowrun[])(Vty* vty, u16 slot) = {showrunOf<ethSchedule>,      showrunOf<macLimit>,
-                                                             showrunOf<stormSuppression>, showrunOf<portIsolation>,
-                                                             showrunOf<portRateBind>,     showrunOf<portVlan>};
+static constexpr int (*slotShowrun[])(Vty* vty, u16 slot) = {
+    showrunOf<ethSchedule>,
+    showrunOf<macLimit>,
+    showrunOf<stormSuppression>,
+    showrunOf<portIsolation>,
+    showrunOf<portRateBind>,
+    showrunOf<portVlan>,
+};
+// clang-format on
 
 int msan_data_init() {
   callAll(init);

@@ -83,6 +83,11 @@ flow       id name                 entries
 rule        3 data                       0
 policy      2 gold" "$out"
 
+run ctl -c "chassis slot 1 card adsl16" -c "attach policy interface 1/2 pvc 3 up 2 0 down 2 3" -c "flow policy 2 none" \
+  -c "flow rule 3 none" -c "detach policy interface 1/2 pvc 3" -c "flow rule 3 none" -c "chassis slot 1 card none"
+expect "where a policy and a rule are bound" "it is bound to PVC 3 of port 1/2
+it is bound to PVC 3 of port 1/2" "$out"
+
 # A command that asks: the answer is the next line, or told ahead; without one nothing is done.
 type() { ctl -c "show ngn_protocol_type" | tail -n 1; }
 run ctl -c "set ngn_protocol_type sip"

@@ -216,6 +216,17 @@ static int sendEach(const DataItem& item, LIST* records) {
   return 0;
 }
 
+void tellStored(const DataItem& item, LIST* objects) {
+  CardMessage message(item, objects);
+  for (NODE* cell = lstFirst(objects); cell != nullptr; cell = lstNext(cell)) {
+    const auto* object = dataOf<const ObjIndex>(cell);
+    AnyRecord record(item, *object);
+    SnmpErrInfo err;
+    if (message.begin() != 0 || getRecord(item, record, &err) != 0 || message.add(record) != 0) return;
+    message.send(object->addr[1]);
+  }
+}
+
 int sendRecords(const DataItem& item, LIST* records) {
   if (item.ofSlots) return sendEach(item, records);
   CardMessage message(item, records);
@@ -253,7 +264,9 @@ int setRecords(const DataItem& item, LIST* records, SnmpErrInfo* err) {
   for (NODE* cell = lstFirst(records); cell != nullptr; cell = lstNext(cell)) {
     if (const int code = saveRecord(item, dataOf<void>(cell))) return code;
   }
-  return sendRecords(item, records);
+  if (!item.tellsStored) return sendRecords(item, records);
+  tellStored(item, records);
+  return 0;
 }
 
 void reportRecords(const DataItem& item, LIST* records, int origin) {
@@ -292,13 +305,14 @@ int snmpSet(const DataItem& item, const u8* data, i32 length, u8* reply, u32* re
 
 // --- Walks ---
 
-int walkObjects(const DataItem& item, u16 slot, LIST* objects) {
+int walkObjects(const DataItem& item, u16 slot, LIST* objects) { return walkObjects(item.objectTypes, slot, objects); }
+
+int walkObjects(std::span<const u16> types, u16 slot, LIST* objects) {
   // A target that matches goes into the list, so it comes from the pool.
   auto* target = newRecord<ObjIndex>();
   if (target == nullptr) return -1;
-  const auto count = static_cast<i32>(item.objectTypes.size());
   int result = SlotNoPortConvertObjIndex(slot, 0, 0, target);
-  if (result == 0) result = ForEachTargetTree(target, objects, 0, item.objectTypes.data(), count);
+  if (result == 0) result = ForEachTargetTree(target, objects, 0, types.data(), static_cast<i32>(types.size()));
   NODE* first = lstFirst(objects);
   if (first == nullptr || dataOf<ObjIndex>(first) != target) mpuFree(target);
   return result == 0 ? 0 : -1;
@@ -381,12 +395,20 @@ static int selectPlace(u16 slot, u16 port, ObjIndex* object, SnmpErrInfo* err) {
   return code == 0 ? 0 : reject(err, code);
 }
 
+static int select(const DataItem& item, u16 slot, u16 port, ObjIndex* object, SnmpErrInfo* err) {
+  if (item.ofSlots) return placeObject(slot, 0, object), 0;  // what is in the slot, the get tells
+  return (item.select != nullptr ? item.select : selectPlace)(slot, port, object, err);
+}
+
+static int selectSlot(const DataItem& item, u16 slot, LIST* objects, SnmpErrInfo* err) {
+  ObjIndex whole;
+  return select(item, slot, 0, &whole, err) == 0 ? selectAll(item, slot, objects, err) : -1;
+}
+
 static int selectOne(const DataItem& item, u16 slot, u16 port, LIST* objects, SnmpErrInfo* err) {
   auto* object = newRecord<ObjIndex>();
   if (object == nullptr) return noMemory(item, err);
-  if (item.ofSlots) {
-    placeObject(slot, 0, object);  // what is in the slot, the get tells
-  } else if ((item.select != nullptr ? item.select : selectPlace)(slot, port, object, err) != 0) {
+  if (select(item, slot, port, object, err) != 0) {
     mpuFree(object);
     return -1;
   }
@@ -404,8 +426,7 @@ int selectObjects(const DataItem& item, WireIn frame, LIST* objects, SnmpErrInfo
     const auto port = static_cast<u16>(in.number(2));
     in.skip(kSelector - 4);
     const bool whole = port == item.wholeSlot;
-    if (whole && isSlotAuthed(slot) != 1) return reject(err, kNoSlot, {slot});
-    const int code = whole ? selectAll(item, slot, objects, err) : selectOne(item, slot, port, objects, err);
+    const int code = whole ? selectSlot(item, slot, objects, err) : selectOne(item, slot, port, objects, err);
     if (code != 0) return code;
   }
   return 0;
@@ -424,7 +445,7 @@ static int answerObjects(const DataItem& item, LIST* objects, Writer& out, SnmpE
 int snmpGet(const DataItem& item, const u8* data, i32 length, u8* reply, u32* replyLen) {
   SnmpErrInfo err;
   ObjList objects;
-  Writer out(WireOut(reply + kAnswer + 4, kMaxPacket - kAnswer - 4));
+  Writer out(WireOut(reply, replyRoom(item.message.mostReply)).subspan(kAnswer + 4));
   const int selected = selectObjects(item, frameOf(data, length), objects, &err);
   if (selected == kNoMemory) return kNoMemory;
   if (selected != 0 || answerObjects(item, objects, out, &err) != 0) {
@@ -438,6 +459,6 @@ int snmpGet(const DataItem& item, const u8* data, i32 length, u8* reply, u32* re
 
 int registerItem(const DataItem& item) {
   const ItemMessage& m = item.message;
-  const SnmpMsgReg message{item.id, {0, 0}, m.set, m.get, m.mostReply, m.text};
+  const SnmpMsgReg message{item.id, {item.option, item.option}, m.set, m.get, m.mostReply, m.text};
   return SnmpMsgRegister(&message);
 }

@@ -71,7 +71,10 @@ struct DataItem {
   u32 encodedBytes;
   u32 mostMessage = kNoLimit;
   u32 leastSent = 1;
-  bool ofSlots = false;       // the objects are slots, each of which is told in a message of its own
+  bool ofSlots = false;  // the objects are slots, each of which is told in a message of its own
+  // A card is told what is read back once it is stored, each object in a message of its own. One that can't be read or
+  // built ends that, and nobody is told.
+  bool tellsStored = false;
   bool checksReplay = false;  // what the startup configuration says is checked as well
 
   // An object of a SET into a record. 0, or -1 with `err` filled; a frame that has ended is the road's to tell.
@@ -84,7 +87,8 @@ struct DataItem {
   int (*check)(void* record, SnmpErrInfo* err) = nullptr;  // none
   int (*save)(const void* record) = nullptr;               // the value into the attribute
   int (*get)(void* record, SnmpErrInfo* err) = nullptr;    // and out of it
-  // The object of a selector. By the road: the slot is authorised (-3), and what the object model then says.
+  // The object of a selector, with port 0 the slot for all of it. By the road: the slot is authorised (-3), and what
+  // the object model then says.
   int (*select)(u16 slot, u16 port, ObjIndex* object, SnmpErrInfo* err) = nullptr;
   bool (*holds)(const ObjIndex* object) = nullptr;  // whether an object that a walk has found has the item at all: all
   bool (*reaches)(const ObjIndex* object) = nullptr;  // whether a message to the object's card is tried now: always
@@ -99,6 +103,7 @@ struct DataItem {
 
   std::span<const Command> commands = {};
   ItemMessage message = {};
+  u8 option = 0;  // both bytes of its registration
 
   Where at(const char* step) const { return {step, file, line, stem}; }
   const char* file = __builtin_FILE();  // of the row
@@ -134,6 +139,8 @@ int showrunSlot(const DataItem& item, Vty* vty, u16 slot);
 // A message for each slot. A record that can't be built is left out, a send that fails is dropped: what is stored
 // stands, and the card is told when it returns. -1 without memory.
 int sendRecords(const DataItem& item, LIST* records);
+// What is stored for each of the objects, as `tellsStored` has it.
+void tellStored(const DataItem& item, LIST* objects);
 
 // What is stored for the record's object, into it. 0, or the code of the attribute.
 int readRecord(const DataItem& item, void* record);
@@ -168,8 +175,9 @@ inline constexpr u32 kObjects = 36;  // offset of what is counted
 // The objects that the selectors of a GET name. 0, -1, or kNoMemory where that has no answer.
 int selectObjects(const DataItem& item, WireIn frame, LIST* objects, SnmpErrInfo* err);
 
-// The objects of the item under a slot, or with slot 0 under the system, sorted. 0 or -1.
+// The objects of the item, or of some types, under a slot or with slot 0 under the system, sorted. 0 or -1.
 int walkObjects(const DataItem& item, u16 slot, LIST* objects);
+int walkObjects(std::span<const u16> types, u16 slot, LIST* objects);
 
 // Put a record into a list, in the item's order or behind the others. 0 or -1.
 int addRecord(const DataItem& item, ObjIndex* record, LIST* records);
