@@ -3,6 +3,7 @@
 
 #include <benchmark/benchmark.h>
 
+#include <string>
 #include <vector>
 
 #include "node.h"
@@ -14,6 +15,12 @@ node::Node& benchNode();
 
 // Authorises so many cards of the type in the first service slots, and nothing else.
 void populate(u32 cards, const char* type);
+
+// Runs an operator's line. False when it did not do well.
+bool run(const std::string& line);
+
+// All ports of so many cards, as an interface string.
+std::string allPorts(u32 cards);
 
 // Writes a big-endian number.
 void put(std::vector<u8>& frame, std::size_t at, u32 width, u32 value);

@@ -9,19 +9,6 @@
 
 namespace {
 
-bool run(const std::string& line) {
-  Vty vty;
-  const host::LineOutcome outcome = host::runLine(vty, CONFIG_NODE, line);
-  return outcome.result == host::LineResult::ran && outcome.returned == 0;
-}
-
-// All ports of so many cards, as an interface string.
-std::string allPorts(u32 cards) {
-  std::string slots;
-  for (u32 i = 0; i < cards; ++i) slots += fmt::format("{}{}", i == 0 ? "" : ",", kServiceSlots[i]);
-  return slots + "/1-64";
-}
-
 std::string rateLine(u32 rate) {
   return fmt::format("set rate-limit id 1 name bench us-status enable us-cir {} ds-status enable ds-cir 64", rate);
 }

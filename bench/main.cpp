@@ -2,6 +2,7 @@
 // figure of this machine but what a request costs beyond the work that it cannot do without.
 
 #include <benchmark/benchmark.h>
+#include <fmt/format.h>
 
 #include <algorithm>
 #include <cstdio>
@@ -12,6 +13,7 @@
 #include "bench_node.h"
 #include "host/chassis.h"
 #include "host/log.h"
+#include "host/terminal.h"
 
 node::Node& benchNode() {
   static node::Node node = [] {
@@ -34,6 +36,18 @@ void populate(u32 cards, const char* type) {
     }
     if (i < cards && there == nullptr) node.authorise(slot, *wanted);
   }
+}
+
+bool run(const std::string& line) {
+  Vty vty;
+  const host::LineOutcome outcome = host::runLine(vty, CONFIG_NODE, line);
+  return outcome.result == host::LineResult::ran && outcome.returned == 0;
+}
+
+std::string allPorts(u32 cards) {
+  std::string slots;
+  for (u32 i = 0; i < cards; ++i) slots += fmt::format("{}{}", i == 0 ? "" : ",", kServiceSlots[i]);
+  return slots + "/1-64";
 }
 
 void put(std::vector<u8>& frame, std::size_t at, u32 width, u32 value) {

@@ -11,12 +11,6 @@ namespace {
 constexpr u32 kCards = 16;
 constexpr u32 kProfiles = 1023;
 
-bool run(const std::string& line) {
-  Vty vty;
-  const host::LineOutcome outcome = host::runLine(vty, CONFIG_NODE, line);
-  return outcome.result == host::LineResult::ran && outcome.returned == 0;
-}
-
 void suggest(benchmark::State& state, const char* cards, const char* line) {
   populate(kCards, cards);
   bool good = true;

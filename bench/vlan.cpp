@@ -15,19 +15,6 @@ constexpr u16 kVlan = 2846;
 constexpr u32 kServices = 8;
 constexpr u32 kRows = 8;  // of an ADSL port
 
-bool run(const std::string& line) {
-  Vty vty;
-  const host::LineOutcome outcome = host::runLine(vty, CONFIG_NODE, line);
-  return outcome.result == host::LineResult::ran && outcome.returned == 0;
-}
-
-// All ports of so many cards, as an interface string.
-std::string allPorts(u32 cards) {
-  std::string slots;
-  for (u32 i = 0; i < cards; ++i) slots += fmt::format("{}{}", i == 0 ? "" : ",", kServiceSlots[i]);
-  return slots + "/1-64";
-}
-
 std::string attachAll(u32 cards, const char* type) {
   const bool pvcs = std::string_view(type).starts_with("adsl");
   return "attach vlan profile bench interface " + allPorts(cards) + (pvcs ? " pvc 0" : "");

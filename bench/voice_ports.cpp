@@ -11,12 +11,6 @@
 
 namespace {
 
-bool run(const std::string& line) {
-  Vty vty;
-  const host::LineOutcome outcome = host::runLine(vty, CONFIG_NODE, line);
-  return outcome.result == host::LineResult::ran && outcome.returned == 0;
-}
-
 void numbers(benchmark::State& state) {
   const auto cards = static_cast<u32>(state.range(0));
   populate(cards, "pots64");
