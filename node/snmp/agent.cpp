@@ -18,6 +18,7 @@
 #include "library.h"
 #include "module_road.h"
 #include "note.h"
+#include "profile_table.h"
 #include "streams.h"
 #include "system_group.h"
 #include "turns.h"
@@ -105,8 +106,8 @@ struct StandardTables {
   InterfaceTable interfaces{functions};
   InterfaceNames names;
   AdslLineTable lines{functions};
-  AdslProfileTable profiles{functions};
-  AdslAlarmProfileTable alarmProfiles{functions};
+  ProfileTable profiles{kLineProfiles, functions};
+  ProfileTable alarmProfiles{kAlarmProfiles, functions};
 };
 
 struct Agent::Running {
@@ -150,6 +151,7 @@ Agent::Running::Running(SnmpSettings wanted, const std::string& folder, const no
     : settings(std::move(wanted)), library(folder) {
   registerSystemGroups(settings);
   if (StandardFunctions(module).complete()) standard.emplace(module);
+  if (standard) road.useFunctions(standard->functions);
   init_snmp(kApplication);
   if (!settings.users.empty()) useEngine(startEngine(folder + "/engine"));
   allowManagers(settings);

@@ -31,6 +31,7 @@ class Collections {
   void leave(const void* session);
 
   bool empty() const { return all_.empty(); }
+  bool has(u16 id) const { return all_.contains(id); }
   // Those that have to be ended, each of them once.
   std::vector<u16> due(Clock::time_point now);
   // One of these is still to be ended: no piece has come meanwhile.

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
+#include <memory>
 #include <set>
 #include <shared_mutex>
 #include <system_error>
@@ -13,6 +14,8 @@
 #include "hold.h"
 #include "host/chassis.h"
 #include "host/pool.h"
+#include "standard_set.h"
+#include "standard_table.h"
 
 namespace msand {
 
@@ -28,7 +31,8 @@ struct ModuleRoad::Waiting {
 
   // of the thread that has the module do it
   ModuleRequest request;
-  bool ends = false;  // nobody's request: the collection of this message has to be ended
+  std::unique_ptr<StandardSet> set;  // instead of it
+  bool ends = false;                 // nobody's request: the collection of this message has to be ended
   host::Answer answer;
   bool noMemory = false;
 
@@ -72,6 +76,7 @@ static bool isAllowed(netsnmp_pdu* pdu) {
 }
 
 int ModuleRoad::receive(netsnmp_session* session, int id, netsnmp_pdu* pdu) {
+  if (functions_ != nullptr && StandardSet::concerns(*pdu)) return keepSet(session, id, pdu);
   if (!FrameTable::concernsModule(*pdu) || !isAllowed(pdu) || table_.holdsPiece(*pdu))
     return goOn(table_, session, id, pdu);
   if (isRepeated(session, pdu)) return 1;
@@ -82,16 +87,33 @@ int ModuleRoad::receive(netsnmp_session* session, int id, netsnmp_pdu* pdu) {
     table_.prepareRefusal(*pdu);
     return goOn(table_, session, id, pdu);
   }
+  if (Waiting* const waiting = keep(session, id, pdu); waiting != nullptr) {
+    waiting->size = size;
+    waiting->request = *table_.take(*pdu);
+    bytes_ += size;
+  }
+  return 1;
+}
+
+// What has not been done is refused by its table.
+int ModuleRoad::keepSet(netsnmp_session* session, int id, netsnmp_pdu* pdu) {
+  if (!isAllowed(pdu)) return goOn(table_, session, id, pdu);
+  if (isRepeated(session, pdu)) return 1;
+  if (waiting_.size() >= kMostWaiting) return goOn(table_, session, id, pdu);
+  if (Waiting* const waiting = keep(session, id, pdu); waiting != nullptr)
+    waiting->set = std::make_unique<StandardSet>(*functions_, *pdu);
+  return 1;
+}
+
+// Null: there is no memory.
+ModuleRoad::Waiting* ModuleRoad::keep(netsnmp_session* session, int id, netsnmp_pdu* pdu) {
   netsnmp_pdu* const own = snmp_clone_pdu(pdu);
-  if (own == nullptr) return 1;
+  if (own == nullptr) return nullptr;
   Waiting& waiting = waiting_.emplace_back();
   waiting.session = session;
   waiting.id = id;
   waiting.pdu = own;
-  waiting.size = size;
-  waiting.request = *table_.take(*pdu);
-  bytes_ += size;
-  return 1;
+  return &waiting;
 }
 
 // A manager that has lost patience asks again: it is answered once, as what it asked last.
@@ -142,6 +164,8 @@ void ModuleRoad::askModule(Waiting& one) {
     const std::shared_lock gate(host::requestGate());
     if (one.ends) {
       endCollection(request.id);
+    } else if (one.set != nullptr) {
+      one.set->perform();
     } else {
       one.answer = request.column == kAnswer ? host::agentGet(request.id, &request.bytes)
                                              : host::agentSet(request.id, request.column == kFrame, &request.bytes);
@@ -160,8 +184,14 @@ bool ModuleRoad::work(Turns& turns, int thread) {
   if (!underWay_) {
     underWay_ = true;
     Waiting& first = waiting_.front();
+    const bool refused = first.set != nullptr &&
+                         std::ranges::any_of(StandardSet::kMessages, [this](u16 id) { return collections_.has(id); });
     turns.begin();
-    askModule(first);
+    // The pieces of somebody's frame would become a part of what it sends.
+    if (refused)
+      first.set->refuse();
+    else
+      askModule(first);
     if (!turns.end(thread)) {
       done_ = true;
       wake();
@@ -179,7 +209,11 @@ void ModuleRoad::answerFirst() {
   bytes_ -= first.size;
   noteCollection(first);
   if (first.session == nullptr) {
-    table_.keepPiece(first.request, std::move(first.answer));
+    if (first.set == nullptr) table_.keepPiece(first.request, std::move(first.answer));
+  } else if (first.set != nullptr) {
+    StandardTable::prepare(first.set.get());
+    goOn(table_, first.session, first.id, first.pdu);
+    StandardTable::prepare(nullptr);
   } else {
     table_.prepare(first.request, std::move(first.answer), first.noMemory);
     goOn(table_, first.session, first.id, first.pdu);
@@ -190,6 +224,7 @@ void ModuleRoad::answerFirst() {
 }
 
 void ModuleRoad::noteCollection(const Waiting& done) {
+  if (done.set != nullptr) return;
   const u16 id = done.request.id;
   if (done.ends)
     collections_.lapsed(id);

@@ -9,6 +9,7 @@
 #include "collections.h"
 #include "descriptor.h"
 #include "frame_table.h"
+#include "standard_functions.h"
 #include "turns.h"
 
 namespace msand {
@@ -19,6 +20,9 @@ class ModuleRoad {
   ~ModuleRoad();
   ModuleRoad(const ModuleRoad&) = delete;
   ModuleRoad& operator=(const ModuleRoad&) = delete;
+
+  // The objects of standard MIBs are served, too. Ahead of the first request.
+  void useFunctions(const StandardFunctions& functions) { functions_ = &functions; }
 
   // A session's request; what the library's callback returns.
   int receive(netsnmp_session* session, int id, netsnmp_pdu* pdu);
@@ -39,6 +43,8 @@ class ModuleRoad {
  private:
   struct Waiting;
 
+  int keepSet(netsnmp_session* session, int id, netsnmp_pdu* pdu);
+  Waiting* keep(netsnmp_session* session, int id, netsnmp_pdu* pdu);
   bool isRepeated(netsnmp_session* session, netsnmp_pdu* pdu);
   void answerFirst();
   void noteCollection(const Waiting& done);
@@ -46,6 +52,7 @@ class ModuleRoad {
   static void askModule(Waiting& one);
 
   FrameTable& table_;
+  const StandardFunctions* functions_ = nullptr;
   Descriptor event_;
   std::list<Waiting> waiting_;
   Collections collections_;

@@ -16,11 +16,7 @@ const Oid kInterfaceNumber = {1, 3, 6, 1, 2, 1, 2, 1};
 const Oid kInterfaceEntry = {1, 3, 6, 1, 2, 1, 2, 2, 1};
 const Oid kInterfaceNamesEntry = {1, 3, 6, 1, 2, 1, 31, 1, 1, 1};
 
-enum InterfaceColumn : oid { kIndex = 1, kDescription = 2, kType = 3, kAdministration = 7, kOperation = 8 };
 enum InterfaceNamesColumn : oid { kName = 1, kAlias = 18 };
-enum Status : u32 { kUp = 1, kDown = 2, kUnknown = 4, kNotPresent = 6 };
-
-constexpr u16 kPotsPort = 600;
 
 // What the types of ports are to managers. What a line of dsl16 is depends on its card: "other".
 struct InterfaceKind {
@@ -46,6 +42,8 @@ std::optional<Port> portAt(u16 slot, u16 port, PortFilter filter) {
 
 }  // namespace
 
+const Oid& interfaceEntry() { return kInterfaceEntry; }
+
 bool isInterface(u16 type) { return kindOf(type) != nullptr; }
 bool isAdslLine(u16 type) { return type == 116 || type == 817; }
 
@@ -65,7 +63,8 @@ std::optional<Oid> portBehind(const Oid& index, PortFilter filter) {
 }
 
 InterfaceTable::InterfaceTable(const StandardFunctions& functions)
-    : StandardTable("ifTable", kInterfaceEntry, {kIndex, kDescription, kType, kAdministration, kOperation}),
+    : StandardTable("ifTable", kInterfaceEntry, {kIndex, kDescription, kType, kAdministration, kOperation},
+                    Access::write),
       functions_(functions),
       states_(functions.dataPortStatus) {
   count_ = netsnmp_create_handler_registration("ifNumber", giveCount, kInterfaceNumber.data(), kInterfaceNumber.size(),

@@ -16,6 +16,7 @@ struct Port {
 };
 using PortFilter = bool (*)(u16 type);
 
+inline constexpr u16 kPotsPort = 600;
 bool isInterface(u16 type);
 bool isAdslLine(u16 type);
 
@@ -23,6 +24,10 @@ bool isAdslLine(u16 type);
 std::optional<Port> portOf(const Oid& index, PortFilter filter);
 // The index of the first port behind one.
 std::optional<Oid> portBehind(const Oid& index, PortFilter filter);
+
+const Oid& interfaceEntry();
+enum InterfaceColumn : oid { kIndex = 1, kDescription = 2, kType = 3, kAdministration = 7, kOperation = 8 };
+enum InterfaceStatus : u32 { kUp = 1, kDown = 2, kUnknown = 4, kNotPresent = 6 };
 
 class InterfaceTable : public StandardTable {
  public:

@@ -31,9 +31,11 @@ class StandardFunctions {
   MSAND_FUNCTION(lineProfile, std_snmp_adsl_line_prf_get);
   MSAND_FUNCTION(nextLineProfile, std_snmp_get_next_adsl_line_prf);
   MSAND_FUNCTION(attachedLineProfile, std_snmp_get_attach_adsl_line_prfid);
+  MSAND_FUNCTION(attachLineProfile, std_snmp_attach_adsl_line_prf);
   MSAND_FUNCTION(alarmProfile, std_dsl_alarm_prf_get);
   MSAND_FUNCTION(nextAlarmProfile, std_get_next_dsl_alarm_prf);
   MSAND_FUNCTION(attachedAlarmProfile, std_get_attached_dsl_alarm_prf_id);
+  MSAND_FUNCTION(attachAlarmProfile, std_attach_dsl_alarm_prf_by_id);
 #undef MSAND_FUNCTION
 };
 

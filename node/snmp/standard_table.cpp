@@ -6,12 +6,16 @@
 #include <utility>
 
 #include "host/chassis.h"
+#include "standard_set.h"
 
 namespace msand {
 
-StandardTable::StandardTable(const char* name, const Oid& entry, Oid columns)
+const StandardSet* StandardTable::done_ = nullptr;
+
+StandardTable::StandardTable(const char* name, const Oid& entry, Oid columns, Access access)
     : entry_(entry), columns_(std::move(columns)) {
-  registration_ = netsnmp_create_handler_registration(name, handle, entry_.data(), entry_.size(), HANDLER_CAN_RONLY);
+  registration_ = netsnmp_create_handler_registration(name, handle, entry_.data(), entry_.size(),
+                                                      access == Access::write ? HANDLER_CAN_RWRITE : HANDLER_CAN_RONLY);
   registration_->handler->myvoid = this;
   if (netsnmp_register_handler(registration_) != MIB_REGISTERED_OK)
     throw std::runtime_error(std::string("snmp: ") + name + ": can't be registered");
@@ -36,7 +40,13 @@ int StandardTable::handle(netsnmp_mib_handler* handler, netsnmp_handler_registra
     if (request->processed != 0) continue;
     if (info->mode == MODE_GET) table.get(request);
     if (info->mode == MODE_GETNEXT) table.getNext(request);
+    if (info->mode == MODE_SET_RESERVE1) {
+      const int error =
+          done_ != nullptr ? done_->errorOf(static_cast<u32>(request->index)) : SNMP_ERR_RESOURCEUNAVAILABLE;
+      if (error != SNMP_ERR_NOERROR) netsnmp_set_request_error(info, request, error);
+    }
   }
+  if (info->mode == MODE_SET_COMMIT) table.changed();
   return SNMP_ERR_NOERROR;
 }
 

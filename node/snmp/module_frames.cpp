@@ -1,0 +1,37 @@
+#include "module_frames.h"
+
+#include <algorithm>
+#include <array>
+
+#include "host/agent.h"
+
+namespace msand {
+
+static constexpr std::size_t kEnvelope = 32;
+static constexpr std::array<u8, 4> kSuccess = {0, 0, 0, 1};
+
+static std::vector<u8> frameOf(const std::vector<u8>& area) {
+  std::vector<u8> frame(kEnvelope);
+  frame.insert(frame.end(), area.begin(), area.end());
+  return frame;
+}
+
+static bool isSuccess(const host::Answer& answer) {
+  return answer.result != 0 && answer.reply && answer.reply->size() >= kSuccess.size() &&
+         std::ranges::equal(kSuccess, std::span(*answer.reply).first<kSuccess.size()>());
+}
+
+std::optional<std::vector<u8>> askModule(u16 id, const std::vector<u8>& area) {
+  std::vector<u8> frame = frameOf(area);
+  host::Answer answer = host::agentGet(id, &frame);
+  if (!isSuccess(answer) || answer.reply->size() < kSuccess.size() + kEnvelope) return std::nullopt;
+  answer.reply->erase(answer.reply->begin(), answer.reply->begin() + kSuccess.size() + kEnvelope);
+  return std::move(answer.reply);
+}
+
+bool tellModule(u16 id, const std::vector<u8>& area) {
+  std::vector<u8> frame = frameOf(area);
+  return isSuccess(host::agentSet(id, true, &frame));
+}
+
+}  // namespace msand
