@@ -8,14 +8,19 @@
 #include <chrono>
 #include <cstdlib>
 #include <ctime>
+#include <functional>
 #include <optional>
 #include <stdexcept>
 #include <system_error>
 #include <thread>
+#include <vector>
 
+#include "adsl_line_state.h"
 #include "adsl_tables.h"
 #include "engine.h"
+#include "kept_reads.h"
 #include "library.h"
+#include "line_facts.h"
 #include "module_road.h"
 #include "note.h"
 #include "profile_table.h"
@@ -101,13 +106,33 @@ static int countMessage(netsnmp_session*, netsnmp_transport*, void*, int) {
 
 // What the node is to managers that know nothing of it.
 struct StandardTables {
-  explicit StandardTables(const node::Module& module) : functions(module) {}
+  StandardTables(const node::Module& module, std::function<void()> wake, KeptReads::Answer answer)
+      : functions(module), facts(std::move(wake)), reads(facts, all(), std::move(answer)) {
+    learnLines(facts, functions);
+  }
+
+  // In the order of their names.
+  std::vector<StandardTable*> all() {
+    return {&interfaces,
+            &lines,
+            &states.atucPhysical,
+            &states.aturPhysical,
+            &states.atucChannel,
+            &states.aturChannel,
+            &profiles,
+            &alarmProfiles,
+            &names};
+  }
+
   StandardFunctions functions;
-  InterfaceTable interfaces{functions};
+  Facts facts;
+  InterfaceTable interfaces{functions, facts};
   InterfaceNames names;
   AdslLineTable lines{functions};
-  ProfileTable profiles{kLineProfiles, functions};
-  ProfileTable alarmProfiles{kAlarmProfiles, functions};
+  AdslStateTables states{facts, functions};
+  ProfileTable profiles{kLineProfiles, functions, facts};
+  ProfileTable alarmProfiles{kAlarmProfiles, functions, facts};
+  KeptReads reads;
 };
 
 struct Agent::Running {
@@ -138,8 +163,8 @@ struct Agent::Running {
   Streams streams;  // the library closes them
   Library library;
   FrameTable table;
-  std::optional<StandardTables> standard;  // of a module that has the functions for them
   ModuleRoad road{table};
+  std::optional<StandardTables> standard;  // of a module that has the functions for them
   Turns turns{kPatience};
   std::atomic<bool> stopped{false};
   std::array<std::thread, 2> threads;
@@ -150,8 +175,12 @@ Agent::Running* Agent::Running::theAgent = nullptr;
 Agent::Running::Running(SnmpSettings wanted, const std::string& folder, const node::Module& module)
     : settings(std::move(wanted)), library(folder) {
   registerSystemGroups(settings);
-  if (StandardFunctions(module).complete()) standard.emplace(module);
-  if (standard) road.useFunctions(standard->functions);
+  if (StandardFunctions(module).complete()) {
+    standard.emplace(
+        module, [this] { road.wake(); },
+        [this](netsnmp_session* session, int id, netsnmp_pdu* pdu) { road.receive(session, id, pdu); });
+    road.useFunctions(standard->functions);
+  }
   init_snmp(kApplication);
   if (!settings.users.empty()) useEngine(startEngine(folder + "/engine"));
   allowManagers(settings);
@@ -194,9 +223,13 @@ void Agent::Running::listen(const std::string& address) {
 }
 
 int Agent::Running::receive(int operation, netsnmp_session* session, int id, netsnmp_pdu* pdu, void*) {
-  if (theAgent != nullptr && operation == NETSNMP_CALLBACK_OP_DISCONNECT) theAgent->road.leave(session);
+  if (theAgent != nullptr && operation == NETSNMP_CALLBACK_OP_DISCONNECT) {
+    theAgent->road.leave(session);
+    if (theAgent->standard) theAgent->standard->reads.leave(session);
+  }
   if (theAgent == nullptr || operation != NETSNMP_CALLBACK_OP_RECEIVED_MESSAGE)
     return handle_snmp_packet(operation, session, id, pdu, nullptr);
+  if (theAgent->standard && theAgent->standard->reads.keep(session, id, pdu)) return 1;
   return theAgent->road.receive(session, id, pdu);
 }
 
@@ -206,6 +239,7 @@ void Agent::Running::serve(int thread) {
   while (turns.lead(thread)) {
     do {
       agent_check_and_process(road.hasWork() ? 0 : 1);
+      if (standard) standard->reads.work();
     } while (!stopped && road.work(turns, thread));
   }
 }

@@ -14,6 +14,7 @@
 #include "hold.h"
 #include "host/chassis.h"
 #include "host/pool.h"
+#include "kept_request.h"
 #include "standard_set.h"
 #include "standard_table.h"
 
@@ -22,11 +23,7 @@ namespace msand {
 constexpr std::size_t kMostWaiting = 64;
 constexpr std::size_t kMostBytes = 16u << 20;
 
-struct ModuleRoad::Waiting {
-  // the leader's
-  netsnmp_session* session = nullptr;  // null: it has ended
-  int id = 0;
-  netsnmp_pdu* pdu = nullptr;
+struct ModuleRoad::Waiting : KeptRequest {
   std::size_t size = 0;
 
   // of the thread that has the module do it
@@ -35,11 +32,6 @@ struct ModuleRoad::Waiting {
   bool ends = false;                 // nobody's request: the collection of this message has to be ended
   host::Answer answer;
   bool noMemory = false;
-
-  Waiting() = default;
-  ~Waiting() { snmp_free_pdu(pdu); }
-  Waiting(const Waiting&) = delete;
-  Waiting& operator=(const Waiting&) = delete;
 };
 
 ModuleRoad::ModuleRoad(FrameTable& table) : table_(table), event_(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {
@@ -63,16 +55,6 @@ static int goOn(FrameTable& table, netsnmp_session* session, int id, netsnmp_pdu
   const int result = handle_snmp_packet(NETSNMP_CALLBACK_OP_RECEIVED_MESSAGE, session, id, pdu, nullptr);
   table.forget();
   return result;
-}
-
-// Access is judged ahead of anything that the module does. What is not allowed is refused by the library.
-static bool isAllowed(netsnmp_pdu* pdu) {
-  if (check_access(pdu) != 0) return false;
-  for (netsnmp_variable_list* variable = pdu->variables; variable != nullptr; variable = variable->next_variable) {
-    std::size_t length = variable->name_length;
-    if (in_a_view(variable->name, &length, pdu, 0) != 0) return false;
-  }
-  return true;
 }
 
 int ModuleRoad::receive(netsnmp_session* session, int id, netsnmp_pdu* pdu) {
@@ -107,34 +89,13 @@ int ModuleRoad::keepSet(netsnmp_session* session, int id, netsnmp_pdu* pdu) {
 
 // Null: there is no memory.
 ModuleRoad::Waiting* ModuleRoad::keep(netsnmp_session* session, int id, netsnmp_pdu* pdu) {
-  netsnmp_pdu* const own = snmp_clone_pdu(pdu);
-  if (own == nullptr) return nullptr;
-  Waiting& waiting = waiting_.emplace_back();
-  waiting.session = session;
-  waiting.id = id;
-  waiting.pdu = own;
-  return &waiting;
+  if (waiting_.emplace_back().keep(session, id, pdu)) return &waiting_.back();
+  waiting_.pop_back();
+  return nullptr;
 }
 
-// A manager that has lost patience asks again: it is answered once, as what it asked last.
 bool ModuleRoad::isRepeated(netsnmp_session* session, netsnmp_pdu* pdu) {
-  for (Waiting& one : waiting_) {
-    if (one.pdu == nullptr) continue;
-    const netsnmp_pdu& other = *one.pdu;
-    if (one.session != session || other.reqid != pdu->reqid || other.command != pdu->command ||
-        other.version != pdu->version || other.transport_data_length != pdu->transport_data_length ||
-        (pdu->transport_data_length != 0 &&
-         std::memcmp(other.transport_data, pdu->transport_data, static_cast<u32>(pdu->transport_data_length)) != 0) ||
-        snmp_oid_compare(other.variables->name, other.variables->name_length, pdu->variables->name,
-                         pdu->variables->name_length) != 0)
-      continue;
-    if (netsnmp_pdu* again = snmp_clone_pdu(pdu); again != nullptr) {
-      snmp_free_pdu(one.pdu);
-      one.pdu = again;
-    }
-    return true;
-  }
-  return false;
+  return std::ranges::any_of(waiting_, [&](Waiting& one) { return one.takeRepeated(session, pdu); });
 }
 
 // Pieces are left out: none of them is a message.

@@ -62,11 +62,11 @@ std::optional<Oid> portBehind(const Oid& index, PortFilter filter) {
   return std::nullopt;
 }
 
-InterfaceTable::InterfaceTable(const StandardFunctions& functions)
+InterfaceTable::InterfaceTable(const StandardFunctions& functions, Facts& facts)
     : StandardTable("ifTable", kInterfaceEntry, {kIndex, kDescription, kType, kAdministration, kOperation},
                     Access::write),
       functions_(functions),
-      states_(functions.dataPortStatus) {
+      facts_(facts) {
   count_ = netsnmp_create_handler_registration("ifNumber", giveCount, kInterfaceNumber.data(), kInterfaceNumber.size(),
                                                HANDLER_CAN_RONLY);
   if (netsnmp_register_read_only_scalar(count_) != MIB_REGISTERED_OK)
@@ -116,9 +116,9 @@ bool InterfaceTable::giveAdministration(const Port& port, netsnmp_variable_list&
 bool InterfaceTable::giveOperation(const Port& port, netsnmp_variable_list& to) {
   if (port.type == kPotsPort) return false;
   if (host::cardState(port.slot) == host::CardState::absent) return giveNumber(to, kNotPresent);
-  const auto up = states_.isUp(port.slot, port.port);
-  if (!up) return giveNumber(to, kUnknown);
-  return giveNumber(to, *up ? kUp : kDown);
+  const auto told = facts_.told({Fact::lineUp, port.slot, port.port});
+  if (told == nullptr) return giveNumber(to, kUnknown);
+  return giveNumber(to, told->front() == 1 ? kUp : kDown);
 }
 
 InterfaceNames::InterfaceNames() : StandardTable("ifXTable", kInterfaceNamesEntry, {kName, kAlias}) {}

@@ -3,7 +3,7 @@
 // 65536
 // + port.
 
-#include "line_states.h"
+#include "facts.h"
 #include "standard_functions.h"
 #include "standard_table.h"
 
@@ -31,7 +31,7 @@ enum InterfaceStatus : u32 { kUp = 1, kDown = 2, kUnknown = 4, kNotPresent = 6 }
 
 class InterfaceTable : public StandardTable {
  public:
-  explicit InterfaceTable(const StandardFunctions& functions);
+  InterfaceTable(const StandardFunctions& functions, Facts& facts);
   ~InterfaceTable() override;
 
  private:
@@ -39,11 +39,13 @@ class InterfaceTable : public StandardTable {
                        netsnmp_request_info* requests);
   std::optional<Oid> behind(const Oid& index) override { return portBehind(index, isInterface); }
   bool give(oid column, const Oid& index, netsnmp_variable_list& to) override;
+  bool isLearned(oid column) const override { return column == kOperation; }
+  void changed() override { facts_.forget(Fact::lineUp); }
   bool giveAdministration(const Port& port, netsnmp_variable_list& to) const;
   bool giveOperation(const Port& port, netsnmp_variable_list& to);
 
   const StandardFunctions& functions_;
-  LineStates states_;
+  Facts& facts_;
   netsnmp_handler_registration* count_ = nullptr;
 };
 

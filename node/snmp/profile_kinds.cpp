@@ -11,21 +11,21 @@ namespace {
 
 constexpr u16 kAllocate = 0xFFFF;  // as a new profile's number
 constexpr u32 kNameBytes = 20;
-constexpr u32 kItemHead = 22;  // number and name
 constexpr u32 kToneBytes = 8;
 
-// NOLINTNEXTLINE
 #define VIEW(type, member) offsetof(type, member), sizeof(type::member)
 
 // ATU-C transmits downstream. Its margins are those of the downstream, too.
 // clang-format off
 constexpr ProfileColumn kLineColumns[] = {
+    {kDownRateMode, 0, 0, 26, 2, 1, 1, 3},
     {4, VIEW(StdAdslLinePrf, targetMarginDown), 40, 4, 1, 0, 310},
     {5, VIEW(StdAdslLinePrf, maxMarginDown), 72, 2, 10, 0, 310},
     {6, VIEW(StdAdslLinePrf, minMarginDown), 76, 2, 10, 0, 310},
     {11, VIEW(StdAdslLinePrf, minRateDown), 82, 4, 1000, 0, 100'000'000, Channel::fast, ASN_UNSIGNED},
     {12, VIEW(StdAdslLinePrf, minRateDown), 82, 4, 1000, 0, 100'000'000, Channel::interleaved, ASN_UNSIGNED},
     {15, VIEW(StdAdslLinePrf, maxInterleaveDelayDn), 50, 2, 1, 0, 63},
+    {kUpRateMode, 0, 0, 24, 2, 1, 1, 3},
     {18, VIEW(StdAdslLinePrf, targetMarginUp), 46, 4, 1, 0, 310},
     {19, VIEW(StdAdslLinePrf, maxMarginUp), 74, 2, 10, 0, 310},
     {20, VIEW(StdAdslLinePrf, minMarginUp), 78, 2, 10, 0, 310},

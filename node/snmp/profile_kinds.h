@@ -22,6 +22,9 @@ union ProfileView {
 
 enum class Channel : u8 { any, fast, interleaved };
 
+// The columns that the view lacks.
+inline constexpr oid kDownRateMode = 2, kUpRateMode = 16;
+
 // A column: where the view has its number, and where an item of the message has it.
 struct ProfileColumn {
   oid column = 0;

@@ -27,6 +27,8 @@ class StandardFunctions {
  public:
   MSAND_FUNCTION(dataPortEnable, std_snmp_data_port_enable_get);
   MSAND_FUNCTION(dataPortStatus, std_snmp_data_port_status_get);
+  MSAND_FUNCTION(modemVendor, std_snmp_modem_vendor_code_get);
+  MSAND_FUNCTION(modemFirmware, std_snmp_modem_firmware_version_get);
   MSAND_FUNCTION(potsPortEnable, std_snmp_pots_port_enable_get);
   MSAND_FUNCTION(lineProfile, std_snmp_adsl_line_prf_get);
   MSAND_FUNCTION(nextLineProfile, std_snmp_get_next_adsl_line_prf);

@@ -15,6 +15,7 @@ using Oid = std::vector<oid>;
 
 enum class Access { read, write };
 
+class Facts;
 class StandardSet;
 
 class StandardTable {
@@ -28,11 +29,18 @@ class StandardTable {
   // The SET that the library treats next has been done; null: none has.
   static void prepare(const StandardSet* done) { done_ = done; }
 
+  // Nothing is told, but has the facts note what is needed: to give an object,
+  void note(const netsnmp_variable_list& variable, Facts& facts);
+  // or the one behind a name, which the name becomes. False: none of this table.
+  bool noteNext(Oid& name, Facts& facts);
+
  protected:
   // The index of the first row behind one; of the first row for none.
   virtual std::optional<Oid> behind(const Oid& index) = 0;
   // Gives a column of a row. False: there is no such row, or nothing to tell.
   virtual bool give(oid column, const Oid& index, netsnmp_variable_list& to) = 0;
+  // It gives this column by facts.
+  virtual bool isLearned(oid) const { return false; }
   // A SET has changed something.
   virtual void changed() {}
 
@@ -44,9 +52,11 @@ class StandardTable {
                     netsnmp_request_info* requests);
   void get(netsnmp_request_info* request);
   void getNext(netsnmp_request_info* request);
+  bool giveNext(const Oid& from, bool inclusive, netsnmp_variable_list& to);
   bool giveAs(oid column, const Oid& index, netsnmp_variable_list& to);
 
   static const StandardSet* done_;
+  static Facts* noting_;
 
   const Oid entry_;
   const Oid columns_;

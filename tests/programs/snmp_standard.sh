@@ -17,18 +17,36 @@ expect "in service" 1 "$(value $interfaces.7.$line)"
 expect "not in service" 2 "$(value $interfaces.7.$((line + 1)))"
 expect "no such port" "$interfaces.3.$((1 << 16 | 33)) = No Such Instance currently exists at this OID" \
   "$(snmpget -v2c -c public -On "$udp" $interfaces.3.$((1 << 16 | 33)))"
-# Asked for when it was read first.
-value $interfaces.8.$line >/dev/null
-for _ in {1..50}; do
-  state=$(value $interfaces.8.$line)
-  [ "$state" != 4 ] && break
-  sleep 0.1
-done
-expectMatch "whether the line is up" "[124]" "$state"
+expectMatch "whether the line is up, read for the first time" "[12]" "$(value $interfaces.8.$line)"
 expect "its profiles" "676F6C64 6C6F7564" "$(value $adsl.1.1.4.$line | tr -d ' ') $(value $adsl.1.1.5.$line | tr -d ' ')"
 gold=103.111.108.100 loud=108.111.117.100
 expect "margin, rate" "50 64000" "$(value $adsl.14.1.18.$gold) $(value $adsl.14.1.12.$gold)"
 expect "a threshold" 9 "$(value $adsl.15.1.14.$loud)"
+
+
+# What the card tells of a line: the same as at the terminal, in the manager's units.
+ctl -c "show port dsl_status slot 1 port 2" >"$folder/state"
+told() { awk -v name="$1" -v factor="$2" 'index($0, name) == 1 { printf "%d", $NF * factor + ($NF < 0 ? -0.5 : 0.5) }' "$folder/state"; }
+for row in "2.1.4 US snrMargin 10" "2.1.5 Agg Ln Atten Us 1" "2.1.7 DS outputPower 10" "2.1.8 DS attainableBitRate 1000" \
+  "3.1.4 DS snrMargin 10" "3.1.5 Agg Ln Atten Ds 1" "3.1.7 US outputPower 10" "3.1.8 US attainableBitRate 1000" \
+  "4.1.1 DS delay 1" "4.1.2 DS LineBitRate 1000" "5.1.1 US delay 1" "5.1.2 US LineBitRate 1000"; do
+  read -r column name <<<"${row% *}"
+  expect "$name" "$(told "$name" "${row##* }")" "$(value $adsl.$column.$line)"
+done
+expect "the modem's vendor is told, if only by an empty text" "0" "$(value $adsl.3.1.2.$line | grep -c such || true)"
+# A card that takes its time delays those alone who ask for it, and nobody for long.
+ctl -c "chassis slot 1 delay 800"
+value $adsl.2.1.4.$((line + 5)) >"$folder/slow" &
+slow=$!
+sleep 0.2
+expect "others, meanwhile" "2 " "$(value $interfaces.7.$((line + 5))) $(cat "$folder/slow")"
+wait $slow
+expectMatch "and the one who waits" "[0-9-]*" "$(cat "$folder/slow")"
+ctl -c "chassis slot 1 delay 6000"
+absent="$adsl.2.1.4.$((line + 6)) No Such Instance currently exists at this OID"
+for patience in 5 1; do expect "a card that is silent" "$absent" "$(patience=$patience manager snmpget "$udp" $adsl.2.1.4.$((line + 6)))"; done
+ctl -c "chassis slot 1 delay 0"
+sleep 3
 
 for group in $interfaces .1.3.6.1.2.1.31.1.1.1 $adsl; do
   snmpwalk -v2c -c public -On "$udp" $group >"$folder/walked"
@@ -59,9 +77,10 @@ attached=$adsl.1.1.4.$line attachedAlarm=$adsl.1.1.5.$line
 
 ctl -c "set adsl PowerMode L2Mode" -c "set adsl toneblackout number 2 0 start 5 end 9 1 start 11 end 12" \
   -c "set alarm NeUasThreshold15min 8" >/dev/null
-written "columns" $profile.4.$gold i 44 $profile.12.$gold u 128000 $profile.19.$gold i 250 $profile.20.$gold i 20 \
+written "columns" $profile.16.$gold i 3 $profile.4.$gold i 44 $profile.12.$gold u 128000 $profile.19.$gold i 250 $profile.20.$gold i 20 \
   $profile.15.$gold i 63 $profile.26.$gold u 32000 $alarm.2.$loud i 900
-expect "what was not set stays" "set adsl SnrmMargin down 4.4
+expect "what was not set stays" "set adsl UpRateMode RunAdpt
+set adsl SnrmMargin down 4.4
 set adsl SnrmMargin up 5.0
 set adsl MaxInterLeaveDelay down 63
 set adsl PowerMode L2Mode
@@ -72,6 +91,7 @@ set adsl toneblackout number 2 0 start 5 end 9 1 start 11 end 12
 set alarm NeLofsThreshold15min  900
 set alarm NeUasThreshold15min  8
 set alarm FeLprsThreshold15min  9" "$(config | grep -E '^set (adsl|alarm) [A-Zt]' | sed 's/ *$//' | sort -s -k2,2)"
+expect "a rate mode" "2 3" "$(value $profile.2.$gold) $(value $profile.16.$gold)"
 refused "above the range" wrongValue $profile.4.$gold i 311
 refused "below it" wrongValue $profile.4.$gold i -1
 refused "delays above the node's" wrongValue $profile.15.$gold i 64
