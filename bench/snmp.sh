@@ -3,7 +3,8 @@
 # version of the protocol for both, and they take turns: each figure is the median of the rounds, a ratio the median of the
 # ratios of rates within a round. At msand a SET is a frame of 92 bytes, the CID mode, a GET its answer of 96; at snmpd they
 # are those of an integer that it keeps in memory. "query" is a SET of the same bytes at msand that the module has no part in:
-# the difference is the module's, with its database transaction.
+# the difference is the module's, with its database transaction. "walk" is over ifTable, five columns that both have, at
+# msand with 1024 ports whose cards are there, a row in a request: rows a second.
 set -euo pipefail
 build=$(cd "$1" && pwd)
 rounds=${2:-15}
@@ -24,11 +25,14 @@ trap finish EXIT
 
 ours=127.0.0.1:16101
 theirs=127.0.0.1:16102
-printf 'socket = "socket"\nstartup = "startup.cfg"\nlog = "nowhere"\n' >"$folder/msand.toml"
+{
+  printf 'socket = "socket"\nstartup = "startup.cfg"\nlog = "nowhere"\n[slots]\n'
+  for slot in {1..8} {11..18}; do echo "$slot = { card = \"adsl64\", state = \"up\" }"; done
+} >"$folder/msand.toml"
 "$build/bin/msand" --config "$folder/msand.toml" --snmp $ours &
 running+=($!)
 echo "rwcommunity public 127.0.0.1" >"$folder/snmpd.conf"
-PATH=$PATH:/usr/sbin snmpd -f -Lf /dev/null -C -c "$folder/snmpd.conf" -I nsDebug,vacm_conf,usmConf \
+PATH=$PATH:/usr/sbin snmpd -f -Lf /dev/null -C -c "$folder/snmpd.conf" -I nsDebug,vacm_conf,usmConf,ifTable \
   "udp:$theirs,tcp:$theirs" &
 running+=($!)
 "$build/bin/msanctl" --socket "$folder/socket" --wait 10 -c "show cid mode" >/dev/null
@@ -40,6 +44,7 @@ done
 zeros() { printf '%0*d' $((2 * $1)) 0; }
 frame=$(zeros 32)00000001$(zeros 22)0002$(zeros 32)
 table=.1.3.6.1.4.1.8072.9999.9999.1.1
+interfaces=.1.3.6.1.2.1.2.2.1
 integer=.1.3.6.1.4.1.8072.1.7.1.1.0  # nsDebugEnabled: kept in memory alone
 
 measure() { "$build/bench/round_trips" "$1" $count "${@:2}"; }
@@ -50,6 +55,8 @@ for ((round = 0; round < rounds; ++round)); do
     echo "$transport query msand $(measure $transport:$ours set $table.4.3087 "$frame")"
     echo "$transport get msand $(measure $transport:$ours get $table.5.3087)"
     echo "$transport get snmpd $(measure $transport:$theirs get $integer)"
+    echo "$transport walk msand $(measure $transport:$ours walk $interfaces 1 1 2 3 7 8)"
+    echo "$transport walk snmpd $(measure $transport:$theirs walk $interfaces 1 1 2 3 7 8)"
   done
 done >"$folder/figures"
 
@@ -71,4 +78,5 @@ printf '%-12s %9s %8s %8s %12s %8s %8s %7s\n' "" "msand /s" "p50 us" "p99 us" "s
 row set set set
 row query query set
 row get get get
+row walk walk walk
 echo "aim: a SET at 0.9 of snmpd's bare integer or better, its p99 at 300 us or less"

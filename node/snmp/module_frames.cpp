@@ -11,8 +11,8 @@ static constexpr std::size_t kEnvelope = 32;
 static constexpr std::array<u8, 4> kSuccess = {0, 0, 0, 1};
 
 static std::vector<u8> frameOf(const std::vector<u8>& area) {
-  std::vector<u8> frame(kEnvelope);
-  frame.insert(frame.end(), area.begin(), area.end());
+  std::vector<u8> frame(kEnvelope + area.size());
+  std::ranges::copy(area, frame.begin() + kEnvelope);
   return frame;
 }
 
@@ -23,10 +23,10 @@ static bool isSuccess(const host::Answer& answer) {
 
 std::optional<std::vector<u8>> askModule(u16 id, const std::vector<u8>& area) {
   std::vector<u8> frame = frameOf(area);
-  host::Answer answer = host::agentGet(id, &frame);
-  if (!isSuccess(answer) || answer.reply->size() < kSuccess.size() + kEnvelope) return std::nullopt;
-  answer.reply->erase(answer.reply->begin(), answer.reply->begin() + kSuccess.size() + kEnvelope);
-  return std::move(answer.reply);
+  const host::Answer answer = host::agentGet(id, &frame);
+  constexpr std::size_t kHead = kSuccess.size() + kEnvelope;
+  if (!isSuccess(answer) || answer.reply->size() < kHead) return std::nullopt;
+  return std::vector<u8>(answer.reply->begin() + kHead, answer.reply->end());
 }
 
 bool tellModule(u16 id, const std::vector<u8>& area) {

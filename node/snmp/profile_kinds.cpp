@@ -135,8 +135,9 @@ std::optional<StoredProfiles> readProfiles(const ProfileKind& kind) {
 }
 
 bool writeProfile(const ProfileKind& kind, std::span<const u8> item) {
-  std::vector<u8> area = {0, 1};
-  area.insert(area.end(), item.begin(), item.end());
+  std::vector<u8> area(2 + item.size());
+  putNumber(area.data(), 2, 1);
+  std::ranges::copy(item, area.begin() + 2);
   return tellModule(kind.writeId, area);
 }
 
