@@ -288,11 +288,14 @@ Configuration Reader::read(const toml::table& table) const {
       configuration.slots = slots(key, value);
     else if (key == "flow")
       configuration.flow = texts(key, value);
+    else if (key == "lines")
+      configuration.lines = texts(key, value);
     else if (key == "snmp")
       configuration.snmp = snmp(key, value);
     else
       fail(key.source(),
-           fmt::format("unknown key \"{}\": there are socket, startup, module, log, flow, snmp and slots", key.str()));
+           fmt::format("unknown key \"{}\": there are socket, startup, module, log, lines, flow, snmp and slots",
+                       key.str()));
   }
   return configuration;
 }

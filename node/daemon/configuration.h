@@ -32,6 +32,7 @@ struct Configuration {
   host::LogTo logTo = host::LogTo::standardError;
   Told logFile;
   std::vector<SlotConfiguration> slots;  // ascending
+  std::vector<Told> lines;               // behind DSL ports: what stands behind "chassis" at the terminal
   std::vector<Told> flow;                // flow rules and policies: what stands behind "flow" at the terminal
   SnmpSettings snmp;                     // it listens nowhere: no agent
 };

@@ -14,6 +14,7 @@
 #include <system_error>
 
 #include "agent.h"
+#include "cards/dsl_cards.h"
 #include "descriptor.h"
 #include "door.h"
 #include "files.h"
@@ -22,6 +23,7 @@
 #include "host/links.h"
 #include "host/observer.h"
 #include "job_thread.h"
+#include "line_words.h"
 #include "listener.h"
 #include "messages/answer.h"
 #include "node.h"
@@ -105,6 +107,17 @@ static void fillFlowStore(Operator& commands, const Configuration& configuration
   }
 }
 
+static void layLines(Operator& commands, const Configuration& configuration) {
+  for (const Told& words : configuration.lines) {
+    Terminal terminal;
+    std::string text;
+    if (tellOfLine(words.value) && commands.run(terminal, "chassis " + words.value, text).good() && text.empty())
+      continue;
+    const std::string why = text.empty() ? "tell of no line" : printable(text);
+    throw ConfigurationError(fmt::format("{}lines \"{}\": {}", words.at, printable(words.value), why));
+  }
+}
+
 // The simulated cards and the voice side answer what they are asked, by the descriptions: a node to try has something
 // to show behind every command. A card that is not up says nothing.
 static std::optional<std::vector<u8>> answerPlainly(host::Link link, u16 slot, u16 id, host::Bytes question) {
@@ -115,6 +128,23 @@ static std::optional<std::vector<u8>> answerPlainly(host::Link link, u16 slot, u
                                                 : Road::ngnAsk;
   return messages::plainAnswer(messages::book(), road, id, question);
 }
+
+// The other ends of the messages, as long as it lives: DSL cards tell of the lines behind their ports, all others
+// answer plainly.
+struct Answering {
+  explicit Answering(cards::DslCards& dsl) {
+    host::deliverTo(
+        [&dsl](host::Link link, u16 slot, u16 id, host::Bytes payload) { dsl.hear(link, slot, id, payload); });
+    host::answerBy([&dsl](host::Link link, u16 slot, u16 id, host::Bytes question) {
+      auto told = dsl.answer(link, slot, id, question);
+      return told ? told : answerPlainly(link, slot, id, question);
+    });
+  }
+  ~Answering() {
+    host::answerBy(nullptr);
+    host::deliverTo(nullptr);
+  }
+};
 
 // An error in what the configuration has told is the configuration's.
 template <class Error, class Action>
@@ -141,7 +171,9 @@ void checkDaemon(const Configuration& configuration) {
     blame<FileError>(configuration.logFile, [&] { checkAppending(configuration.logFile.value); });
   node::Node node = loadNode(configuration);
   Startup startup(configuration.startup);
-  Operator commands(node, startup);
+  cards::DslCards dsl;
+  Operator commands(node, startup, dsl);
+  layLines(commands, configuration);
   fillFlowStore(commands, configuration);
 }
 
@@ -157,14 +189,16 @@ void runDaemon(const Configuration& configuration) {
   Trace trace;
   const Observing observing(trace);
   const host::CaptureOutput capture;
-  host::answerBy(answerPlainly);
+  cards::DslCards dsl;
+  const Answering answering(dsl);
   node::Node node = loadNode(configuration);
   for (const SlotConfiguration& slot : configuration.slots)
     if (const int result = node.authorise(slot.slot, *slot.card); result != 0)
       complain(fmt::format("slot {}: card type {} gave {}", slot.slot, slot.card->name, result));
   const JobThread jobs;
   Startup startup(configuration.startup);
-  Operator commands(node, startup);
+  Operator commands(node, startup, dsl);
+  layLines(commands, configuration);
   fillFlowStore(commands, configuration);
   if (!startup.execute(node, [&] { return isReadable(stop); })) return;
   announceCards(node, configuration);

@@ -10,7 +10,10 @@
 
 namespace msand {
 
-Operator::Operator(node::Node& node, Startup& startup) : node_(node), startup_(startup) { installPlatformWords(); }
+Operator::Operator(node::Node& node, Startup& startup, cards::DslCards& cards)
+    : node_(node), startup_(startup), cards_(cards) {
+  installPlatformWords();
+}
 
 std::string Operator::prompt(const Terminal& terminal) const {
   if (terminal.yes != nullptr) return terminal.question;

@@ -4,6 +4,7 @@
 #include <string>
 #include <string_view>
 
+#include "cards/dsl_cards.h"
 #include "node.h"
 #include "running_configuration.h"
 #include "service.h"
@@ -12,8 +13,9 @@ namespace msand {
 
 class Operator : public Service {
  public:
-  // Installs the platform's words; the node's module is loaded. `startup` is what "write" replaces.
-  Operator(node::Node& node, Startup& startup);
+  // Installs the platform's words; the node's module is loaded. `startup` is what "write" replaces; `cards` have the
+  // lines of which the words tell.
+  Operator(node::Node& node, Startup& startup, cards::DslCards& cards);
 
   std::string prompt(const Terminal& terminal) const override;
   wire::Result run(Terminal& terminal, std::string_view line, std::string& text) override;
@@ -21,6 +23,7 @@ class Operator : public Service {
 
   node::Node& node() { return node_; }
   Startup& startup() { return startup_; }
+  cards::DslCards& cards() { return cards_; }
 
  private:
   wire::Result runModuleLine(Terminal& terminal, std::string_view line, std::string& text);
@@ -30,6 +33,7 @@ class Operator : public Service {
 
   node::Node& node_;
   Startup& startup_;
+  cards::DslCards& cards_;
 };
 
 }  // namespace msand

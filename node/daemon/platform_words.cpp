@@ -9,6 +9,7 @@
 #include "flow_words.h"
 #include "host/chassis.h"
 #include "host/links.h"
+#include "line_words.h"
 #include "note.h"
 #include "operator.h"
 #include "running_configuration.h"
@@ -246,7 +247,7 @@ int leave(Vty* vty, PlatformAction action) {
 
 void installPlatformWords() {
   for (const Level level : {Level::configuration, Level::debug})
-    for (const auto elements : {std::span<const CommandElement>(kEverywhere), flowWords()})
+    for (const auto elements : {std::span<const CommandElement>(kEverywhere), lineWords(), flowWords()})
       for (const CommandElement& element : elements) install_element(platformNode(level), &element);
   install_element(platformNode(Level::configuration), &kDebug);
 }

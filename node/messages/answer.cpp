@@ -9,7 +9,8 @@ namespace {
 
 class Answerer {
  public:
-  Answerer(const Decoded& question, const Layout& layout) : question_(question), registers_(layout.registers) {
+  Answerer(const Decoded& question, const Layout& layout, const Knowledge& knowledge)
+      : question_(question), knowledge_(knowledge), registers_(layout.registers) {
     put(layout.fields, {0, question.nodes.size()});
   }
   std::vector<u8> take() { return std::move(to_); }
@@ -48,7 +49,7 @@ class Answerer {
         put(holds(field, valueOf(field.amount)) ? field.fields : field.otherwise, scope);
         return;
       case Kind::list:
-        for (i64 i = 0; i < valueOf(field.amount); ++i) put(field.fields, inside(find(scope, field, i)));
+        putItems(field, scope);
         return;
       case Kind::group:
         put(field.fields, inside(find(scope, field, 0)));
@@ -63,11 +64,21 @@ class Answerer {
     }
   }
 
+  void putItems(const Field& field, Scope scope) {
+    for (i64 i = 0; i < valueOf(field.amount); ++i) {
+      place_.push_back(i);
+      put(field.fields, inside(find(scope, field, i)));
+      place_.pop_back();
+    }
+  }
+
   void putNumber(const Field& field, Scope scope) {
     const Node* const asked = find(scope, field, 0);
     i64 number = 0;
     if (field.fixed)
       number = valueOf(field.amount);
+    else if (const auto known = knowledge_.find(field, place_))
+      number = known->number;
     else if (asked != nullptr)
       number = asked->number;
     else if (!field.words.empty())
@@ -82,7 +93,14 @@ class Answerer {
     const i64 size = field.width != 0 ? field.width : std::max<i64>(valueOf(field.amount), 0);
     const std::size_t end = to_.size() + static_cast<std::size_t>(size);
     const Node* const asked = field.name.empty() ? nullptr : find(scope, field, 0);
-    if (asked != nullptr && asked->size <= size) {
+    const auto known = field.name.empty() ? std::nullopt : knowledge_.find(field, place_);
+    if (known && field.kind == Kind::scaled) {
+      to_.insert(to_.end(), {0, known->decimals});
+      writeNumber(known->number, kScaledValue, to_);
+    } else if (known) {
+      const std::string_view bytes = std::string_view(known->bytes).substr(0, static_cast<std::size_t>(size));
+      to_.insert(to_.end(), bytes.begin(), bytes.end());
+    } else if (asked != nullptr && asked->size <= size) {
       const Bytes own = question_.bytes.subspan(asked->offset, asked->size);
       to_.insert(to_.end(), own.begin(), own.end());
     }
@@ -90,22 +108,36 @@ class Answerer {
   }
 
   const Decoded& question_;
+  const Knowledge& knowledge_;
   std::vector<i64> registers_;
+  std::vector<i64> place_;
   std::vector<u8> to_;
 };
 
 }  // namespace
 
-std::optional<std::vector<u8>> plainAnswer(const Book& book, Road ask, u16 id, Bytes question) {
+std::optional<Decoded> readMessage(const Book& book, Road ask, u16 id, Bytes question) {
   const Message* const message = book.find(id);
-  if (message == nullptr) return {};
-  const Road road = static_cast<Road>(static_cast<int>(ask) + 1);
-  const Layout* const asked = message->find(ask);
-  const Layout* const answered = message->find(road);
-  if (asked == nullptr || answered == nullptr) return {};
-  const Decoded decoded = decode(*message, *asked, question);
+  const Layout* const asked = message == nullptr ? nullptr : message->find(ask);
+  if (asked == nullptr) return {};
+  Decoded decoded = decode(*message, *asked, question);
   if (!decoded.problems.empty()) return {};
-  return Answerer(decoded, *answered).take();
+  return decoded;
+}
+
+std::optional<std::vector<u8>> answer(const Book& book, Road ask, u16 id, Bytes question, const Knowledge& knowledge) {
+  const auto decoded = readMessage(book, ask, id, question);
+  if (!decoded) return {};
+  const Layout* const answered = decoded->message->find(static_cast<Road>(static_cast<int>(ask) + 1));
+  if (answered == nullptr) return {};
+  return Answerer(*decoded, *answered, knowledge).take();
+}
+
+std::optional<std::vector<u8>> plainAnswer(const Book& book, Road ask, u16 id, Bytes question) {
+  struct Nothing : Knowledge {
+    std::optional<Value> find(const Field&, std::span<const i64>) const override { return {}; }
+  };
+  return answer(book, ask, id, question, Nothing());
 }
 
 }  // namespace messages

@@ -39,6 +39,11 @@ Answerer& answerer() {
   return one;
 }
 
+Listener& listener() {
+  static Listener one;
+  return one;
+}
+
 void enqueue(const Key& key, Outcome outcome) {
   const std::lock_guard lock(mutex);
   queues()[key].push_back(std::move(outcome));
@@ -75,6 +80,8 @@ void takeTime(u16 slot) {
 }
 
 void answerBy(Answerer one) { answerer() = std::move(one); }
+
+void deliverTo(Listener one) { listener() = std::move(one); }
 
 void delayAnswers(u16 slot, u32 milliseconds) {
   if (slot < delays.size()) delays[slot] = milliseconds;
@@ -117,7 +124,9 @@ namespace {
 
 int sendToCard(Link link, u16 slot, u16 id, const void* payload, u32 length) {
   told([=](Observer& observer) { observer.send(link, slot, id, bytesOf(payload, length)); });
-  return sendResult(Fault::cardSend, link, slot, id);
+  const int result = sendResult(Fault::cardSend, link, slot, id);
+  if (result >= 0 && listener()) listener()(link, slot, id, bytesOf(payload, length));
+  return result;
 }
 
 int askCard(Link link, u16 slot, u16 id, Bytes request, void* response, u32* responseLen) {

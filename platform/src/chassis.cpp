@@ -51,6 +51,7 @@ static_assert(catalogueIsSound());
 struct Slot {
   std::atomic<const CardType*> authorised{nullptr};
   std::atomic<CardState> state{CardState::absent};
+  std::atomic<u32> starts{0};
   OmObject object;
   std::array<OmObject, kPorts> ports;
   std::array<OmObject*, kPorts> children{};
@@ -121,6 +122,11 @@ CardState cardState(u16 slot) {
   return found != nullptr ? found->state.load() : CardState::absent;
 }
 
+u32 cardStarts(u16 slot) {
+  const Slot* found = findSlot(slot);
+  return found != nullptr ? found->starts.load() : 0;
+}
+
 void authorise(u16 number, const CardType& type) {
   if (!holdsServiceCard(number)) {
     platformError("slot %u holds no service card", number);
@@ -143,7 +149,8 @@ void unauthorise(u16 number) {
 }
 
 void setCardState(u16 number, CardState state) {
-  if (Slot* slot = findSlot(number)) slot->state = state;
+  Slot* slot = findSlot(number);
+  if (slot != nullptr && slot->state.exchange(state) != CardState::up && state == CardState::up) ++slot->starts;
 }
 
 void clearChassis() {

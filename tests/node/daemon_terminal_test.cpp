@@ -46,7 +46,8 @@ class Terminals : public testing::Test {
 
   node::Node node{MSAN_MODULE};
   msand::Startup startup{"none.cfg"};
-  msand::Operator commands{node, startup};
+  cards::DslCards dsl;
+  msand::Operator commands{node, startup, dsl};
   msand::Terminal terminal;
 };
 

@@ -16,6 +16,8 @@ refused() {
   done
 }
 refused 'slots = { 3 = { card = "pots65" } }' 'there is no card type "pots65"'
+refused 'lines = ["slot 1 port 65 loop 5 m 0.4 mm"]' 'lines "slot 1 port 65 loop 5 m 0.4 mm": ports of the slot are 1 to 64: 5, 1-8,12'
+refused 'lines = ["slot 1 card none"]' 'lines "slot 1 card none": tell of no line'
 refused 'flow = ["rule"]' 'flow "rule": no such words'
 refused 'flow = ["show"]' 'flow "show": makes no rule or policy of its own'
 refused 'flow = ["rule 5 name a", "rule 5 name b"]' 'flow "rule 5 name b": makes no rule or policy of its own'

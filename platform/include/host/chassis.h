@@ -34,6 +34,7 @@ enum class CardState { absent, present /* its software does not run */, up };
 bool holdsServiceCard(u16 slot);
 const CardType* authorisedType(u16 slot);  // null: none
 CardState cardState(u16 slot);
+u32 cardStarts(u16 slot);  // how often one has come up there: what starts anew knows nothing
 
 // Gives a slot a card type and builds its tree, or removes both. The caller calls the module.
 void authorise(u16 slot, const CardType& type);

@@ -23,6 +23,11 @@ void queueFailure(Link link, u16 slot, u16 id, int result);
 using Answerer = std::function<std::optional<std::vector<u8>>(Link link, u16 slot, u16 id, Bytes question)>;
 void answerBy(Answerer answerer);
 
+// Who hears the messages that reach a card. Called on the thread that sends; set before any of
+// them runs.
+using Listener = std::function<void(Link link, u16 slot, u16 id, Bytes payload)>;
+void deliverTo(Listener listener);
+
 // The card in the slot, or the voice side (slot 0), takes so long over each message that reaches it. `clearLinks` ends
 // it.
 void delayAnswers(u16 slot, u32 milliseconds);
