@@ -6,6 +6,7 @@
 
 #include <CLI/CLI.hpp>
 #include <cerrno>
+#include <clocale>
 #include <cstdio>
 #include <cstring>
 #include <string>
@@ -106,5 +107,6 @@ int runProgram(int argc, char** argv) {
 
 int main(int argc, char** argv) {
   output::keepStandardDescriptors();
+  std::setlocale(LC_CTYPE, "");
   return output::exitCode(runProgram(argc, argv), "msanctl", kOutputLost);
 }

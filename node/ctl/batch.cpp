@@ -50,10 +50,9 @@ class Progress {
 class Batch {
  public:
   Batch(Connection& connection, std::string name, u64 size)
-      : connection_(connection),
-        name_(std::move(name)),
-        terminal_(isatty(STDOUT_FILENO) == 1),
-        progress_(name_, size) {}
+      : connection_(connection), name_(std::move(name)), terminal_(isatty(STDOUT_FILENO) == 1), progress_(name_, size) {
+    connection_.tellScreen();
+  }
 
   void add(u64 number, const std::string& line, bool tooLong) {
     if (line.find_first_not_of(" \t") == line.npos || line.front() == '!') return;

@@ -2,11 +2,14 @@
 
 #include <sys/socket.h>
 #include <sys/un.h>
+#include <unistd.h>
 
 #include <array>
 #include <cerrno>
 #include <cstring>
 #include <ctime>
+
+#include "display.h"
 
 namespace ctl {
 
@@ -47,6 +50,13 @@ void Connection::send() {
     rest.remove_prefix(static_cast<std::size_t>(sent));
   }
   posted_.clear();
+}
+
+void Connection::tellScreen() {
+  const wire::Screen screen = screenOf(STDOUT_FILENO);
+  if (screen == screen_) return;
+  screen_ = screen;
+  post(wire::Kind::screen, wire::screenPayload(screen));
 }
 
 bool Connection::fill(bool wait) {

@@ -30,6 +30,9 @@ class Connection {
     send();
   }
 
+  // Tells the node, ahead of the lines to come, what standard output is, if that has changed.
+  void tellScreen();
+
   // The next frame, waited for; none once the node has ended the session. Its payload is good until the next call.
   // Throws ConnectionError.
   std::optional<wire::Frame> receive();
@@ -56,6 +59,7 @@ class Connection {
   wire::FrameReader reader_{wire::kMaxFrame};
   std::string posted_;
   std::string prompt_;
+  wire::Screen screen_;
   std::string farewell_;
   bool ended_ = false;
   u32 givenUp_ = 0;  // lines whose results are still to come

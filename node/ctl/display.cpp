@@ -1,22 +1,58 @@
 #include "display.h"
 
+#include <langinfo.h>
+#include <sys/ioctl.h>
+#include <unistd.h>
+
 #include <algorithm>
+#include <cstdlib>
 
 namespace ctl {
+
+// Of a sequence that sets a colour, and nothing else: ESC [ and up to two digits and m. 0: another one.
+static std::size_t colourLength(std::string_view text) {
+  if (!text.starts_with("\033[")) return 0;
+  const std::size_t end = text.find_first_not_of("0123456789", 2);
+  return end != text.npos && end <= 4 && text[end] == 'm' ? end + 1 : 0;
+}
 
 std::string forDisplay(std::string_view text, bool terminal) {
   static constexpr char kDigits[] = "0123456789abcdef";
   std::string shown;
   shown.reserve(text.size());
-  for (const char letter : text) {
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    const char letter = text[i];
     const auto byte = static_cast<unsigned char>(letter);
     if (letter == '\r') continue;
-    if (terminal && (byte < ' ' || byte == 127) && letter != '\n' && letter != '\t')
+    if (const std::size_t length = terminal ? colourLength(text.substr(i)) : 0; length != 0) {
+      shown += text.substr(i, length);
+      i += length - 1;
+    } else if (terminal && (byte < ' ' || byte == 127) && letter != '\n' && letter != '\t')
       shown.append({'\\', 'x', kDigits[byte >> 4], kDigits[byte & 15]});
     else
       shown += letter;
   }
   return shown;
+}
+
+static std::string_view environment(const char* name) {
+  const char* const value = std::getenv(name);
+  return value != nullptr ? value : "";
+}
+
+wire::Screen screenOf(int descriptor) {
+  wire::Screen screen;
+  winsize size{};
+  const bool terminal = isatty(descriptor) == 1;
+  if (terminal && ioctl(descriptor, TIOCGWINSZ, &size) == 0 && size.ws_col != 0) {
+    screen.columns = size.ws_col;
+  } else if (const int columns = std::atoi(std::string(environment("COLUMNS")).c_str());
+             columns > 0 && columns < 1000) {
+    screen.columns = static_cast<u16>(columns);
+  }
+  screen.utf8 = std::string_view(nl_langinfo(CODESET)) == "UTF-8";
+  screen.colour = terminal && environment("NO_COLOR").empty() && environment("TERM") != "dumb";
+  return screen;
 }
 
 bool notUnderstood(const wire::Result& result) { return result.outcome >= 1 && result.outcome <= 3; }

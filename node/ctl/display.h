@@ -10,8 +10,11 @@
 namespace ctl {
 
 // The node's text for standard output: line ends as LF alone. `terminal`: other control characters are shown as \xNN,
-// so that nothing in it can work on the reader's terminal.
+// so that nothing in it but a colour can work on the reader's terminal.
 std::string forDisplay(std::string_view text, bool terminal);
+
+// What a descriptor shows: a terminal's width; of another file as many columns as COLUMNS says, or 80, and no colours.
+wire::Screen screenOf(int descriptor);
 
 // Why a line failed, in a few words.
 std::string reasonOf(const wire::Result& result);

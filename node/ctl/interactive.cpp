@@ -8,7 +8,6 @@
 
 #include <array>
 #include <cerrno>
-#include <clocale>
 #include <csignal>
 #include <cstdio>
 #include <cwchar>
@@ -285,6 +284,7 @@ bool runLine(Connection& connection, const std::string& line) {
     std::puts("% line too long");
     return true;
   }
+  connection.tellScreen();
   connection.send(wire::Kind::line, line);
   char last = '\0';  // of what was shown
   while (true) {
@@ -315,7 +315,6 @@ bool runLine(Connection& connection, const std::string& line) {
 }  // namespace
 
 bool runInteractive(Connection& connection) {
-  std::setlocale(LC_CTYPE, "");
   umask(077);  // for the history and its folders
   std::puts("? shows what may stand next, Tab completes, \"help\" lists the node's own words, \"exit\" leaves.");
   connection.awaitPrompt();

@@ -12,6 +12,7 @@
 #include "line_words.h"
 #include "note.h"
 #include "operator.h"
+#include "plot_words.h"
 #include "running_configuration.h"
 
 namespace msand {
@@ -224,7 +225,7 @@ const CommandElement kEverywhere[] = {
 };
 const CommandElement kDebug = {"debug", debugCommand, "go to the debug level"};
 
-constexpr std::string_view kWords[] = {"help", "exit", "answer", "write", "trace", "chassis", "flow", "debug"};
+constexpr std::string_view kWords[] = {"help", "exit", "answer", "write", "trace", "chassis", "plot", "flow", "debug"};
 // clang-format on
 
 bool equal(std::string_view typed, std::string_view word) {
@@ -247,7 +248,7 @@ int leave(Vty* vty, PlatformAction action) {
 
 void installPlatformWords() {
   for (const Level level : {Level::configuration, Level::debug})
-    for (const auto elements : {std::span<const CommandElement>(kEverywhere), lineWords(), flowWords()})
+    for (const auto elements : {std::span<const CommandElement>(kEverywhere), lineWords(), plotWords(), flowWords()})
       for (const CommandElement& element : elements) install_element(platformNode(level), &element);
   install_element(platformNode(Level::configuration), &kDebug);
 }

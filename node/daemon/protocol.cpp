@@ -44,6 +44,17 @@ std::optional<Result> readResult(std::string_view payload) {
                 .expected = std::string(payload.substr(9))};
 }
 
+std::string screenPayload(const Screen& screen) {
+  const int shows = (screen.utf8 ? 1 : 0) | (screen.colour ? 2 : 0);
+  return {static_cast<char>(screen.columns >> 8), static_cast<char>(screen.columns), static_cast<char>(shows)};
+}
+
+std::optional<Screen> readScreen(std::string_view payload) {
+  if (payload.size() != 3) return std::nullopt;
+  const auto byte = [&](std::size_t at) { return static_cast<u8>(payload[at]); };
+  return Screen{static_cast<u16>(byte(0) << 8 | byte(1)), (byte(2) & 1) != 0, (byte(2) & 2) != 0};
+}
+
 void FrameReader::feed(std::string_view bytes) {
   bytes_.erase(0, taken_);
   taken_ = 0;

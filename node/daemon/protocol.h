@@ -7,6 +7,9 @@
 //   from the terminal
 //     L  a line to run. Lines may be sent ahead of their results.
 //     ?  the line up to the cursor: what may stand next?
+//     W  the screen that lines are shown on: u16 columns, u8 what it can show (1 UTF-8, 2 colours). For the lines
+//     behind
+//        it; without one, 80 columns of ASCII
 //   from the node
 //     H  first of all: u8 version of this protocol
 //     P  the prompt, after H and whenever it changes
@@ -28,7 +31,7 @@
 
 namespace wire {
 
-inline constexpr u8 kVersion = 2;
+inline constexpr u8 kVersion = 3;
 inline constexpr u32 kMaxFrame = 65536;
 inline constexpr u32 kMaxRequest = 16384;
 inline constexpr u32 kAhead = 64;  // requests that a terminal may have under way; msand takes them off the socket
@@ -36,6 +39,7 @@ inline constexpr u32 kAhead = 64;  // requests that a terminal may have under wa
 enum class Kind : char {
   line = 'L',
   ask = '?',
+  screen = 'W',
   hello = 'H',
   prompt = 'P',
   text = 'T',
@@ -70,6 +74,16 @@ struct Result {
 };
 void appendResult(std::string& to, const Result& result);
 std::optional<Result> readResult(std::string_view payload);
+
+// The payload of W.
+struct Screen {
+  u16 columns = 80;
+  bool utf8 = false;
+  bool colour = false;
+  bool operator==(const Screen&) const = default;
+};
+std::string screenPayload(const Screen& screen);
+std::optional<Screen> readScreen(std::string_view payload);
 
 // Cuts a stream of bytes into frames.
 class FrameReader {

@@ -265,7 +265,8 @@ void Server::takeRequests(const SessionPtr& session) {
       if (session->reader.broken()) refuse(*session, "a frame of a length that is not allowed");
       break;
     }
-    if (frame->kind == wire::Kind::line || frame->kind == wire::Kind::ask) {
+    using enum wire::Kind;
+    if (frame->kind == line || frame->kind == ask || frame->kind == screen) {
       session->requests.push_back({frame->kind, std::string(frame->payload)});
       session->pending += frame->payload.size();
     } else {
@@ -417,7 +418,9 @@ void Server::serveOne(const SessionPtr& session) {
   const auto begin = Clock::now();
   Terminal& terminal = session->terminal;
   std::string frames;
-  if (request.kind == wire::Kind::ask) {
+  if (request.kind == wire::Kind::screen) {
+    terminal.screen = wire::readScreen(request.line).value_or(terminal.screen);
+  } else if (request.kind == wire::Kind::ask) {
     const std::string rows = service_.suggest(terminal, request.line);
     wire::appendFrame(frames, wire::Kind::suggestions, std::string_view(rows).substr(0, wire::kMaxFrame - 1));
   } else {

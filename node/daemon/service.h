@@ -24,6 +24,7 @@ struct Terminal {
   Answers answers = Answers::asked;  // how questions of commands are answered
   std::string question;              // that a command has left open; the next line answers it
   int (*yes)(Vty* vty) = nullptr;
+  wire::Screen screen{};
 };
 
 class Service {

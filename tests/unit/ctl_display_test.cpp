@@ -41,6 +41,7 @@ TEST(Completion, AQuestionMarkIsTextInsideQuotesOnly) {
 TEST(Text, NothingInItWorksOnTheTerminal) {
   EXPECT_EQ(ctl::forDisplay("\r\n a\tb \r\n", true), "\n a\tb \n");
   EXPECT_EQ(ctl::forDisplay("\x1b]0;x\x07\x7f", true), "\\x1b]0;x\\x07\\x7f");
+  EXPECT_EQ(ctl::forDisplay("\x1b[33ma\x1b[333m\x1b[2J", true), "\x1b[33ma\\x1b[333m\\x1b[2J") << "colours alone";
   EXPECT_EQ(ctl::forDisplay("\x1b[m\xc3\xa4\r\n", false), "\x1b[m\xc3\xa4\n") << "a file gets the bytes";
 }
 

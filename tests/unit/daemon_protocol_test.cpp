@@ -24,6 +24,12 @@ TEST(Protocol, FramesHaveTheirBytes) {
   EXPECT_FALSE(wire::readResult("\0\0\0\0\0\0\0\0"s)) << "eight bytes are no result";
 }
 
+TEST(Protocol, ScreensAreTold) {
+  EXPECT_EQ(wire::screenPayload({.columns = 300, .colour = true}), "\x01\x2c\x02"s);
+  EXPECT_EQ(wire::readScreen("\x01\x2c\x01"s), (wire::Screen{300, true, false}));
+  EXPECT_FALSE(wire::readScreen("\x01\x2c"s));
+}
+
 TEST(Protocol, FramesAreFoundWhereverTheStreamIsCut) {
   const std::string stream = "\0\0\0\x03Lab\0\0\0\x01?\0\0\0\x02Lc"s;
   for (std::size_t piece = 1; piece <= stream.size(); ++piece) {
