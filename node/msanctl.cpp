@@ -15,6 +15,7 @@
 #include "batch.h"
 #include "connection.h"
 #include "interactive.h"
+#include "picture.h"
 #include "standard_output.h"
 
 namespace {
@@ -25,6 +26,7 @@ struct Options {
   std::string socket = "/run/msan/msand.socket";
   std::vector<std::string> commands;
   std::string file;
+  std::string picture;
   int wait = 0;
   bool yes = false;
 };
@@ -36,6 +38,8 @@ void declare(CLI::App& app, Options& options) {
       ->type_name("COMMAND")
       ->allow_extra_args(false);
   app.add_option("-f", options.file, "run the lines of a file and end; - is standard input")->type_name("FILE");
+  app.add_option("--svg", options.picture, "make a picture of the curve that the one command plots (needs gnuplot)")
+      ->type_name("FILE");
   app.add_option("--wait", options.wait, "wait for msand for so long")
       ->type_name("SECONDS")
       ->check(CLI::Range(0, 3600));
@@ -43,7 +47,7 @@ void declare(CLI::App& app, Options& options) {
   app.footer(
       "Without -c and -f: a terminal, or the lines of standard input if that is none.\n"
       "Exit codes: 0 all lines did well, 1 a line failed, 2 bad options or an unreadable file, 3 no msand, or\n"
-      "output that can't be written.");
+      "output or a picture that can't be written.");
 }
 
 // Runs a file's lines; the exit code.
@@ -61,7 +65,22 @@ int runFile(ctl::Connection& connection, const std::string& path) {
   return outcome.failed == 0 ? kDone : kLineFailed;
 }
 
+int runPicture(const Options& options) {
+  if (options.commands.size() != 1 || !options.file.empty()) {
+    std::fputs("msanctl: --svg is for one -c, and no -f\n", stderr);
+    return kBadUse;
+  }
+  ctl::Connection connection(options.socket, options.wait);
+  try {
+    return ctl::drawPicture(connection, options.commands.front(), options.picture) ? kDone : kLineFailed;
+  } catch (const ctl::PictureError& error) {
+    std::fprintf(stderr, "msanctl: %s\n", error.what());
+    return kOutputLost;
+  }
+}
+
 int run(const Options& options) {
+  if (!options.picture.empty()) return runPicture(options);
   ctl::Connection connection(options.socket, options.wait);
   int code = kDone;
   u64 number = 0;
