@@ -155,16 +155,16 @@ void Way::load(double margin) {
   }
 }
 
-// Takes bits off, from the highest tones down, until the rate is not above the largest.
+// Takes bits off, from the highest tones down, that the largest rate does not need.
 void Way::trim() {
-  while (netOf(loaded_) > limits_.mostRate) {
+  while (netOf(loaded_ - 1) >= limits_.mostRate) {
     const u64 before = loaded_;
     for (auto carrier = carriers_.rbegin(); carrier != carriers_.rend(); ++carrier) {
       Tone& tone = into_.tones[carrier->tone];
       if (tone.bits == 0) continue;
       --tone.bits;
       --loaded_;
-      if (netOf(loaded_) <= limits_.mostRate) return;
+      if (netOf(loaded_ - 1) < limits_.mostRate) return;
     }
     if (loaded_ == before) return;
   }
@@ -223,7 +223,7 @@ bool Way::run() {
   }
   setGains(margin);
   to.lineRate = rateOf(loaded_);
-  to.netRate = netOf(loaded_);
+  to.netRate = std::min(netOf(loaded_), limits_.mostRate);
   sum(to);
   return loaded_ != 0 && to.netRate >= limits_.leastRate;
 }

@@ -102,7 +102,7 @@ TEST_F(Cards, ProfileCountsAtTheNextTraining) {
   EXPECT_EQ(numberAt(ask(1, 5, 2825), 40, 2), 1u);
   attach(adslBody(60, 4096, 1));
   wait(5);
-  EXPECT_NEAR(netRate(), 4096, 4);
+  EXPECT_EQ(netRate(), 4096u);
   attach(adslBody(60, 90000, 2));
   wait(5);
   EXPECT_EQ(state(), 2u) << "a rate that can't be reached: it tries again";

@@ -62,7 +62,7 @@ TEST(Line, ProfileLimitsRateMarginAndPower) {
   order.down.targetMargin = 6;
   order.down.mostRate = 5000;
   const Trained slow = train(plant, order);
-  EXPECT_NEAR(slow.down.netRate, 5000, 4);
+  EXPECT_EQ(slow.down.netRate, 5000u);
   EXPECT_GT(slow.down.margin, 20);
   EXPECT_EQ(slow.down.attainable, free.down.attainable);
   order.down.mostMargin = 10;
