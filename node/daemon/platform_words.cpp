@@ -13,6 +13,7 @@
 #include "note.h"
 #include "operator.h"
 #include "plot_words.h"
+#include "port_words.h"
 #include "running_configuration.h"
 
 namespace msand {
@@ -248,7 +249,8 @@ int leave(Vty* vty, PlatformAction action) {
 
 void installPlatformWords() {
   for (const Level level : {Level::configuration, Level::debug})
-    for (const auto elements : {std::span<const CommandElement>(kEverywhere), lineWords(), plotWords(), flowWords()})
+    for (const auto elements :
+         {std::span<const CommandElement>(kEverywhere), lineWords(), portWords(), plotWords(), flowWords()})
       for (const CommandElement& element : elements) install_element(platformNode(level), &element);
   install_element(platformNode(Level::configuration), &kDebug);
 }

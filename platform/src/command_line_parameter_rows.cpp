@@ -27,6 +27,7 @@ constexpr ParameterRow kRows[] = {
     {"<ifStr>",                       ports,     kPorts},
     {"<interface>",                   ports,     kPorts},
     {"plot <interface>",              ports,     "a port, as 1/5"},
+    {"chassis port <interface>",      ports,     "a port, as 1/5"},
     {"<if_list>",                     ports,     kPorts},
     {"isolation interface <ifStr>",   slots,     "slots: 1; lists and ranges 1-4,7"},
     {"storm-suppression interface <ifStr>", slots, "slots: 1; lists and ranges 1-4,7"},
