@@ -9,6 +9,7 @@ chassis show"
 expect "exit code" 0 "$code"
 expectMatch "the startup configuration was executed" \
   "*set cid mode dtmf*set rfc2833 negotiation auto default pt 97 rfc2198 negotiation manul default pt 96*" "$out"
+expectMatch "lines are in service" "*attach adslLine profile*1/5*set interface 1/5 enable*" "$out"
 expectMatch "ADSL, VDSL and POTS cards are up" "*adsl32 *up *32*vdsl64 *up *64*pots64 *up *64*" "$out"
 run "$runNode" "$bin/.." <<<"nonsense"
 expectMatch "exit code of a line that failed" "1 stdin:1:1: unknown command, * expected: nonsense" "$code $err"
