@@ -6,13 +6,14 @@
 
 namespace cards {
 
-using line::Complex, line::Direction, line::Plan, line::Tone, line::Trained;
+using line::Plan;
 using messages::Value;
 
 namespace {
 
 // Values that ITU-T G.997.1 gives to a group of tones that was not measured.
 constexpr double kNoHlog = -96.3, kNoNoise = -150.5, kNoSnr = 95.5;
+constexpr double kLeastHlog = -96.2;
 constexpr i64 kNoHlin = -32768;
 constexpr u32 kGroups = 512;  // at most
 
@@ -33,9 +34,9 @@ u32 groups(const Plan& plan) { return (plan.tones + groupSize(plan) - 1) / group
 
 const Plan& planOf(const LineState& line) { return line::planOf(line.summary->mode); }
 
-// The mean over the tones of a group that are of a direction; `none` if there are none.
+// The mean over the tones of a group that are of a direction; none if there are none.
 template <class Get>
-double mean(const LineState& line, i64 group, bool up, double none, Get get) {
+std::optional<double> mean(const LineState& line, i64 group, bool up, Get get) {
   const Plan& plan = planOf(line);
   const u32 size = groupSize(plan), first = static_cast<u32>(group) * size;
   double sum = 0;
@@ -46,32 +47,29 @@ double mean(const LineState& line, i64 group, bool up, double none, Get get) {
     sum += get(tone);
     ++count;
   }
-  return count == 0 ? none : sum / count;
+  return count == 0 ? std::nullopt : std::optional(sum / count);
 }
 
-double hlog(const LineState& line, i64 group, bool up) {
-  return std::max(kNoHlog + 0.1,
-                  mean(line, group, up, kNoHlog, [&](u32 tone) { return line::decibels(line.line->transfer[tone]); }));
-}
 Value hlogValue(const LineState& line, i64 group, bool up) {
-  const bool measured = mean(line, group, up, 0, [](u32) { return 1; }) != 0;
-  return tenths(measured ? hlog(line, group, up) : kNoHlog);
+  const auto loss = mean(line, group, up, [&](u32 tone) { return line::decibels(line.line->transfer[tone]); });
+  return tenths(loss ? std::max(*loss, kLeastHlog) : kNoHlog);
 }
 Value noiseValue(const LineState& line, i64 group, bool up) {
-  return tenths(
-      mean(line, group, up, kNoNoise, [&](u32 tone) { return static_cast<double>(line.line->tones[tone].noise); }));
+  const auto noise = mean(line, group, up, [&](u32 tone) { return static_cast<double>(line.line->tones[tone].noise); });
+  return tenths(noise.value_or(kNoNoise));
 }
 Value snrValue(const LineState& line, i64 group, bool up) {
-  return tenths(
-      mean(line, group, up, kNoSnr, [&](u32 tone) { return static_cast<double>(line.line->tones[tone].snr); }));
+  const auto snr = mean(line, group, up, [&](u32 tone) { return static_cast<double>(line.line->tones[tone].snr); });
+  return tenths(snr.value_or(kNoSnr));
 }
 
-// The share of the voltage that comes through, its real and imaginary part as parts of 32767.
+// The share of the voltage that comes through, its real or imaginary part as parts of 32767.
 Value hlinValue(const LineState& line, i64 group, bool up, bool real) {
-  const bool measured = mean(line, group, up, 0, [](u32) { return 1; }) != 0;
-  if (!measured) return whole(kNoHlin);
-  const Complex transfer = line.line->transfer[static_cast<std::size_t>(group) * groupSize(planOf(line))];
-  return whole(std::llround(32767 * (real ? transfer.real() : transfer.imag())));
+  const auto part = mean(line, group, up, [&](u32 tone) {
+    const line::Complex transfer = line.line->transfer[tone];
+    return real ? transfer.real() : transfer.imag();
+  });
+  return whole(part ? std::llround(32767 * *part) : kNoHlin);
 }
 
 const line::BandState& band(const LineState& line, i64 index) {

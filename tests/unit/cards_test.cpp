@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
+
 #include "cards/dsl_cards.h"
 #include "host/chassis.h"
 
@@ -124,6 +126,11 @@ TEST_F(Cards, CurvesHaveATonePerEntryOrGroupsOfThem) {
   ASSERT_EQ(hlog.size(), 26u + 512 * 14);
   EXPECT_EQ(numberAt(hlog, 26 + 100 * 14 + 2, 4), static_cast<u32>(-963)) << "up was not measured there";
   EXPECT_NEAR(static_cast<i32>(numberAt(hlog, 26 + 100 * 14 + 8, 4)), -158, 10) << "431 kHz";
+  const Bytes hlin = ask(1, 5, 2832);
+  const auto part = [&](std::size_t at) { return static_cast<i16>(numberAt(hlin, 26 + 100 * 10 + at, 2)) / 32767.0; };
+  EXPECT_NEAR(20 * std::log10(std::hypot(part(4), part(6))),
+              static_cast<i32>(numberAt(hlog, 26 + 100 * 14 + 8, 4)) / 10.0, 0.1);
+  EXPECT_EQ(numberAt(hlin, 26 + 100 * 10, 2), 0x8000u);
   EXPECT_EQ(ask(1, 5, 2834).size(), 26u + 512 * 8);
   EXPECT_EQ(numberAt(ask(1, 5, 2834), 28 + 100 * 8, 4), 955u);
   enable(2, 64, 1);
@@ -132,6 +139,32 @@ TEST_F(Cards, CurvesHaveATonePerEntryOrGroupsOfThem) {
   EXPECT_EQ(ask(2, 64, 2833).size(), 26u + 512 * 14) << "eight tones share a group";
   EXPECT_EQ(ask(2, 65535, 2825).size(), 4u + 64 * 102) << "all ports";
   EXPECT_TRUE(ask(3, 1, 2825).empty()) << "no DSL card";
+}
+
+TEST_F(Cards, VdslProfilesCount) {
+  // 30a alone, 10 dBm down, no radio bands, nothing on tones 100 to 110; a target margin of 20 dB down, no least rates.
+  cards.hear(Link::gpon, 2, 2862,
+             port(2, 7) + number(2, 2) + number(128, 2) + number(21, 2) + number(1, 2) + number(100, 4) + number(1, 2) +
+                 number(145, 4) + Bytes(4) + number(0, 2) + Bytes(4) + number(1, 2) + number(100, 2) + number(110, 2) +
+                 Bytes(4) + Bytes(8));
+  cards.hear(Link::gpon, 2, 2863,
+             port(2, 7) + number(2, 2) + number(2, 2) + number(1, 2) + number(200, 4) + Bytes{1} + Bytes(12) +
+                 number(1, 2) + number(60, 4) + Bytes{1} + Bytes(12) + Bytes(16) + number(8, 2) + number(4, 2) +
+                 number(2, 2) + number(1, 2) + Bytes(8));
+  cards.setSite(2, 7, {{{line::Gauge::mm05, 300, 0}}});
+  enable(2, 7, 1);
+  wait(5);
+  const Bytes status = ask(2, 7, 2825);
+  EXPECT_EQ(numberAt(status, 26, 2), 4u);
+  EXPECT_EQ(numberAt(status, 30, 2), 128u);
+  EXPECT_NEAR(numberAt(status, 42, 4), 200, 2);
+  EXPECT_LE(numberAt(status, 54, 4), 100u) << "tenths of dBm down";
+  EXPECT_EQ(numberAt(status, 76, 2), 8u) << "ms down";
+  EXPECT_EQ(numberAt(status, 86, 4), 20u) << "tenths of symbols down";
+  const Bytes bits = ask(2, 7, 2826);
+  ASSERT_EQ(bits.size(), 26u + 3479 * 4);
+  EXPECT_EQ(numberAt(bits, 26 + 110 * 4, 2), 0u);
+  EXPECT_GT(numberAt(bits, 26 + 111 * 4, 2), 8u);
 }
 
 TEST_F(Cards, TestsRunOnALineOutOfService) {
