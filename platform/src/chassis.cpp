@@ -171,6 +171,17 @@ using host::CardState;
 using host::CardType;
 
 OmObject* gpOmFrameObj = &host::frame;
+
+// A slot's place is its number; its address 02-00-00-00-00-SLOT.
+std::array<CmSlot, kCmSlots> cm_slot = [] {
+  std::array<CmSlot, kCmSlots> cards{};
+  for (u8 slot = 0; slot < kCmSlots; ++slot) {
+    cards[slot].mac[0] = 2;
+    cards[slot].mac[5] = slot;
+  }
+  return cards;
+}();
+u32 translateslot_in(u8 slot) { return slot; }
 i32 giOmDebugPrint = 0;
 i32 giOmRunPrint = 0;
 

@@ -1,6 +1,7 @@
 #include "platform/wrappers.h"
 
 #include <algorithm>
+#include <charconv>
 #include <chrono>
 #include <condition_variable>
 #include <cstdio>
@@ -9,6 +10,7 @@
 #include <limits>
 #include <memory>
 #include <mutex>
+#include <string_view>
 #include <thread>
 #include <vector>
 
@@ -24,6 +26,18 @@ void* bep_memSetEx(void* memory, int value, std::size_t length) { return std::me
 
 void cli_gpon_get_mac_str(const u8* mac, char* text) {
   std::sprintf(text, "%02x-%02x-%02x-%02x-%02x-%02x", mac[0], mac[1], mac[2], mac[3], mac[4], mac[5]);
+}
+
+int cli_gpon_judge_mac_format(const char* text, u8* mac) {
+  const std::string_view digits(text);
+  u8 bytes[6] = {};
+  if (digits.size() != 2 * sizeof bytes) return -1;
+  for (std::size_t i = 0; i < sizeof bytes; ++i) {
+    const char* at = digits.data() + 2 * i;
+    if (std::from_chars(at, at + 2, bytes[i], 16).ptr != at + 2) return -1;
+  }
+  std::ranges::copy(bytes, mac);
+  return 0;
 }
 
 i32 bep_atoiEx(const char* text) {

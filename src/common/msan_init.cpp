@@ -8,6 +8,9 @@
 #include "common/msan_snmp.h"
 #include "common/obj_attributes.h"
 #include "data/loop/loop_detect.h"
+#include "data/raw/card_work_mode.h"
+#include "data/raw/ces_service.h"
+#include "data/raw/dsl_mpair.h"
 #include "platform/command_line.h"
 #include "platform/database.h"
 #include "platform/log.h"
@@ -38,7 +41,8 @@ static constexpr SlotStep hotplug[] = {msan_combo_hotplug, msan_ppda_hotplug,  m
 static constexpr SlotStep cardAuthorised[] = {data_port_enable_after_cardauth_db, msan_data_clear_before_cardauth_db,
                                               init_voiceport_cfg, loopdetect_callback_after_cardauth_db,
                                               volt_current_callback_after_cardauth_db};
-static constexpr SlotStep cardUnauthorised[] = {delObjAttrBySlot};
+static constexpr SlotStep cardUnauthorised[] = {card_unauth_mpair, card_unauth_card_work_mode, card_unauth_ces_service,
+                                                delObjAttrBySlot};
 
 int inRecoverConfProcess() { return is_cliFastMode(); }
 

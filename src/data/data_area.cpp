@@ -10,6 +10,9 @@
 #include "data/queue/eth_schedule.h"
 #include "data/rate/port_rate_bind.h"
 #include "data/rate/port_rate_profile.h"
+#include "data/raw/card_work_mode.h"
+#include "data/raw/ces_service.h"
+#include "data/raw/dsl_mpair.h"
 #include "data/slot/port_isolate.h"
 #include "data/slot/storm_suppression.h"
 #include "data/vlan/port_vlan.h"
@@ -38,6 +41,9 @@ static constexpr Step snmpRegister[] = {
     registerOf<pvcPolicy>,
     registerOf<portPolicy>,
     registerOf<loopDetect>,
+    snmp_reg_mpair,
+    snmp_reg_card_work_mode,
+    snmp_reg_ces_service,
 };
 static constexpr Step install[] = {
     installOf<ethSchedule>,
@@ -51,6 +57,9 @@ static constexpr Step install[] = {
     installOf<pvcPolicy>,
     installOf<portPolicy>,
     installOf<loopDetect>,
+    install_mpair,
+    install_card_work_mode,
+    install_ces_service,
 };
 static constexpr SlotStep hotplug[] = {
     recover_ethschedule_cfg,
@@ -62,6 +71,9 @@ static constexpr SlotStep hotplug[] = {
     res_pvc_plc_attach_cfg,
     res_port_plc_attach_cfg,
     loop_detect_cfg_recover,
+    hotplug_mpair,
+    hotplug_card_work_mode,
+    hotplug_ces_service,
 };
 static constexpr SlotStep cardAuthorised[] = {
     delete_ethschedule_cfg,
@@ -73,6 +85,9 @@ static constexpr PrintStep showrun[] = {
     showrun_pvc_plc_attach,
     showrun_port_plc_attach,
     show_run_loopdetect,
+    showrun_mpair,
+    showrun_card_work_mode,
+    showrun_ces_service,
 };
 // Of each slot with a card of the module's, all items of one slot ahead of the next slot.
 static constexpr int (*slotShowrun[])(Vty* vty, u16 slot) = {

@@ -5,9 +5,9 @@ start
 
 run ctl -c "show cid mode" -c "nonsense" -c "set cid" -c "chassis slot 9 up"
 expect "exit code with lines that failed" 1 "$code"
-expect "errors of commands" "command:2:1: unknown command, ngn or no expected: nonsense
+expect "errors of commands" "command:2:1: unknown command, no, ngn or more expected: nonsense
 command:3:8: incomplete command, mode expected: set cid
-command:4: failed (-1): chassis slot 9 up" "$(sed "1s/ngn.* expected/ngn or no expected/" <<<"$err")"
+command:4: failed (-1): chassis slot 9 up" "$(sed "1s/ngn.* expected/ngn or more expected/" <<<"$err")"
 expectMatch "what they printed" "*CID Mode: FSK*slot 9 holds no service card" "$out"
 
 printf 'trace hex\r\n\n! a comment\nset cid mode fsk\n  show cid mode\nnot a word\nset cid mode dtmf' >"$folder/lines"

@@ -42,7 +42,7 @@ start
 expectMatch "the last line has no end and is executed" "*set cid mode dtmf*" "$(ctl -c 'show running-config')"
 expect "lines that failed" ":4:8: set cid: incomplete command, mode expected
 :5:2: \x01\x00??: unknown command
-:6:1: no such command \x1b[2J: unknown command, WORDS expected" \
+:6:4: no such command \x1b[2J: unknown command, WORDS expected" \
   "$(LC_ALL=C tr '\200-\377' '?' <"$folder/log" | sed -n 's/.*startup.cfg\(:[0-9]\)/\1/p' | sed '3s/, .* expected/, WORDS expected/')"
 expectMatch "and their count" "*warning startup configuration $folder/startup.cfg executed, 3 lines failed*" "$(cat "$folder/log")"
 

@@ -1,6 +1,8 @@
 #pragma once
 // The chassis as the module sees it: slots, cards, ports and their objects.
 
+#include <array>
+
 #include "platform/types.h"
 
 // Slots. 0 is success, or yes.
@@ -57,6 +59,17 @@ struct OmObject {
 };
 extern OmObject* gpOmFrameObj;
 int omGetChildAddr(const OmObject* parent, i32 level, u16 number, OmObject** child);  // level 2: a slot of the frame
+
+// The table of cards, by the place that a slot has in it.
+struct CmSlot {
+  u8 ahead[32];
+  u8 mac[6];
+  u8 behind[46];
+};
+static_assert(sizeof(CmSlot) == 84);
+inline constexpr u32 kCmSlots = 21;
+extern std::array<CmSlot, kCmSlots> cm_slot;
+u32 translateslot_in(u8 slot);  // may be outside the table
 
 // 1: traces of objects go to standard output.
 extern i32 giOmDebugPrint;

@@ -16,6 +16,9 @@ i32 bep_atoiEx(const char* text);  // atoi, held at the limits of i32
 // The 6 bytes of an address as aa-bb-cc-dd-ee-ff, which takes 18 characters.
 void cli_gpon_get_mac_str(const u8* mac, char* text);
 
+// 12 hex digits into the 6 bytes of an address. 0, or -1 with the address unchanged.
+int cli_gpon_judge_mac_format(const char* text, u8* mac);
+
 using SemaphoreId = u32;  // 0: none
 
 SemaphoreId bep_semBCreateEx(i32 options, i32 full);         // 0 on failure; `full` 1: can be taken at once
