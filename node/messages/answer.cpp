@@ -1,5 +1,7 @@
 #include "answer.h"
 
+#include <algorithm>
+
 #include "decode.h"
 #include "numbers.h"
 
@@ -121,7 +123,8 @@ std::optional<Decoded> readMessage(const Book& book, Road ask, u16 id, Bytes que
   const Layout* const asked = message == nullptr ? nullptr : message->find(ask);
   if (asked == nullptr) return {};
   Decoded decoded = decode(*message, *asked, question);
-  if (!decoded.problems.empty()) return {};
+  const auto isOfForm = [](const Problem& problem) { return problem.fault == Fault::form; };
+  if (std::ranges::any_of(decoded.problems, isOfForm)) return {};
   return decoded;
 }
 

@@ -32,7 +32,7 @@ std::optional<std::vector<u8>> answer(const Book& book, Road ask, u16 id, Bytes 
 // By somebody who knows nothing.
 std::optional<std::vector<u8>> plainAnswer(const Book& book, Road ask, u16 id, Bytes question);
 
-// A message, read by its description; none as above.
+// A message, read by its description, whatever its values are; none as above.
 struct Decoded;
 std::optional<Decoded> readMessage(const Book& book, Road ask, u16 id, Bytes question);
 

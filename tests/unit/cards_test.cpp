@@ -30,12 +30,13 @@ Bytes operator+(Bytes left, const Bytes& right) {
 }
 Bytes port(u32 slot, u32 number_) { return number(1, 4) + number(slot, 2) + number(number_, 2) + Bytes(16); }
 
-// An ADSL profile of a port: its target margin down, in tenths, and the lowest rate down; 1: the rate is fixed.
-Bytes adslBody(u32 margin, u32 rate, u32 mode) {
-  return number(0, 2) + number(2, 2) + number(mode, 2) + number(3, 2) + Bytes(8) + number(1, 2) + number(margin, 4) +
-         number(1, 2) + number(60, 4) + number(16, 2) + number(16, 2) + number(1, 2) + number(1, 2) + Bytes(2) +
-         Bytes(12) + number(31, 2) + number(31, 2) + Bytes(4) + number(0, 2) + number(rate, 4) + number(0, 4) +
-         Bytes(64);
+// An ADSL profile of a port: its target margin down, in tenths, and the lowest rate down; 1: the rate is fixed; the
+// standard, 0 for the best; the line type, 2 without interleaving.
+Bytes adslBody(u32 margin, u32 rate, u32 mode, u32 standard = 0, u32 type = 3) {
+  return number(standard, 2) + number(2, 2) + number(mode, 2) + number(type, 2) + Bytes(8) + number(1, 2) +
+         number(margin, 4) + number(1, 2) + number(60, 4) + number(16, 2) + number(16, 2) + number(1, 2) +
+         number(1, 2) + Bytes(2) + Bytes(12) + number(31, 2) + number(31, 2) + Bytes(4) + number(0, 2) +
+         number(rate, 4) + number(0, 4) + Bytes(64);
 }
 
 class Cards : public testing::Test {
@@ -105,6 +106,11 @@ TEST_F(Cards, ProfileCountsAtTheNextTraining) {
   attach(adslBody(60, 4096, 1));
   wait(5);
   EXPECT_EQ(netRate(), 4096u);
+  attach(adslBody(60, 0, 2, 1, 2));
+  wait(5);
+  EXPECT_EQ(numberAt(ask(1, 5, 2825), 28, 2), 1u) << "the first ADSL";
+  EXPECT_EQ(numberAt(ask(1, 5, 2826), 24, 2), 256u);
+  EXPECT_EQ(numberAt(ask(1, 5, 2825), 76, 2), 0u) << "no delay";
   attach(adslBody(60, 90000, 2));
   wait(5);
   EXPECT_EQ(state(), 2u) << "a rate that can't be reached: it tries again";
@@ -137,6 +143,8 @@ TEST_F(Cards, CurvesHaveATonePerEntryOrGroupsOfThem) {
   wait(5);
   EXPECT_EQ(ask(2, 64, 2826).size(), 26u + 4096 * 4);
   EXPECT_EQ(ask(2, 64, 2833).size(), 26u + 512 * 14) << "eight tones share a group";
+  EXPECT_NE(numberAt(ask(2, 64, 2834), 28 + 1 * 8, 4), 955u) << "up on tones 8 to 15";
+  EXPECT_EQ(numberAt(ask(2, 64, 2835), 28 + 1 * 8, 4), 955u);
   EXPECT_EQ(ask(2, 65535, 2825).size(), 4u + 64 * 102) << "all ports";
   EXPECT_TRUE(ask(3, 1, 2825).empty()) << "no DSL card";
 }
@@ -165,6 +173,11 @@ TEST_F(Cards, VdslProfilesCount) {
   ASSERT_EQ(bits.size(), 26u + 3479 * 4);
   EXPECT_EQ(numberAt(bits, 26 + 110 * 4, 2), 0u);
   EXPECT_GT(numberAt(bits, 26 + 111 * 4, 2), 8u);
+  // Retransmission that is allowed down, 5000 kbit/s at most.
+  cards.hear(Link::gpon, 2, 2859,
+             port(2, 7) + number(1, 2) + Bytes(36) + number(64, 4) + number(5000, 4) + number(5000, 4) + Bytes(100));
+  wait(5);
+  EXPECT_EQ(numberAt(ask(2, 7, 2825), 94, 4), 5000u);
 }
 
 TEST_F(Cards, TestsRunOnALineOutOfService) {
@@ -221,7 +234,11 @@ TEST_F(Cards, LinesAreThePortsOwnOrTheCards) {
   EXPECT_EQ(modem[60], 1);
   EXPECT_EQ(modem[24], 'S');
   EXPECT_EQ(modem[62], 2026 >> 8);
-  EXPECT_EQ(cards.answer(Link::gepon, 1, 2853, question).value().size(), 24u + 104);
+  const Bytes rates = cards.answer(Link::gepon, 1, 2853, question).value();
+  ASSERT_EQ(rates.size(), 24u + 104);
+  EXPECT_EQ(rates[44] + 256 * rates[45], static_cast<int>(numberAt(ask(1, 5, 2825), 70, 4)))
+      << "down by the third mode";
+  EXPECT_EQ(rates[56], 0) << "no VDSL";
 }
 
 }  // namespace

@@ -47,7 +47,13 @@ TEST(Line, RateFallsWithLength) {
     }
   }
   // A short line carries 15 bits on each of 479 tones, 4000 times a second.
-  EXPECT_EQ(train({{Gauge::mm05, 10, 0}}, {}).down.lineRate, 479u * 15 * 4);
+  Order order;
+  const Plant near{{Gauge::mm05, 10, 0}};
+  EXPECT_EQ(train(near, order).down.lineRate, 479u * 15 * 4);
+  EXPECT_EQ(train(near, order).down.netRate, 28740u - 32) << "without the overhead channel";
+  order.down.delay = 16;
+  order.down.impulse = 1;
+  EXPECT_EQ(train(near, order).down.netRate, 27855u - 32) << "2 of 65 symbols correct one that is lost";
 }
 
 TEST(Line, ProfileLimitsRateMarginAndPower) {
