@@ -319,14 +319,17 @@ Text dataPorts() {
   for (const Card& card : cards) {
     if (card.ports != 0) configure(card, text);
   }
+  cli(text, "set dsl mpair id 9 slot 4 mport 3 sport 4");
+  cli(text, "set card work_mode slot 18 mode remote");
+  cli(text, "set ces service slot 18 port 32 dstmac aabbcc001122 dstport 7 jitterbuf 64");
   return text;
 }
 
 std::string rowsOfAllTables() {
   Text text;
-  for (const char* table :
-       {"PortService", "ServiceCfg", "PortRateBind", "Maclimit", "QueueSchedule", "M_QOS_PRF_ATT_RELATION",
-        "M_PORT_QOS_PRF_ATT_RELATION", "LOOP_DETECT_ENTRY_CFG", "StormSupp", "PortISolation"}) {
+  for (const char* table : {"PortService", "ServiceCfg", "PortRateBind", "Maclimit", "QueueSchedule",
+                            "M_QOS_PRF_ATT_RELATION", "M_PORT_QOS_PRF_ATT_RELATION", "LOOP_DETECT_ENTRY_CFG",
+                            "StormSupp", "PortISolation", "DSLmPair", "CardWorkMode", "CESSerCfg"}) {
     text += fmt::format("rows {}\n", table);
   }
   return text;
@@ -351,7 +354,7 @@ TEST(DataReplay, EverythingOnAFullChassisComesBackAndGoesWithItsCard) {
   const auto fresh = play(chassis("auth ") + up + tables);
   const auto set = play(chassis("auth ") + dataPorts() + up + "running-config\nsave\nrestart\n" + up +
                         "running-config\n" + tables + chassis("unauth") + chassis("auth ") + up + tables);
-  const std::size_t rows = 10;
+  const std::size_t rows = 13;
   const std::size_t again = rows + 3 * count;  // what is behind the second running configuration
   for (std::size_t i = 0; i < set.size() - 2 * again - 3; ++i) {
     const auto& record = set[i].record;
