@@ -21,9 +21,24 @@ expectMatch "whether the line is up, read for the first time" "[12]" "$(value $i
 expect "its profiles" "676F6C64 6C6F7564" "$(value $adsl.1.1.4.$line | tr -d ' ') $(value $adsl.1.1.5.$line | tr -d ' ')"
 gold=103.111.108.100 loud=108.111.117.100
 expect "margin, rate" "50 64000" "$(value $adsl.14.1.18.$gold) $(value $adsl.14.1.12.$gold)"
+for none in 14.1.11.$gold 1.1.4.$((1 << 16 | 33)); do expectMatch "$none" "*No Such Instance*" "$(value $adsl.$none)"; done
 expect "a threshold" 9 "$(value $adsl.15.1.14.$loud)"
 
-
+# A card that takes its time delays those alone who ask for it, and nobody for long.
+ctl -c "chassis slot 1 delay 800"
+value $adsl.2.1.4.$((line + 5)) >"$folder/slow" &
+slow=$!
+value $adsl.4.1.2.$((line + 6)) >"$folder/other" &
+other=$!
+sleep 0.2
+expect "others, meanwhile" "2 " "$(value $interfaces.7.$((line + 5))) $(cat "$folder/slow")"
+wait $slow $other
+expectMatch "and those who wait" "[0-9-]* [0-9]*" "$(cat "$folder/slow") $(cat "$folder/other")"
+ctl -c "chassis slot 1 delay 6000"
+absent="$adsl.2.1.4.$((line + 7)) No Such Instance currently exists at this OID"
+for patience in 5 1; do expect "a card that is silent" "$absent" "$(patience=$patience manager snmpget "$udp" $adsl.2.1.4.$((line + 7)))"; done
+ctl -c "chassis slot 1 delay 0"
+sleep 3 # until it has answered
 # What the card tells of a line: the same as at the terminal, in the manager's units.
 ctl -c "show port dsl_status slot 1 port 2" >"$folder/state"
 told() { awk -v name="$1" -v factor="$2" 'index($0, name) == 1 { printf "%d", $NF * factor + ($NF < 0 ? -0.5 : 0.5) }' "$folder/state"; }
@@ -33,20 +48,7 @@ for row in "2.1.4 US snrMargin 10" "2.1.5 Agg Ln Atten Us 1" "2.1.7 DS outputPow
   read -r column name <<<"${row% *}"
   expect "$name" "$(told "$name" "${row##* }")" "$(value $adsl.$column.$line)"
 done
-expect "the modem's vendor is told, if only by an empty text" "0" "$(value $adsl.3.1.2.$line | grep -c such || true)"
-# A card that takes its time delays those alone who ask for it, and nobody for long.
-ctl -c "chassis slot 1 delay 800"
-value $adsl.2.1.4.$((line + 5)) >"$folder/slow" &
-slow=$!
-sleep 0.2
-expect "others, meanwhile" "2 " "$(value $interfaces.7.$((line + 5))) $(cat "$folder/slow")"
-wait $slow
-expectMatch "and the one who waits" "[0-9-]*" "$(cat "$folder/slow")"
-ctl -c "chassis slot 1 delay 6000"
-absent="$adsl.2.1.4.$((line + 6)) No Such Instance currently exists at this OID"
-for patience in 5 1; do expect "a card that is silent" "$absent" "$(patience=$patience manager snmpget "$udp" $adsl.2.1.4.$((line + 6)))"; done
-ctl -c "chassis slot 1 delay 0"
-sleep 3
+expect "the modem's vendor is told, if only by an empty text" "0" "$(value $adsl.3.1.2.$line | grep -c Such || true)"
 
 for group in $interfaces .1.3.6.1.2.1.31.1.1.1 $adsl; do
   snmpwalk -v2c -c public -On "$udp" $group >"$folder/walked"
