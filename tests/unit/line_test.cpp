@@ -34,6 +34,21 @@ TEST(Line, TapTakesOutItsQuarterWave) {
   EXPECT_GT(deepest, 12);
 }
 
+TEST(Line, BandsFollowEachOtherToTheLastTone) {
+  for (u8 i = 0; i < kModes; ++i) {
+    const Plan& plan = planOf(static_cast<Mode>(i));
+    u32 behind = 1;
+    for (const Band& band : plan.bands) {
+      EXPECT_GE(band.first, behind) << int{i};
+      behind = band.last + 1u;
+    }
+    EXPECT_EQ(behind, plan.tones) << int{i};
+    EXPECT_LT(nominalLevel(static_cast<Mode>(i), false, 3e6), i < 4 ? -39 : -53) << int{i};
+  }
+  EXPECT_FALSE(bandOf(planOf(Mode::p12b), 31)) << "no lowest band";
+  EXPECT_TRUE(bandOf(planOf(Mode::p12a), 31)->up);
+}
+
 TEST(Line, RateFallsWithLength) {
   for (const Mode mode : {Mode::gdmt, Mode::adsl2plus, Mode::p17a, Mode::p30a}) {
     Order order;
