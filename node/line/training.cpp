@@ -157,14 +157,15 @@ void Way::load(double margin) {
 
 // Takes bits off, from the highest tones down, that the largest rate does not need.
 void Way::trim() {
-  while (netOf(loaded_ - 1) >= limits_.mostRate) {
+  const auto isTooMuch = [this] { return loaded_ > 0 && netOf(loaded_ - 1) >= limits_.mostRate; };
+  while (isTooMuch()) {
     const u64 before = loaded_;
     for (auto carrier = carriers_.rbegin(); carrier != carriers_.rend(); ++carrier) {
       Tone& tone = into_.tones[carrier->tone];
       if (tone.bits == 0) continue;
       --tone.bits;
       --loaded_;
-      if (netOf(loaded_ - 1) < limits_.mostRate) return;
+      if (!isTooMuch()) return;
     }
     if (loaded_ == before) return;
   }
