@@ -48,7 +48,8 @@ for row in "2.1.4 US snrMargin 10" "2.1.5 Agg Ln Atten Us 1" "2.1.7 DS outputPow
   read -r column name <<<"${row% *}"
   expect "$name" "$(told "$name" "${row##* }")" "$(value $adsl.$column.$line)"
 done
-expect "the modem's vendor is told, if only by an empty text" "0" "$(value $adsl.3.1.2.$line | grep -c Such || true)"
+expect "the modem's vendor and the beginning of its version" "53 49 4D 4C 73 69 6D 75 6C 61 74 65 64 20 6D 6F 64 65 6D 20" \
+  "$(value $adsl.3.1.2.$line) $(value $adsl.3.1.3.$line)"
 
 for group in $interfaces .1.3.6.1.2.1.31.1.1.1 $adsl; do
   snmpwalk -v2c -c public -On "$udp" $group >"$folder/walked"
