@@ -21,7 +21,7 @@ class View {
   std::optional<double> scaled(std::string_view name) const;  // none also for more decimals than there are
   std::string text(std::string_view name) const;              // up to its end; bytes whole
   std::string word(std::string_view name) const;              // of a number: by its words, else in digits
-  std::vector<View> items(std::string_view list) const;  // or the group of that name
+  std::vector<View> items(std::string_view list) const;       // or the group of that name
 
  private:
   View(const Decoded& of, std::size_t at, std::size_t end) : of_(&of), at_(at), end_(end) {}
