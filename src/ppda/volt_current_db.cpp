@@ -7,11 +7,13 @@
 #include "platform/tables.h"
 #include "ppda/volt_current.h"
 
+namespace {
 // The field `fixed`, which holds the row's key.
 struct Fixed {
   u32 objectId = 0;
   PotsFeed record;
 };
+}  // namespace
 static_assert(sizeof(Fixed) == 64);
 
 static constexpr const char* kTable = "DB_VOLTCURRENT_CFG";

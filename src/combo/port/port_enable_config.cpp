@@ -183,12 +183,14 @@ static int parse_port_enable(LIST* list, SnmpErrInfo* err, u32 count, WireIn ite
   return 0;
 }
 
+namespace {
 // A request's count and what stands behind it.
 struct Request {
   u32 count = 0;
   WireIn items;
   bool ignored = false;  // the first item's card is one that is left alone
 };
+}  // namespace
 
 // 0, or -1 with the error of a request that is too short or asks for too much.
 static int readRequest(const SnmpCall& call, SnmpErrInfo* err, Request& request) {

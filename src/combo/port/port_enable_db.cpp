@@ -6,11 +6,13 @@
 #include "platform/tables.h"
 
 #pragma pack(push, 1)
+namespace {
 // The field `fixed`, which holds the row's key.
 struct Fixed {
   u32 objectId = 0;
   u8 enable = 0;
 };
+}  // namespace
 #pragma pack(pop)
 static_assert(sizeof(Fixed) == 5);
 

@@ -95,7 +95,9 @@ static constexpr LineValue otherValues[] = {
     {"dnMsgMin", ROW(dnMsgMin)}, {"upMsgMin", ROW(upMsgMin)}};
 // clang-format on
 
+namespace {
 enum Line { kModeLine, kReinLine, kOtherLine };
+}  // namespace
 static constexpr ProfileLine lines[] = {
     {.head = "set vdslginp para", .values = modeValues, .always = true},
     {.head = "set vdslginp para", .values = reinValues, .always = true, .end = " "},

@@ -84,7 +84,9 @@ static constexpr LineValue downstream[] = {
     {"maxfreq", ROW(maxSPANFrq)}};
 // clang-format on
 
+namespace {
 enum Line { kUpstreamLine, kDownstreamLine };
+}  // namespace
 static constexpr ProfileLine lines[] = {
     {.head = "set vdslpbo para", .values = upstream, .end = " "},
     {.head = "set vdslpbo para", .values = downstream, .always = true, .end = " "},

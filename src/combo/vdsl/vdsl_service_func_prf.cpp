@@ -95,7 +95,9 @@ static constexpr LineValue inpValues[] = {
     {"up", ROW(upMinINP), {}, "value must be [0-18]"}, {"dn", ROW(dnMinINP), {}, "value must be [0-18]"}};
 // clang-format on
 
+namespace {
 enum Line { kRateMode, kDnMargin, kUpMargin, kRateLine, kDelayLine, kInpLine };
+}  // namespace
 static constexpr ProfileLine lines[] = {
     {.head = "set vdslser para rateMode",
      .values = rateModeValues,

@@ -117,6 +117,7 @@ int getRecords(const DataItem& item, LIST* records) {
   return 0;
 }
 
+namespace {
 // A record for one object after the other.
 class AnyRecord {
  public:
@@ -129,6 +130,7 @@ class AnyRecord {
  private:
   alignas(u64) u8 bytes_[kLargestDataRecord];
 };
+}  // namespace
 
 // --- Set ---
 

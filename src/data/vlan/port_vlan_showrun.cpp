@@ -11,6 +11,7 @@
 #include "platform/log.h"
 #include "platform/objects.h"
 
+namespace {
 // A line that is put together; what does not fit is cut off, and the line has failed.
 class Line {
  public:
@@ -32,6 +33,7 @@ class Line {
   u32 length_ = 0;
   bool failed_ = false;
 };
+}  // namespace
 
 // A value behind its keyword; `none` stands for one that is all or nothing, where the command knows such a word.
 static void addValue(Line& line, const char* keyword, u16 value, const char* none = nullptr) {

@@ -15,12 +15,14 @@ static constexpr Word keyWords[] = {
     {"type", kTypeKey}, {"mode", kModeKey},   {"tpid", kTpidKey},   {"vid", kVidKey},
     {"cos", kCosKey},   {"crule", kCruleKey}, {"qrule", kQruleKey}, {"interface", kInterfaceKey}};
 
+namespace {
 // What the command says: its values as they were typed, and the service that they make.
 struct Request {
   const char* texts[kKeys] = {};
   TagValues tpid, vid, cos;
   VlanService service;  // of the first port
 };
+}  // namespace
 
 static int readPairs(Vty* vty, int argc, char** argv, Request* request) {
   if (argc < 1 || argc > 16 || argc % 2 != 0) return refuse(vty, "unknown command.\r\n");

@@ -15,13 +15,17 @@ static constexpr u32 kLabelAt = 36;
 static constexpr u32 kReplyArea = 36;  // of a GET's reply: what stood at 32 in a request
 static constexpr u16 kNodeSlot = 9;    // reported for items of the whole node
 static constexpr u16 kSendSlot = 18;   // for the trace lines of a message to the NGN side
+namespace {
 enum Origin { kSnmp = 1, kCommand = 3 };
+}  // namespace
 
+namespace {
 // A zeroed record of any item.
 struct AnyRecord {
   alignas(u32) u8 bytes[kLargestRecord] = {};
   operator void*() { return bytes; }
 };
+}  // namespace
 
 // --- Steps ---
 

@@ -17,16 +17,20 @@ static constexpr u32 kReplyArea = 36;  // of a reply
 static constexpr u16 kNodeSlot = 9;    // reported for what belongs to the whole node
 static constexpr u16 kSendSlot = 18;   // a card, or a trace line's
 static constexpr u32 kPortRecord = 228;
+namespace {
 enum Origin { kSnmp = 1, kCommand = 3 };
+}  // namespace
 
+namespace {
 struct AnyProfile {
   alignas(u32) u8 bytes[256] = {};
   operator void*() { return bytes; }
-  operator ProfileHead*() { return reinterpret_cast<ProfileHead*>(bytes); }
-  ProfileHead* operator->() { return *this; }
+  operator VoiceProfileHead*() { return reinterpret_cast<VoiceProfileHead*>(bytes); }
+  VoiceProfileHead* operator->() { return *this; }
 };
+}  // namespace
 
-static ProfileHead* headOf(NODE* node) { return recordOf<ProfileHead>(node); }
+static VoiceProfileHead* headOf(NODE* node) { return recordOf<VoiceProfileHead>(node); }
 
 static bool sameName(const char* a, const char* b) { return std::memcmp(a, b, kProfileName) == 0; }
 
@@ -135,7 +139,7 @@ static int checkDefault(const VoiceProfiles& kind, const void* profile, SnmpErrI
 }
 
 int checkProfile(const VoiceProfiles& kind, const void* profile, SnmpErrInfo* err) {
-  const auto* head = static_cast<const ProfileHead*>(profile);
+  const auto* head = static_cast<const VoiceProfileHead*>(profile);
   if (head->id >= kProfiles) return failedId(err, 65416, head->id);
   if (head->id == 0 && checkDefault(kind, profile, err) != 0) return -1;
   if (head->name[0] == '\0') return failed(err, 65413);
@@ -322,7 +326,7 @@ int snmpDelete(const VoiceProfiles& kind, const SnmpCall& call) {
 // --- Store and send ---
 
 int distributeProfile(const VoiceProfiles& kind, const void* profile, SnmpErrInfo* err) {
-  const auto* head = static_cast<const ProfileHead*>(profile);
+  const auto* head = static_cast<const VoiceProfileHead*>(profile);
   if (inRecoverConfProcess() != 1 && checkProfile(kind, profile, err) != 0) return -1;
   DataList named;
   if (namedProfiles(kind, named) != 0) return failed(err, kNotStored);
@@ -389,7 +393,7 @@ static int readOption(Vty* vty, const VoiceProfiles& kind, char** argv, void* pr
 
 int chooseProfile(Vty* vty, const VoiceProfiles& kind, char** argv, void* profile) {
   if (readOption(vty, kind, argv, profile) != 0) return -1;
-  const auto* head = static_cast<const ProfileHead*>(profile);
+  const auto* head = static_cast<const VoiceProfileHead*>(profile);
   if (head->id == 0) return notConfigurable(vty, kind, "not");
   if (head->name[0] != '\0') return 0;
   vty_out(vty, "\r\n please config the name of %s %d at first. \r\n", kind.noun, head->id);
@@ -398,7 +402,7 @@ int chooseProfile(Vty* vty, const VoiceProfiles& kind, char** argv, void* profil
 
 int configureProfile(Vty* vty, const VoiceProfiles& kind, const void* profile, const char* done, const char* notDone) {
   SnmpErrInfo err;
-  const u16 id = static_cast<const ProfileHead*>(profile)->id;
+  const u16 id = static_cast<const VoiceProfileHead*>(profile)->id;
   const int result = distributeProfile(kind, profile, &err);
   const int code = static_cast<i16>(err.errCode);
   if (result != 0) {

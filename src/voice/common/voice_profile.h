@@ -11,7 +11,7 @@ inline constexpr u16 kProfiles = 10;
 inline constexpr u32 kProfileName = 20;  // bytes
 
 // What every record begins with, in memory and on the wire.
-struct ProfileHead {
+struct VoiceProfileHead {
   u16 id = 0;
   char name[kProfileName] = {};  // full, it has no end
 };

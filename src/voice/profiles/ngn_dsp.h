@@ -3,7 +3,7 @@
 
 #include "voice/common/voice_profile.h"
 
-struct DspProfile : ProfileHead {
+struct DspProfile : VoiceProfileHead {
   u16 defaultCode = 0;      // 0 G.711u, 1 G.711A, 2 G.723, 3 G.729
   u8 mute = 0;              // 0 disable, 1 enable
   u8 echoCancel = 0;        // the same

@@ -3,7 +3,7 @@
 
 #include "voice/common/voice_profile.h"
 
-struct SipCallProfile : ProfileHead {
+struct SipCallProfile : VoiceProfileHead {
   u16 callIDType = 0;  // 0 disable, 1 FSK-SDMF, 2 FSK-MDMF, 3 DTMF
   u8 callWaiting = 0;  // 0 disable, 1 enable, as all switches
   u8 busyFWD = 0;

@@ -16,7 +16,9 @@
 
 static constexpr u16 kNodeSlot = 9;
 static constexpr u32 kMessage = 4 + kVoiceIpUnit;
+namespace {
 enum Origin { kSnmp = 1, kCommand = 3 };
+}  // namespace
 
 static bool isPppoe(u16 mode) { return mode == kPppoe || mode == kPppoeV6; }
 static bool isDhcp(u16 mode) { return mode == kDhcp || mode == kDhcpV6; }

@@ -20,7 +20,9 @@ static constexpr u16 kNodeSlot = 9;
 static constexpr u16 kTypes = 2, kRtp = 1;
 static constexpr u32 kShortUnit = 46;  // the NGN side's; a manager's is `shape.unit`
 static constexpr u32 kMessage = 2 + kTypes * kShortUnit;
+namespace {
 enum Origin { kSnmp = 1, kCommand = 3 };
+}  // namespace
 using Rows = std::array<VoiceVlan, kTypes>;
 
 // clang-format off
