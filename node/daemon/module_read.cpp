@@ -31,19 +31,6 @@ std::vector<u8> question(u16 slot, u16 port) {
   return frame;
 }
 
-// All pieces of the answer, one behind the other.
-std::vector<u8> ask(u16 id, u16 slot, u16 port) {
-  std::vector<u8> all;
-  const std::shared_lock request(host::requestGate());
-  for (int piece = 0; piece < kMostPieces; ++piece) {
-    std::vector<u8> frame = question(slot, port);
-    const host::Answer answer = host::agentGet(id, &frame);
-    if (answer.reply) all.insert(all.end(), answer.reply->begin(), answer.reply->end());
-    if (answer.last != 0 || !answer.reply || answer.reply->empty()) break;
-  }
-  return all;
-}
-
 // What the module refused, in the words of the description.
 std::string reasonOf(const Decoded& error) {
   const i64 code = View(error).numberOr("code", 0);
@@ -54,7 +41,19 @@ std::string reasonOf(const Decoded& error) {
 
 }  // namespace
 
-ModuleReply::ModuleReply(u16 id, u16 slot, u16 port) : bytes_(ask(id, slot, port)) {
+std::vector<u8> readModule(u16 id, const std::vector<u8>& question) {
+  std::vector<u8> all;
+  const std::shared_lock request(host::requestGate());
+  for (int piece = 0; piece < kMostPieces; ++piece) {
+    std::vector<u8> frame = question;
+    const host::Answer answer = host::agentGet(id, &frame);
+    if (answer.reply) all.insert(all.end(), answer.reply->begin(), answer.reply->end());
+    if (answer.last != 0 || !answer.reply || answer.reply->empty()) break;
+  }
+  return all;
+}
+
+ModuleReply::ModuleReply(u16 id, u16 slot, u16 port) : bytes_(readModule(id, question(slot, port))) {
   const messages::Book& book = messages::book();
   const messages::Message* const message = book.find(id);
   const messages::Layout* const layout =

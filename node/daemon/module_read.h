@@ -9,6 +9,9 @@
 
 namespace msand {
 
+// All pieces of the module's answer to a GET, one behind the other; empty: there is none.
+std::vector<u8> readModule(u16 id, const std::vector<u8>& question);
+
 class ModuleReply {
  public:
   // Asks for a port with a message's GET, or for all that there is with slot 0.

@@ -7,6 +7,7 @@
 #include <charconv>
 
 #include "flow_words.h"
+#include "get_words.h"
 #include "host/chassis.h"
 #include "host/links.h"
 #include "line_words.h"
@@ -226,7 +227,7 @@ const CommandElement kEverywhere[] = {
 };
 const CommandElement kDebug = {"debug", debugCommand, "go to the debug level"};
 
-constexpr std::string_view kWords[] = {"help", "exit", "answer", "write", "trace", "chassis", "plot", "flow", "debug"};
+constexpr std::string_view kWords[] = {"help", "exit", "answer", "write", "trace", "chassis", "plot", "flow", "get", "debug"};
 // clang-format on
 
 bool equal(std::string_view typed, std::string_view word) {
@@ -250,9 +251,10 @@ int leave(Vty* vty, PlatformAction action) {
 void installPlatformWords() {
   for (const Level level : {Level::configuration, Level::debug})
     for (const auto elements :
-         {std::span<const CommandElement>(kEverywhere), lineWords(), portWords(), plotWords(), flowWords()})
+         {std::span<const CommandElement>(kEverywhere), lineWords(), portWords(), plotWords(), flowWords(), getWords()})
       for (const CommandElement& element : elements) install_element(platformNode(level), &element);
   install_element(platformNode(Level::configuration), &kDebug);
+  offerMessages();
 }
 
 bool isPlatformWord(std::string_view word) {

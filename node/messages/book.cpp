@@ -65,6 +65,8 @@ class BookReader {
     for (const Line& line : lines) {
       if (line.tokens.front().is("errors"))
         addErrors(message, line.under, 0);
+      else if (line.tokens.front().is("show"))
+        addShow(message, line);
       else if (!line.tokens.front().is("as"))
         addRoad(message, line);
     }
@@ -73,6 +75,12 @@ class BookReader {
       if (depth == kDeepest) line.bad("it is part of itself");
       addRoads(message, templates_.expand("frame", line), depth + 1);
     }
+  }
+
+  static void addShow(Message& message, const Line& line) {
+    if (line.tokens.size() != 2 || !line.tokens.back().quoted)
+      line.bad("the syntax of a command, in quotes, is needed");
+    message.shows.push_back(line.tokens.back().text);
   }
 
   void addRoad(Message& message, const Line& line) {

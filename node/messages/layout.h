@@ -110,6 +110,7 @@ struct Message {
   std::string name;
   std::string note;
   std::string file;
+  std::vector<std::string> shows;  // syntaxes of the commands that show what its GET answers
   Layout roads[kRoads];
   std::map<u16, Layout> details;  // of an error packet, by its code
 

@@ -242,6 +242,14 @@ std::vector<InstalledCommand> installedCommands() {
   return list;
 }
 
+bool addToHelp(std::string_view syntax, std::string_view text) {
+  Installed& commands = installed();
+  const std::unique_lock lock(commands.mutex);
+  bool added = false;
+  for (auto& [number, node] : commands.nodes) added = node.addToHelp(syntax, text) || added;
+  return added;
+}
+
 int runShowrun(Vty& vty) {
   std::vector<InstalledModule> modules;
   {

@@ -83,6 +83,8 @@ constexpr ParameterRow kRows[] = {
     {"<hex>",                         nothing,   "up to 73 bytes, in hexadecimal"},
 
     // help and debug
+    {"<message>",                     name,      "a message, by its name or number"},
+    {"<messageValue>",                nothing,   "a port: 1/5; or a value of the question: id=5, port[0].pvcIndex=1"},
     {"<word>",                        nothing,   "any part of a command or of its help"},
     {"<input>",                       nothing,   "an area as voice behind \"module\", func or buf behind \"level\", a message's number behind \"cmdid\""},
     {"<msgtype>",                     nothing,   "a message's number, decimal or 0x..."},

@@ -23,6 +23,13 @@ bool Node::add(Command command) {
   return true;
 }
 
+bool Node::addToHelp(std::string_view syntax, std::string_view text) {
+  const auto found = std::ranges::find_if(commands_, [&](const Command& one) { return one.syntax.text == syntax; });
+  if (found == commands_.end()) return false;
+  found->help += text;
+  return true;
+}
+
 void Node::index(u32 command) {
   const Syntax& syntax = commands_[command].syntax;
   bool anyWord = false;

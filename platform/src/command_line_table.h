@@ -24,6 +24,9 @@ class Node {
   // False if a command takes the same lines already.
   bool add(Command command);
 
+  // Puts a text behind the help of the command of this syntax. False if there is none.
+  bool addToHelp(std::string_view syntax, std::string_view text);
+
   const Command& command(u32 index) const { return commands_[index]; }
   std::size_t size() const { return commands_.size(); }
   std::size_t longestLine() const { return longestLine_; }  // in words

@@ -6,6 +6,7 @@
 #include <fstream>
 
 #include "host/chassis.h"
+#include "messages/layout.h"
 #include "operator.h"
 
 namespace {
@@ -95,6 +96,28 @@ TEST_F(Terminals, SayWhatWasExpected) {
   EXPECT_THAT(told("trac on"), StartsWith("0 trace, "));
   EXPECT_THAT(told("show runing"), StartsWith("5 running-config, "));
   EXPECT_THAT(told("show r"), Not(HasSubstr("the end of the line")));
+}
+
+TEST_F(Terminals, AskByName) {
+  EXPECT_THAT(existing("get adslA"), ElementsAre("adslAttachment"));
+  EXPECT_THAT(existing("get lineTes"), IsEmpty());  // it has no answer
+  std::string text;
+  EXPECT_TRUE(commands.run(terminal, "get CIDMODE --json", text).good());
+  EXPECT_EQ(text, "{\r\n  \"CIDMode\": \"fsk\"\r\n}\r\n");
+  EXPECT_EQ(run("get adslAttachment 1/2 9/9"), "refused: -3, the slot has no card (slot 9)\r\n");
+  EXPECT_EQ(run("get cidMode CIDMode=x=y 1/1"), "1/1: the message has no list of ports\r\n");
+}
+
+TEST_F(Terminals, NameTheGetBehindACommand) {
+  for (const messages::Message& message : messages::book().messages)
+    for (const std::string& syntax : message.shows) {
+      EXPECT_TRUE(message.find(messages::Road::getReply)) << message.name << " can't be asked for";
+      const auto all = host::installedCommands();
+      const auto command = std::ranges::find(all, syntax, &host::InstalledCommand::syntax);
+      ASSERT_NE(command, all.end()) << message.name << ": no command \"" << syntax << "\"";
+      EXPECT_THAT(command->help, MatchesRegex(".*[ (]" + message.name + "[,)].*"));
+    }
+  EXPECT_THAT(commands.suggest(terminal, "show rfc"), HasSubstr("DTMF relay (get rfc2833)\n"));
 }
 
 TEST_F(Terminals, HaveAHelpLineForEachParameter) {

@@ -75,6 +75,9 @@ struct InstalledCommand {
 };
 std::vector<InstalledCommand> installedCommands();
 
+// Puts a text behind the help of the command of this syntax, at each node that has it. False if none has.
+bool addToHelp(std::string_view syntax, std::string_view text);
+
 // Calls the showrun functions of the installed modules; the last one's result.
 int runShowrun(Vty& vty);
 
