@@ -84,3 +84,20 @@ void printBindings(Vty* vty, std::span<const PolicyBinding> bindings, const char
 // -1 when there is no port.
 int showrunPolicies(Vty* vty, const DataItem& item, std::span<const u16> types, PrintPolicies* print);
 int recoverPolicies(const DataItem& item, u16 slot);
+
+// --- Rows ---
+
+// What the rows of both items say: a request names ports and, with port 0, slots; a card is told what is stored.
+constexpr DataItem policyItem(DataItem item) {
+  item.work = Work::array;
+  item.minimum = 0;
+  item.wholeSlot = 0;
+  item.mostMessage = kMostPolicyMessage;
+  item.tellsStored = true;
+  item.checksReplay = true;
+  item.select = selectPolicyPlace;
+  item.report = reportPolicies;
+  item.sendFailed = untold;
+  item.option = 1;
+  return item;
+}

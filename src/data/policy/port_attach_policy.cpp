@@ -156,29 +156,19 @@ int res_port_plc_attach_cfg(u16 slot) {
 
 // --- Row ---
 
-constexpr DataItem portPolicy = {
+constexpr DataItem portPolicy = policyItem({
     .id = 2861,
     .stem = "port_plc_at",
     .attribute = kPortPolicyAttribute,
     .kept = kept<&PolicyRecord::rows>(),
     .objectTypes = kPolicyPortTypes,
-    .work = Work::array,
-    .minimum = 0,
-    .wholeSlot = 0,
     .encodedBytes = kMostPolicyMessage,
-    .mostMessage = kMostPolicyMessage,
-    .tellsStored = true,
-    .checksReplay = true,
     .parse = onRecord<parse>,
     .encode = onRecord<encode>,
     .answer = onRecord<answer>,
     .check = onRecord<check_port_plc_at_para_error>,
     .save = onRecord<save>,
     .get = onRecord<get>,
-    .select = selectPolicyPlace,
-    .report = reportPolicies,
-    .sendFailed = untold,
     .commands = commands,
     .message = setAndGet<portPolicy>(71716, "Set Port Attach Policy."),
-    .option = 1,
-};
+});

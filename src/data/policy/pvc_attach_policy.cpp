@@ -264,29 +264,19 @@ int res_pvc_plc_attach_cfg(u16 slot) {
 
 // --- Row ---
 
-constexpr DataItem pvcPolicy = {
+constexpr DataItem pvcPolicy = policyItem({
     .id = 2847,
     .stem = "pvc_plc_at",
     .attribute = kPvcPolicyAttribute,
     .kept = kept<&PolicyRecord::rows>(),
     .objectTypes = kPolicyPortTypes,
-    .work = Work::array,
-    .minimum = 0,
-    .wholeSlot = 0,
     .encodedBytes = kMostPolicyMessage,
-    .mostMessage = kMostPolicyMessage,
-    .tellsStored = true,
-    .checksReplay = true,
     .parse = onRecord<parse>,
     .encode = onRecord<encode>,
     .answer = onRecord<answer>,
     .check = onRecord<check_pvc_plc_at_para_error>,
     .save = onRecord<save>,
     .get = onRecord<get>,
-    .select = selectPolicyPlace,
-    .report = reportPolicies,
-    .sendFailed = untold,
     .commands = commands,
     .message = setAndGet<pvcPolicy>(563236, "SET Policy."),
-    .option = 1,
-};
+});
