@@ -22,6 +22,7 @@ struct Options {
   bool replay = false;
   bool explain = false;
   bool messages = false;
+  std::string capture;
 };
 
 std::string installedModule() {
@@ -46,7 +47,10 @@ void describe(CLI::App& app, Options& options) {
   auto* explain =
       app.add_flag("--explain", options.explain, "Print the record with the fields of each message below its line");
   auto* messages = app.add_flag("--messages", options.messages, "Hold each message against its description");
-  CLI::Option* const modes[] = {record, rewrite, sweep, replay, explain, messages};
+  auto* capture =
+      app.add_option("--capture", options.capture, "Write all messages into this file, for Wireshark (.pcapng)")
+          ->type_name("FILE");
+  CLI::Option* const modes[] = {record, rewrite, sweep, replay, explain, messages, capture};
   for (auto* const one : modes)
     if (one != rewrite && one != sweep) all->excludes(one);
   for (auto* const one : modes)
@@ -71,6 +75,7 @@ int run(const Options& options) {
   host::openLog(host::LogTo::nowhere);
   if (options.record) return scenario::recordFile(module, scenarios.front());
   if (options.explain) return scenario::explainFile(module, scenarios.front());
+  if (!options.capture.empty()) return scenario::captureFiles(module, scenarios, options.capture);
   if (options.messages) return scenario::holdFiles(module, scenarios);
   if (options.rewrite) return scenario::rewriteFiles(module, scenarios, options.all);
   if (options.sweep) return scenario::sweepFiles(module, scenarios, options.all);

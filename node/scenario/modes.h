@@ -34,6 +34,10 @@ int explainFile(const std::string& module, const Scenario& scenario);
 // manager.
 int holdFiles(const std::string& module, const std::vector<Scenario>& scenarios);
 
+// Plays files and writes their messages into a file for Wireshark, with what cards and voice side are told to answer
+// where it is told. A second is a directive.
+int captureFiles(const std::string& module, const std::vector<Scenario>& scenarios, const std::string& file);
+
 // Plays files and writes the records into them, where there are expectations that are not met; `all`: behind the
 // directives without expectations, too. Prints what it changed. Standard input goes to standard output.
 int rewriteFiles(const std::string& module, const std::vector<Scenario>& scenarios, bool all);

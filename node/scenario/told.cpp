@@ -33,7 +33,7 @@ bool readSent(std::string_view line, Told& told) {
   if (mark == std::end(kMarks)) return false;
   Arguments arguments(line.substr(mark->first.size()));
   const bool toCard = !mark->first.starts_with("ngn");
-  if (toCard) arguments.number("slot", 0, 65535);
+  if (toCard) told.slot = static_cast<u16>(arguments.number("slot", 0, 65535));
   told.road = mark->second;
   told.id = static_cast<u16>(arguments.number("id", 0, 65535));
   told.bytes = arguments.bytes();
@@ -52,7 +52,7 @@ bool readAnswer(std::string_view directive, Told& told) {
   Arguments arguments(directive.substr(7));
   static constexpr Road kRoads[] = {Road::gponAnswer, Road::geponAnswer, Road::ngnAnswer};
   told.road = kRoads[arguments.choice({"gpon", "gepon", "ngn"})];
-  if (told.road != Road::ngnAnswer) arguments.slot();
+  if (told.road != Road::ngnAnswer) told.slot = arguments.slot();
   told.id = arguments.id();
   told.bytes = arguments.bytes();
   return true;
@@ -89,8 +89,8 @@ void TellingReader::readManager(std::string_view directive, const std::vector<st
   const bool more = word == "set-more" || (isGet && std::ranges::find(record, "last 0") != record.end());
   if (more) return;
   const bool good = isSuccess(reply);
-  if (good) all.push_back({isGet ? messages::Road::get : messages::Road::set, id, request, Told::kDirective});
-  if (!reply.empty()) all.push_back({isGet ? messages::Road::getReply : messages::Road::setReply, id, reply, line});
+  if (good) all.push_back({isGet ? messages::Road::get : messages::Road::set, 0, id, request, Told::kDirective});
+  if (!reply.empty()) all.push_back({isGet ? messages::Road::getReply : messages::Road::setReply, 0, id, reply, line});
   request.clear();
   reply.clear();
 }

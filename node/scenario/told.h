@@ -15,6 +15,7 @@ namespace scenario {
 struct Told {
   static constexpr std::size_t kDirective = ~std::size_t{0};
   messages::Road road = messages::Road::set;
+  u16 slot = 0;
   u16 id = 0;
   std::vector<u8> bytes;
   std::size_t line = kDirective;  // of the record, else the directive itself is the message
