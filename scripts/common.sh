@@ -14,8 +14,8 @@ packagesFor() {
     build) echo g++ cmake ninja-build pkg-config liblmdb-dev libfmt-dev libspdlog-dev libedit-dev libcli11-dev \
                 libtomlplusplus-dev libsnmp-dev libsystemd-dev nlohmann-json3-dev ;;
     # snmp: managers' tools, iproute2: ss, gnuplot: what draws pictures,
-    # tshark: what shows captures.
-    test) echo libgtest-dev libgmock-dev snmp iproute2 gnuplot-nox tshark ;;
+    # tshark: what shows captures, prometheus: promtool.
+    test) echo libgtest-dev libgmock-dev snmp iproute2 gnuplot-nox tshark prometheus ;;
     check) echo clang-format-16 smitools ;;
     bench) echo libbenchmark-dev snmp snmpd ;;
     # The compiler, its fuzzing runtime, and what gives its traces names.

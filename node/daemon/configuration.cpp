@@ -284,6 +284,8 @@ Configuration Reader::read(const toml::table& table) const {
       configuration.module = told(file(key, value), value);
     else if (key == "log")
       log(key, value, configuration);
+    else if (key == "metrics")
+      configuration.metrics = told(file(key, value), value);
     else if (key == "slots")
       configuration.slots = slots(key, value);
     else if (key == "flow")
@@ -294,8 +296,9 @@ Configuration Reader::read(const toml::table& table) const {
       configuration.snmp = snmp(key, value);
     else
       fail(key.source(),
-           fmt::format("unknown key \"{}\": there are socket, startup, module, log, lines, flow, snmp and slots",
-                       key.str()));
+           fmt::format(
+               "unknown key \"{}\": there are socket, startup, module, log, metrics, lines, flow, snmp and slots",
+               key.str()));
   }
   return configuration;
 }

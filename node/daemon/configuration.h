@@ -31,6 +31,7 @@ struct Configuration {
   Told module;  // empty: ../lib/libmsan.so, seen from the program
   host::LogTo logTo = host::LogTo::standardError;
   Told logFile;
+  Told metrics;                          // a file; empty: nothing is counted
   std::vector<SlotConfiguration> slots;  // ascending
   std::vector<Told> lines;               // behind DSL ports: what stands behind "chassis" at the terminal
   std::vector<Told> flow;                // flow rules and policies: what stands behind "flow" at the terminal

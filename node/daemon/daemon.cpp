@@ -26,6 +26,8 @@
 #include "line_words.h"
 #include "listener.h"
 #include "messages/answer.h"
+#include "metrics.h"
+#include "metrics_file.h"
 #include "node.h"
 #include "note.h"
 #include "operator.h"
@@ -160,6 +162,11 @@ static void checkSocket(const Configuration& configuration) {
   blame<FileError>(configuration.socket, [&] { checkSocketPath(configuration.socket.value); });
 }
 
+static void checkMetrics(const Configuration& configuration) {
+  if (configuration.metrics.value.empty()) return;
+  blame<FileError>(configuration.metrics, [&] { checkReplacing(configuration.metrics.value); });
+}
+
 static node::Node loadNode(const Configuration& configuration) {
   return blame<node::LoadError>(configuration.module, [&] { return node::Node(configuration.module.value); });
 }
@@ -169,6 +176,7 @@ void checkDaemon(const Configuration& configuration) {
   // The log is not opened: what is only looked at must not appear.
   if (configuration.logTo == host::LogTo::file)
     blame<FileError>(configuration.logFile, [&] { checkAppending(configuration.logFile.value); });
+  checkMetrics(configuration);
   node::Node node = loadNode(configuration);
   Startup startup(configuration.startup);
   cards::DslCards dsl;
@@ -184,6 +192,7 @@ void runDaemon(const Configuration& configuration) {
   blame<std::system_error>(configuration.logFile,
                            [&] { host::openLog(configuration.logTo, configuration.logFile.value); });
   checkSocket(configuration);
+  checkMetrics(configuration);
   Listener listener(configuration.socket.value);
 
   Trace trace;
@@ -191,6 +200,8 @@ void runDaemon(const Configuration& configuration) {
   const host::CaptureOutput capture;
   cards::DslCards dsl;
   const Answering answering(dsl);
+  std::optional<Metrics> metrics;
+  if (!configuration.metrics.value.empty()) metrics.emplace();
   node::Node node = loadNode(configuration);
   for (const SlotConfiguration& slot : configuration.slots)
     if (const int result = node.authorise(slot.slot, *slot.card); result != 0)
@@ -214,6 +225,12 @@ void runDaemon(const Configuration& configuration) {
   listener.open();
   Server server(listener.descriptor(), door, commands);
   const Tracing tracing(trace, server);
+  std::optional<MetricsFile> metricsFile;
+  if (metrics) {
+    const auto page = [&] { return metrics->page(server.terminals()); };
+    commands.setMetrics(page);
+    blame<FileError>(configuration.metrics, [&] { metricsFile.emplace(configuration.metrics.value, page); });
+  }
   note(fmt::format("ready, serves {}", configuration.socket.value));
   sd_notify(0, "READY=1");
 

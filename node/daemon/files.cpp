@@ -143,6 +143,11 @@ void replaceFile(const std::string& path, std::string_view bytes) {
   if (fsync(folder.get()) != 0) throw FileError(path, "its folder can't be written to the disk", errno);
 }
 
+void checkReplacing(const std::string& path) {
+  const std::string folder = folderOf(behindLinks(path).string());
+  if (access(folder.c_str(), W_OK | X_OK) != 0) throw FileError(path, "its folder can't be written to", errno);
+}
+
 std::string keepAside(const std::string& path) {
   const std::filesystem::path target = behindLinks(path);
   std::error_code failed;

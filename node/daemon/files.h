@@ -24,6 +24,9 @@ void checkAppending(const std::string& path);
 // it was, unless it is the disk that failed behind the replacing. Removes what is unfinished, too.
 void replaceFile(const std::string& path, std::string_view bytes);
 
+// Throws FileError if the folder of a file to be replaced is not there, or can't be written to.
+void checkReplacing(const std::string& path);
+
 // Gives a file a further name beside its own, ahead of its replacing, or that name alone where it may have but one;
 // that name. Empty: it is no regular file. Throws FileError.
 std::string keepAside(const std::string& path);

@@ -1,6 +1,7 @@
 #pragma once
 // The operator's commands: the module's, and the platform's own words beside them.
 
+#include <functional>
 #include <string>
 #include <string_view>
 
@@ -25,6 +26,10 @@ class Operator : public Service {
   Startup& startup() { return startup_; }
   cards::DslCards& cards() { return cards_; }
 
+  // What "show metrics" prints; without it the node counts nothing.
+  void setMetrics(std::function<std::string()> page) { metrics_ = std::move(page); }
+  const std::function<std::string()>& metrics() const { return metrics_; }
+
  private:
   wire::Result runModuleLine(Terminal& terminal, std::string_view line, std::string& text);
   wire::Result answer(Terminal& terminal, bool yes, std::string& text);
@@ -34,6 +39,7 @@ class Operator : public Service {
   node::Node& node_;
   Startup& startup_;
   cards::DslCards& cards_;
+  std::function<std::string()> metrics_;
 };
 
 }  // namespace msand

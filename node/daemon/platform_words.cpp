@@ -34,6 +34,15 @@ int showRunning(const PlatformCall& call) {
   return missing.empty() ? 0 : failed(call, fmt::format("incomplete: {}", missing));
 }
 
+int showMetrics(const PlatformCall& call) {
+  if (call.node.metrics() == nullptr) return failed(call, "nothing is counted: the configuration names no file for it");
+  for (const char letter : call.node.metrics()()) {
+    if (letter == '\n') call.text += '\r';
+    call.text += letter;
+  }
+  return 0;
+}
+
 int write(const PlatformCall& call, bool force) {
   Startup& startup = call.node.startup();
   try {
@@ -162,6 +171,7 @@ int exitCommand(const CommandElement*, Vty* vty, int, char**) {
 }
 
 int showRunningCommand(const CommandElement*, Vty* vty, int, char**) { return leave(vty, showRunning); }
+int showMetricsCommand(const CommandElement*, Vty* vty, int, char**) { return leave(vty, showMetrics); }
 int writeCommand(const CommandElement*, Vty* vty, int argc, char**) {
   return leave(vty, [force = argc > 0](const PlatformCall& call) { return write(call, force); });
 }
@@ -216,6 +226,7 @@ const CommandElement kEverywhere[] = {
     {"help {[all|<word>]}*8", helpCommand, "the platform's words, all commands of this level, or those with these words"},
     {"exit", exitCommand, "back to the level above; from the first level: end the session"},
     {"show running-config", showRunningCommand, "the running configuration, as commands"},
+    {"show metrics", showMetricsCommand, "what the node counts, as it stands in its file of metrics"},
     {"write {[force]}*1", writeCommand, "make the running configuration the startup configuration"},
     {"answer [ask|yes|no]", answerCommand, "how questions of this session's commands are answered: by the next line, or so"},
     {"trace [on|full|hex|off]", traceCommand, "show every message that leaves the node: by name, with all fields, as bytes"},
@@ -228,6 +239,7 @@ const CommandElement kEverywhere[] = {
 const CommandElement kDebug = {"debug", debugCommand, "go to the debug level"};
 
 constexpr std::string_view kWords[] = {"help", "exit", "answer", "write", "trace", "chassis", "plot", "flow", "get", "debug"};
+constexpr std::string_view kShown[] = {"running-config", "metrics"};  // behind "show"
 // clang-format on
 
 bool equal(std::string_view typed, std::string_view word) {
@@ -267,8 +279,9 @@ bool isPlatformLine(std::string_view line) {
   const std::string_view first = takeWord(line);
   if (isPlatformWord(first)) return true;
   const std::string_view second = takeWord(line);
-  constexpr std::string_view kRunning = "running-config";
-  return equal(first, "show") && second.size() >= 3 && equal(second, kRunning.substr(0, second.size()));
+  return equal(first, "show") && second.size() >= 3 && std::ranges::any_of(kShown, [&](std::string_view ours) {
+           return equal(second, ours.substr(0, second.size()));
+         });
 }
 
 }  // namespace msand

@@ -1,8 +1,8 @@
 #pragma once
 // The platform's own words on the command line. They are read by the same grammar as the module's commands, at nodes
 // of their own. A line is the platform's when its first word is one of these, written out ("wr" will do for "write");
-// then the module is not asked. "show running-config" ("show run" for short) is the one line that begins with a word of
-// both.
+// then the module is not asked. "show running-config" ("show run" for short) and "show metrics" are the lines that
+// begin with a word of both.
 
 #include <functional>
 #include <span>

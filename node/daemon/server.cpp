@@ -109,6 +109,7 @@ void Server::run(int stop) {
     disconnectStalled();
     disconnectDeafest();
     std::erase_if(sessions_, [](const auto& entry) { return entry.second->gone; });
+    count_ = sessions_.size();
   }
   control(epoll_, EPOLL_CTL_DEL, stop, 0);
   door_.stop();

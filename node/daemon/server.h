@@ -40,6 +40,9 @@ class Server : public TraceSink {
   // Serves until `stop` is readable; then the door is stopped, and the terminals are told and disconnected.
   void run(int stop);
 
+  // That are served now; from any thread.
+  std::size_t terminals() const { return count_; }
+
   // A terminal traces; it is shown a line.
   bool wanted() const override { return traced_ != 0; }
   bool wanted(TraceForm form) const override { return (traced_ >> static_cast<int>(form) & 1) != 0; }
@@ -86,6 +89,7 @@ class Server : public TraceSink {
   Descriptor epoll_;
   Descriptor wake_;
   std::unordered_map<int, SessionPtr> sessions_;
+  std::atomic<std::size_t> count_ = 0;  // of them
   bool acceptPaused_ = false;
   std::chrono::steady_clock::time_point pausedAt_{};
 

@@ -126,12 +126,16 @@ int sendToCard(Link link, u16 slot, u16 id, const void* payload, u32 length) {
   told([=](Observer& observer) { observer.send(link, slot, id, bytesOf(payload, length)); });
   const int result = sendResult(Fault::cardSend, link, slot, id);
   if (result >= 0 && listener()) listener()(link, slot, id, bytesOf(payload, length));
+  passed({link, slot, id, false, length, result, {}});
   return result;
 }
 
 int askCard(Link link, u16 slot, u16 id, Bytes request, void* response, u32* responseLen) {
   told([=](Observer& observer) { observer.ask(link, slot, id, request); });
-  return exchangeResult(Fault::cardExchange, link, slot, id, request, response, responseLen);
+  const int result = exchangeResult(Fault::cardExchange, link, slot, id, request, response, responseLen);
+  passed({link, slot, id, true, static_cast<u32>(request.size()), result,
+          responseLen != nullptr ? bytesOf(response, *responseLen) : Bytes()});
+  return result;
 }
 
 }  // namespace

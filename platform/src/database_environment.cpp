@@ -113,6 +113,22 @@ void resetDatabase() {
   store::forgetHandlers();
 }
 
+DatabaseSize databaseSize() {
+  DatabaseSize size;
+  MDB_envinfo info{};
+  MDB_stat main{};
+  MDB_txn* txn = nullptr;
+  if (store::env == nullptr || mdb_env_info(store::env, &info) != 0) return size;
+  size.limit = info.me_mapsize;
+  if (mdb_txn_begin(store::env, nullptr, MDB_RDONLY, &txn) != 0) return size;
+  if (mdb_stat(txn, store::dbi, &main) == 0) {
+    size.entries = main.ms_entries;
+    size.used = (main.ms_branch_pages + main.ms_leaf_pages + main.ms_overflow_pages) * u64{main.ms_psize};
+  }
+  mdb_txn_abort(txn);
+  return size;
+}
+
 void limitDatabase(u32 bytes) {
   store::requireNoTransaction();
   if (store::env == nullptr) throw std::runtime_error("database: not opened");

@@ -3,6 +3,7 @@
 
 #include "host/faults.h"
 #include "host/observer.h"
+#include "host/watcher.h"
 
 namespace host {
 
@@ -15,6 +16,11 @@ int exchangeResult(Fault fault, Link link, u16 slot, u16 id, Bytes question, voi
 
 // As long as the card in the slot, or the voice side (0), is told to take over a message.
 void takeTime(u16 slot);
+
+// What became of a message, for the watcher.
+inline void passed(const WatchedMessage& message) {
+  if (Watcher* const to = watcher(); to != nullptr) to->message(message);
+}
 
 inline Bytes bytesOf(const void* data, u32 length) {
   return data != nullptr ? Bytes(static_cast<const u8*>(data), length) : Bytes();

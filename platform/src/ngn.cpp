@@ -9,13 +9,18 @@ using host::Observer;
 
 int writeNgnCmd(u16 id, i32, const void* data, u32 length, i32, i32, i32, i32) {
   host::told([=](Observer& observer) { observer.send(Link::ngn, 0, id, bytesOf(data, length)); });
-  return host::sendResult(Fault::ngnSend, Link::ngn, 0, id);
+  const int result = host::sendResult(Fault::ngnSend, Link::ngn, 0, id);
+  host::passed({Link::ngn, 0, id, false, length, result, {}});
+  return result;
 }
 
 int readNgnCmd(u16 id, i32, const void* request, u32 requestLen, void* response, u32* responseLen, i32, i32) {
   host::told([=](Observer& observer) { observer.ask(Link::ngn, 0, id, bytesOf(request, requestLen)); });
-  return host::exchangeResult(Fault::ngnExchange, Link::ngn, 0, id, bytesOf(request, requestLen), response,
-                              responseLen);
+  const int result =
+      host::exchangeResult(Fault::ngnExchange, Link::ngn, 0, id, bytesOf(request, requestLen), response, responseLen);
+  host::passed({Link::ngn, 0, id, true, requestLen, result,
+                responseLen != nullptr ? bytesOf(response, *responseLen) : host::Bytes()});
+  return result;
 }
 
 int send_ngn_voice_rtp_ip_by_slot(u16 slot) {

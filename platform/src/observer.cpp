@@ -6,6 +6,7 @@
 #include <stdexcept>
 #include <utility>
 
+#include "host/watcher.h"
 #include "platform/database.h"
 
 namespace host {
@@ -15,6 +16,8 @@ namespace {
 std::recursive_mutex mutex;
 std::atomic<Observer*> current{nullptr};
 thread_local int depth = 0;  // of calls to the observer on this thread
+
+std::atomic<Watcher*> theWatcher{nullptr};
 
 std::FILE* realOutput = nullptr;
 std::FILE* realError = nullptr;
@@ -44,6 +47,9 @@ void observe(Observer* observer) {
 }
 
 bool observed() { return current.load(std::memory_order_relaxed) != nullptr; }
+
+void watch(Watcher* watcher) { theWatcher = watcher; }
+Watcher* watcher() { return theWatcher.load(std::memory_order_acquire); }
 
 Observer* lockObserver() {
   mutex.lock();

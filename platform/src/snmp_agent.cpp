@@ -7,6 +7,7 @@
 
 #include "host/agent.h"
 #include "host/log.h"
+#include "host/watcher.h"
 #include "sanitizers.h"
 
 namespace {
@@ -60,6 +61,30 @@ struct Frame {
   i32 length = 0;
 };
 
+// Tells the watcher of a request, when its answer is complete.
+class Timed {
+ public:
+  Timed(u16 id, bool isSet, const host::Answer& answer)
+      : watcher_(host::watcher()), id_(id), isSet_(isSet), answer_(answer) {
+    if (watcher_ != nullptr) begin_ = Clock::now();
+  }
+  ~Timed() {
+    if (watcher_ == nullptr) return;
+    const auto reply = answer_.reply ? host::Bytes(*answer_.reply) : host::Bytes();
+    watcher_->request({id_, isSet_, answer_.result, reply, Clock::now() - begin_});
+  }
+  Timed(const Timed&) = delete;
+  Timed& operator=(const Timed&) = delete;
+
+ private:
+  using Clock = std::chrono::steady_clock;
+  host::Watcher* watcher_;
+  u16 id_;
+  bool isSet_;
+  const host::Answer& answer_;
+  Clock::time_point begin_;
+};
+
 std::optional<std::vector<u8>> takeReply(u16 id, const u8* reply, u32 length) {
   if (length == kNotSet) return std::nullopt;
   if (length > host::kReplyCapacity) {
@@ -107,6 +132,7 @@ Answer agentSet(u16 id, bool last, std::vector<u8>* bytes) {
   Answer answer;
   const Hooks current = agentHooks();
   if (current.write == nullptr) return answer;
+  const Timed timed(id, true, answer);
   const Frame frame(bytes);
   u8* const reply = freshReply();
   u32 length = kNotSet;
@@ -119,6 +145,7 @@ Answer agentGet(u16 id, std::vector<u8>* bytes) {
   Answer answer;
   const Hooks current = agentHooks();
   if (current.read == nullptr) return answer;
+  const Timed timed(id, false, answer);
   const Frame frame(bytes);
   u8* const reply = freshReply();
   u32 length = kNotSet;

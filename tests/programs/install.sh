@@ -35,7 +35,7 @@ done
 install "$folder/root" "$2" /usr
 expectMatch "of another prefix" "*Note: msand was built to look for $file*/etc/msan/msand.toml*" "$(cat "$folder/installed")"
 expect "the configuration of a node in /usr" yes "$([ -e "$folder/root/etc/msan/msand.toml" ] && echo yes)"
-for file in lib/libmsan.so bin/msan-frame share/wireshark/plugins/msan.lua share/snmp/mibs/MSAN-MIB.txt share/man/man8/msand.8 share/man/man1/msan-frame.1; do
+for file in lib/libmsan.so bin/msan-frame share/wireshark/plugins/msan.lua share/msan/grafana/msan.json share/snmp/mibs/MSAN-MIB.txt share/man/man8/msand.8 share/man/man1/msan-frame.1; do
   expect "$file in /usr" yes "$([ -e "$folder/root/usr/$file" ] && echo yes)"
 done
 exit $bad

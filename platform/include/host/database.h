@@ -20,6 +20,14 @@ void limitDatabase(u32 bytes);
 // schema: numbers decimal, texts quoted, bytes in the hex form of a scenario. False if there is no such table.
 bool listRows(const std::string& table, std::vector<std::string>& rows);
 
+// How large the database is: bytes on disk with all overhead, and what it may have; rows' entries and those of indexes.
+struct DatabaseSize {
+  u64 used = 0;
+  u64 limit = 0;
+  u64 entries = 0;
+};
+DatabaseSize databaseSize();
+
 // What is open now: connections and transactions. Both 0 when no request is under way.
 u32 openConnections();
 u32 openTransactions();
