@@ -41,6 +41,7 @@ class Reader {
   std::vector<SlotConfiguration> slots(const toml::key& key, const toml::node& value) const;
   const toml::table& table(const toml::key& key, const toml::node& value) const;
   const toml::array& array(const toml::key& key, const toml::node& value) const;
+  std::size_t mebibytes(const toml::key& key, const toml::node& value) const;
   std::vector<Told> texts(const toml::key& key, const toml::node& value) const;
   std::string plain(const toml::key& key, const toml::node& value) const;
   std::string name(const toml::key& key, const toml::node& value, std::size_t longest) const;
@@ -148,6 +149,14 @@ const toml::array& Reader::array(const toml::key& key, const toml::node& value) 
   const auto* array = value.as_array();
   if (array == nullptr) fail(value.source(), fmt::format("{} must be a list", key.str()));
   return *array;
+}
+
+std::size_t Reader::mebibytes(const toml::key& key, const toml::node& value) const {
+  constexpr i64 kMost = 2000;
+  const auto* number = value.as_integer();
+  if (number == nullptr || number->get() < 1 || number->get() > kMost)
+    fail(value.source(), fmt::format("{} must be a number of MiB, 1 to {}", key.str(), kMost));
+  return static_cast<std::size_t>(number->get()) << 20;
 }
 
 std::vector<Told> Reader::texts(const toml::key& key, const toml::node& value) const {
@@ -292,13 +301,17 @@ Configuration Reader::read(const toml::table& table) const {
       configuration.flow = texts(key, value);
     else if (key == "lines")
       configuration.lines = texts(key, value);
+    else if (key == "captures")
+      configuration.capture.folder = file(key, value);
+    else if (key == "capture-size")
+      configuration.capture.most = mebibytes(key, value);
     else if (key == "snmp")
       configuration.snmp = snmp(key, value);
     else
       fail(key.source(),
-           fmt::format(
-               "unknown key \"{}\": there are socket, startup, module, log, metrics, lines, flow, snmp and slots",
-               key.str()));
+           fmt::format("unknown key \"{}\": there are socket, startup, module, log, metrics, lines, flow, "
+                       "captures, capture-size, snmp and slots",
+                       key.str()));
   }
   return configuration;
 }

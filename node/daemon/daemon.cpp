@@ -14,6 +14,7 @@
 #include <system_error>
 
 #include "agent.h"
+#include "capture_file.h"
 #include "cards/dsl_cards.h"
 #include "descriptor.h"
 #include "door.h"
@@ -131,6 +132,21 @@ static std::optional<std::vector<u8>> answerPlainly(host::Link link, u16 slot, u
   return messages::plainAnswer(messages::book(), road, id, question);
 }
 
+static void captureAnswer(host::Link link, u16 slot, u16 id, host::Bytes bytes) {
+  using messages::Road;
+  captureFile().add(link == host::Link::gpon    ? Road::gponAnswer
+                    : link == host::Link::gepon ? Road::geponAnswer
+                                                : Road::ngnAnswer,
+                    slot, id, bytes);
+}
+
+static void setUpCaptures(const Configuration& configuration) {
+  CaptureSettings settings = configuration.capture;
+  if (settings.folder.empty())
+    settings.folder = (std::filesystem::path(configuration.startup).parent_path() / "captures").string();
+  captureFile().configure(std::move(settings));
+}
+
 // The other ends of the messages, as long as it lives: DSL cards tell of the lines behind their ports, all others
 // answer plainly.
 struct Answering {
@@ -139,7 +155,9 @@ struct Answering {
         [&dsl](host::Link link, u16 slot, u16 id, host::Bytes payload) { dsl.hear(link, slot, id, payload); });
     host::answerBy([&dsl](host::Link link, u16 slot, u16 id, host::Bytes question) {
       auto told = dsl.answer(link, slot, id, question);
-      return told ? told : answerPlainly(link, slot, id, question);
+      if (!told) told = answerPlainly(link, slot, id, question);
+      if (told) captureAnswer(link, slot, id, *told);
+      return told;
     });
   }
   ~Answering() {
@@ -220,6 +238,7 @@ void runDaemon(const Configuration& configuration) {
     agent.emplace(configuration.snmp, folder.string(), node.module());
     for (const std::string& address : configuration.snmp.listen) note("snmp: listens at " + address);
   }
+  setUpCaptures(configuration);
   // Behind what may fail: who sees the socket sees a node that stays.
   Door door;
   listener.open();

@@ -6,6 +6,7 @@
 #include <array>
 #include <charconv>
 
+#include "capture_file.h"
 #include "flow_words.h"
 #include "get_words.h"
 #include "host/chassis.h"
@@ -192,6 +193,14 @@ int traceCommand(const CommandElement*, Vty* vty, int, char** argv) {
   return leave(vty, [form](const PlatformCall& call) { return call.terminal.trace = form, 0; });
 }
 
+int traceFileCommand(const CommandElement*, Vty* vty, int argc, char** argv) {
+  return leave(vty, [name = std::string(argc == 0 ? "" : argv[0])](const PlatformCall& call) {
+    CaptureFile& file = captureFile();
+    call.text += (name.empty() ? file.state() : name == "off" ? file.end() : file.begin(name)) + "\r\n";
+    return 0;
+  });
+}
+
 int slotCardCommand(const CommandElement*, Vty* vty, int, char** argv) {
   return leave(vty, [slot = slotOf(argv[0]), name = std::string(argv[1])](const PlatformCall& call) {
     return setCard(call, slot, name);
@@ -230,6 +239,7 @@ const CommandElement kEverywhere[] = {
     {"write {[force]}*1", writeCommand, "make the running configuration the startup configuration"},
     {"answer [ask|yes|no]", answerCommand, "how questions of this session's commands are answered: by the next line, or so"},
     {"trace [on|full|hex|off]", traceCommand, "show every message that leaves the node: by name, with all fields, as bytes"},
+    {"trace file {<capture>}*1", traceFileCommand, "capture every message for Wireshark, up to capture-size (64 MiB) of msand.toml; off ends it"},
     {"chassis show", showChassisCommand, "slots and cards"},
     {"chassis slot <1-20> card <type>", slotCardCommand, "give a slot a card type, or none"},
     {"chassis slot <1-20> delay <0-60000>", slotDelayCommand, "milliseconds that the card takes over each message"},

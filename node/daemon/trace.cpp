@@ -4,6 +4,7 @@
 
 #include <utility>
 
+#include "capture_file.h"
 #include "hold.h"
 #include "host/agent.h"
 #include "host/hex.h"
@@ -21,7 +22,7 @@ void Trace::show(std::string_view line) {
 }
 
 void Trace::message(host::Link link, bool asks, u16 slot, u16 id, host::Bytes bytes) {
-  if (!wanted() && !holdsMessages()) return;
+  if (!wanted() && !holdsMessages() && !captureFile().wanted()) return;
   using messages::Road;
   static constexpr struct {
     const char* name;
@@ -31,6 +32,7 @@ void Trace::message(host::Link link, bool asks, u16 slot, u16 id, host::Bytes by
                 {"epon", Road::epon, Road::epon},
                 {"ngn", Road::ngn, Road::ngnAsk}};
   const auto& way = kLinks[static_cast<int>(link)];
+  captureFile().add(asks ? way.asked : way.sent, slot, id, bytes);
   holdMessage(asks ? way.asked : way.sent, id, bytes);
   if (!wanted()) return;
   const std::string place = link == host::Link::ngn ? "" : fmt::format(" {}", slot);

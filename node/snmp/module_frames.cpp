@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 
+#include "capture_file.h"
 #include "host/agent.h"
 
 namespace msand {
@@ -23,7 +24,9 @@ static bool isSuccess(const host::Answer& answer) {
 
 std::optional<std::vector<u8>> askModule(u16 id, const std::vector<u8>& area) {
   std::vector<u8> frame = frameOf(area);
+  captureFile().add(messages::Road::get, 0, id, frame);
   const host::Answer answer = host::agentGet(id, &frame);
+  if (answer.reply) captureFile().add(messages::Road::getReply, 0, id, *answer.reply);
   constexpr std::size_t kHead = kSuccess.size() + kEnvelope;
   if (!isSuccess(answer) || answer.reply->size() < kHead) return std::nullopt;
   return std::vector<u8>(answer.reply->begin() + kHead, answer.reply->end());
@@ -31,7 +34,10 @@ std::optional<std::vector<u8>> askModule(u16 id, const std::vector<u8>& area) {
 
 bool tellModule(u16 id, const std::vector<u8>& area) {
   std::vector<u8> frame = frameOf(area);
-  return isSuccess(host::agentSet(id, true, &frame));
+  captureFile().add(messages::Road::set, 0, id, frame);
+  const host::Answer answer = host::agentSet(id, true, &frame);
+  if (answer.reply) captureFile().add(messages::Road::setReply, 0, id, *answer.reply);
+  return isSuccess(answer);
 }
 
 }  // namespace msand

@@ -11,6 +11,7 @@
 #include <system_error>
 #include <utility>
 
+#include "captured_pieces.h"
 #include "hold.h"
 #include "host/chassis.h"
 #include "host/pool.h"
@@ -119,17 +120,21 @@ static void endCollection(u16 id) {
 }
 
 void ModuleRoad::askModule(Waiting& one) {
+  static CapturedPieces captured;
   ModuleRequest& request = one.request;
   const u32 refusals = host::poolRefusals();
   {
     const std::shared_lock gate(host::requestGate());
     if (one.ends) {
       endCollection(request.id);
+      captured.forget(request.id);
     } else if (one.set != nullptr) {
       one.set->perform();
     } else {
+      captured.addRequest(request);
       one.answer = request.column == kAnswer ? host::agentGet(request.id, &request.bytes)
                                              : host::agentSet(request.id, request.column == kFrame, &request.bytes);
+      captured.addAnswer(request, one.answer);
       if (holdsMessages()) holdAnswer(request, one.answer);
     }
   }

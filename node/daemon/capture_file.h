@@ -1,0 +1,49 @@
+#pragma once
+// The capture of this process: every message of the node, in a file for Wireshark, while "trace file" asks for it.
+
+#include <atomic>
+#include <mutex>
+#include <string>
+#include <utility>
+
+#include "descriptor.h"
+#include "messages/capture.h"
+
+namespace msand {
+
+struct CaptureSettings {
+  std::string folder;            // made when it is needed
+  std::size_t most = 64u << 20;  // bytes of a file
+};
+
+class CaptureFile {
+ public:
+  void configure(CaptureSettings settings) { settings_ = std::move(settings); }
+
+  // Begins with a file of this name, which replaces an older one; ends the one before. What to tell the operator.
+  // Throws FileError, and std::invalid_argument for a name that is none.
+  std::string begin(const std::string& name);
+  std::string end();
+  std::string state();
+
+  // From any thread:
+  bool wanted() const { return wanted_; }
+  void add(messages::Road road, u16 slot, u16 id, messages::Bytes bytes);
+
+ private:
+  void close(const std::string& why);
+  std::string told() const;
+
+  CaptureSettings settings_;
+  std::atomic<bool> wanted_{false};
+  std::mutex mutex_;  // what follows
+  std::string path_;
+  Descriptor file_;
+  std::string packet_;
+  std::size_t bytes_ = 0, messages_ = 0;
+  std::string ended_;  // why, if it was not the operator
+};
+
+CaptureFile& captureFile();
+
+}  // namespace msand
