@@ -20,8 +20,13 @@ Json tellBy(const messages::Layout* layout, const Request& request, messages::St
   Json values = Json::object();
   if (!request.from.empty()) values = Json::parse(request.from, nullptr, false);
   if (!values.is_object()) throw BadValue("the values are no JSON object");
-  if (layout != nullptr) messages::assign(*layout, request.words, strange, values);
-  return values;
+  if (layout == nullptr) return values;
+  try {
+    messages::assign(*layout, request.words, strange, values);
+    return values;
+  } catch (const Json::exception&) {  // a member of the text is a list where there is none, or the other way round
+    throw BadValue("the words do not fit what the JSON text has");
+  }
 }
 
 bool isRefusal(const Request& request, Road road, const std::vector<u8>& reply) {

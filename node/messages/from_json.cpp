@@ -281,6 +281,7 @@ class Encoder {
     const bool open = field.amount.source == Amount::kRest && field.width == 0;
     const i64 size = field.width != 0 ? field.width : open ? static_cast<i64>(own.size()) : valueOf(field.amount);
     if (size < static_cast<i64>(own.size())) bad(field, fmt::format("longer than {} bytes", size));
+    grow(field, size);
     to_.insert(to_.end(), own.begin(), own.end());
     to_.resize(to_.size() + static_cast<std::size_t>(size) - own.size());
   }
@@ -292,7 +293,7 @@ class Encoder {
     const bool open = field.amount.source == Amount::kRest;
     const i64 count = open ? static_cast<i64>(given) : valueOf(field.amount);
     if (static_cast<i64>(given) > count) bad(field, fmt::format("{} of them, not {}", given, count));
-    if (count > kMostItems) bad(field, fmt::format("{} of them", count));
+    grow(field, count);
     for (std::size_t i = 0; i < static_cast<std::size_t>(count); ++i) try {
         put(field.fields, i < given ? (*array)[i] : kNone, fmt::format("{}/{}/{}", path, field.name, i));
       } catch (const BadValue& error) {
@@ -300,7 +301,11 @@ class Encoder {
       }
   }
 
-  static constexpr i64 kMostItems = 1 << 20;  // more than any message has
+  // A length or a count that was told makes no message that is longer than any there is.
+  void grow(const Field& field, i64 by) {
+    constexpr i64 kMost = 16 << 20;
+    if (by > kMost - static_cast<i64>(to_.size())) bad(field, fmt::format("{} make the message too long", by));
+  }
 
   std::vector<i64> registers_;
   std::vector<u8> to_;

@@ -6,7 +6,7 @@
 #include "platform/objects.h"
 #include "standard_mib/ports.h"
 
-static constexpr int kEnd = -2, kPortAbove = -3, kBadDirection = -9, kNoDataCard = -102;
+static constexpr int kBadDirection = -9, kNoDataCard = -102;
 
 ServiceSlots::ServiceSlots() : known_(getServeSlots(slots_, &count_) == 0) {
   if (!known_) count_ = 0;
@@ -29,20 +29,12 @@ std::optional<u16> potsPortsOf(u16 slot) {
   return portsOf(card);
 }
 
-// The first slot of a data card behind one, in the order of the list.
-static int firstDataSlot(std::span<const u32> slots, u16* slot, u16* port) {
-  const auto found =
-      std::ranges::find_if(slots, [](u32 number) { return configuredDataCard(static_cast<u16>(number)) != 0; });
-  if (found == slots.end()) return kEnd;
-  *slot = static_cast<u16>(*found);
-  *port = 1;
-  return 0;
-}
+static bool isConfiguredDataCard(u16 slot) { return configuredDataCard(slot) != 0; }
 
 int std_snmp_first_dsl_port_get(u16* slot, u16* port) {
   if (slot == nullptr || port == nullptr) return kNullArgument;
   const ServiceSlots slots;
-  return slots ? firstDataSlot(slots.list(), slot, port) : kEnd;
+  return firstPortOf(slots.list(), isConfiguredDataCard, slot, port);
 }
 
 // The slot's own card must be there; of the next one it is enough that it is configured.
@@ -55,15 +47,7 @@ int std_snmp_next_dsl_port_get(u16* slot, u16* port) {
       ddGetBoardServePortAmountByType(static_cast<u16>(card), &ports) != 0 || ports == 0) {
     return kNoDataCard;
   }
-  if (*port > ports) return kPortAbove;
-  if (*port < ports) {
-    ++*port;
-    return 0;
-  }
-  const ServiceSlots slots;
-  const auto list = slots.list();
-  const auto here = std::ranges::find(list, *slot);
-  return here != list.end() ? firstDataSlot({here + 1, list.end()}, slot, port) : kEnd;
+  return nextPortOf(ports, isConfiguredDataCard, slot, port);
 }
 
 int std_snmp_get_data_port_type(u16 cardType, u16 port, u32* type) {

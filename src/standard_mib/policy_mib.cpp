@@ -9,7 +9,7 @@
 #include "platform/objects.h"
 #include "standard_mib/ports.h"
 
-static constexpr int kEnd = -2, kPortAbove = -3, kNoVdslCard = -102;
+static constexpr int kNoVdslCard = -102;
 static constexpr u16 kVdslPort = 56, kDsl16Port = 621;
 static constexpr u16 kPacketMode = 3;  // in which a line of dsl16 would have PVCs
 
@@ -107,33 +107,16 @@ int std_snmp_get_pvc_downstream_policy_attach(u16 slot, u16 port, u16 pvc, char*
 
 // --- The walk over the ports of VDSL cards ---
 
-static int firstVdslPort(std::span<const u32> slots, u16* slot, u16* port) {
-  const auto found = std::ranges::find_if(slots, [](u32 number) { return isVdslCard(static_cast<u16>(number)); });
-  if (found == slots.end()) return kEnd;
-  *slot = static_cast<u16>(*found);
-  *port = 1;
-  return 0;
-}
-
 int std_snmp_first_policy_port_get(u16* slot, u16* port) {
   if (slot == nullptr || port == nullptr) return kNullArgument;
   const ServiceSlots slots;
-  return firstVdslPort(slots.list(), slot, port);
+  return firstPortOf(slots.list(), isVdslCard, slot, port);
 }
 
 int std_snmp_next_policy_port_get(u16* slot, u16* port) {
   if (slot == nullptr || port == nullptr) return kNullArgument;
   const u16 ports = isVdslCard(*slot) ? dataPorts(*slot) : u16{0};
-  if (ports == 0) return kNoVdslCard;
-  if (*port > ports) return kPortAbove;
-  if (*port < ports) {
-    ++*port;
-    return 0;
-  }
-  const ServiceSlots slots;
-  const auto list = slots.list();
-  const auto here = std::ranges::find(list, *slot);
-  return here != list.end() ? firstVdslPort({here + 1, list.end()}, slot, port) : kEnd;
+  return ports != 0 ? nextPortOf(ports, isVdslCard, slot, port) : kNoVdslCard;
 }
 
 int std_snmp_policy_first_port_get(u16* slot, u16* port) {
