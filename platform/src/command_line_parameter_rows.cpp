@@ -69,7 +69,6 @@ constexpr ParameterRow kRows[] = {
 
     // flow rules and policies
     {"rule <name>",                   rule,      "a flow rule's name"},
-    {"<rulename>",                    rule,      "a flow rule's name"},
     {"<upPId>",                       policyId,  "the policy of what the port sends, 0 for none"},
     {"<upRId>",                       ruleId,    "the rule of what the port sends"},
     {"<downPId>",                     policyId,  "the policy of what the port is sent, 0 for none"},

@@ -3,8 +3,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <fstream>
-
 #include "host/chassis.h"
 #include "messages/layout.h"
 #include "operator.h"
@@ -123,8 +121,6 @@ TEST_F(Terminals, NameTheGetBehindACommand) {
 TEST_F(Terminals, HaveAHelpLineForEachParameter) {
   std::vector<std::string> syntaxes;
   for (const host::InstalledCommand& command : host::installedCommands()) syntaxes.push_back(command.syntax);
-  std::ifstream file(MSAN_UNIT_DATA "/command_syntaxes.txt");
-  for (std::string line; std::getline(file, line);) syntaxes.push_back(line.substr(line.find(' ') + 1));
   constexpr const char* kTable = "platform/src/command_line_parameter_rows.cpp";
   for (const std::string& syntax : syntaxes)
     for (const host::ParameterHelp& one : host::parameterHelp(syntax))

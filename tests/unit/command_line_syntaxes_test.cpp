@@ -86,12 +86,17 @@ std::string upperCase(std::string text) {
 class NodeCommands : public CommandLine {
  protected:
   NodeCommands() {
-    std::ifstream file(MSAN_UNIT_DATA "/command_syntaxes.txt");
-    for (std::string line; std::getline(file, line);) {
-      const int node = std::stoi(line);
-      commands_.emplace_back(node, line.substr(line.find(' ') + 1));
-      EXPECT_EQ(0, install(node, commands_.back().second, std::to_string(commands_.size()))) << line;
-    }
+    std::ifstream file(MSAN_UNIT_DATA "/catalogue.txt");
+    constexpr std::string_view kCommand = "command ";
+    for (std::string line; std::getline(file, line);)
+      if (line.starts_with(kCommand)) add(line.substr(kCommand.size()));
+    add("50 set adsl interface <ifStr> [selt|delt] test [start|stop]");  // which the node installs
+  }
+
+  void add(const std::string& line) {
+    const int node = std::stoi(line);
+    commands_.emplace_back(node, line.substr(line.find(' ') + 1));
+    EXPECT_EQ(0, install(node, commands_.back().second, std::to_string(commands_.size()))) << line;
   }
 
   // The arguments of the command that a line runs.
