@@ -96,13 +96,7 @@ Action readCard(Arguments& arguments) {
 
 void runLine(Stage& stage, int node, const std::string& line, Outcome& outcome) {
   Vty& vty = stage.terminal = {};
-  const host::LineOutcome ran = host::runLine(vty, node, line);
-  outcome.terminal = std::move(vty.text);
-  outcome.question = vty.question;
-  if (ran.result == host::LineResult::ran)
-    outcome.result(ran.returned);
-  else
-    outcome.lines.push_back(fmt::format("= {}", host::wordsOf(ran.result)));
+  outcome.ran(vty, host::runLine(vty, node, line));
 }
 
 Action readLine(Arguments& arguments, int node) {
@@ -168,17 +162,11 @@ Frame readFrame(Arguments& arguments) {
   return arguments.bytes();
 }
 
-void recordReply(const host::Answer& answer, Outcome& outcome) {
-  outcome.lines.push_back(answer.reply ? "reply " + host::hexText(*answer.reply) : "reply none");
-}
-
 Action readSet(u16 id, bool last, Frame frame) {
   return [id, last, frame = std::move(frame)](Stage& stage, Outcome& outcome) {
     Frame written = frame;
     if (!last) stage.setIds.insert(id);
-    const host::Answer answer = host::agentSet(id, last, written ? &*written : nullptr);
-    recordReply(answer, outcome);
-    outcome.result(answer.result);
+    outcome.setAnswered(host::agentSet(id, last, written ? &*written : nullptr));
   };
 }
 
@@ -186,10 +174,7 @@ Action readGet(u16 id, Frame frame) {
   return [id, frame = std::move(frame)](Stage& stage, Outcome& outcome) {
     Frame written = frame;
     stage.getIds.insert(id);
-    const host::Answer answer = host::agentGet(id, written ? &*written : nullptr);
-    recordReply(answer, outcome);
-    outcome.lines.push_back(fmt::format("last {}", answer.last));
-    outcome.result(answer.result);
+    outcome.getAnswered(host::agentGet(id, written ? &*written : nullptr));
   };
 }
 

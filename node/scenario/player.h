@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "node.h"
+#include "outcome.h"
 #include "recorder.h"
 
 namespace scenario {
@@ -19,18 +20,6 @@ struct Stage {
   Vty terminal;         // the operator's, with the question that its last command left open
   u64 poolMark = 0;
   std::set<u16> setIds, getIds;  // messages of which a SET or a GET in pieces may be unfinished
-};
-
-// What a directive gave besides its events, in the order of the record.
-struct Outcome {
-  std::string terminal;
-  std::string question;
-  std::vector<std::string> lines;
-  bool available = true;
-
-  void result(int code);
-  // What the directive is about does not exist in this node.
-  void notAvailable(std::string_view why);
 };
 
 using Action = std::function<void(Stage&, Outcome&)>;

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <array>
 #include <cstring>
+#include <stdexcept>
 #include <type_traits>
 #include <utility>
 
@@ -236,16 +237,52 @@ std::string outLine(const Parameter& parameter, const std::vector<u8>& value) {
   return fmt::format("out {}=\"{}\"", parameter.name, logText(std::string(value.begin(), end)));
 }
 
+// What a call that succeeded has written.
+void recordOuts(const Function& function, const Values& values, int result, std::vector<std::string>& lines) {
+  for (std::size_t i = 0; i < function.count && result >= 0; ++i)
+    if (function.parameters[i].out) lines.push_back(outLine(function.parameters[i], values[i]));
+}
+
 void call(const Function& function, Values values, Stage& stage, Outcome& outcome) {
   void* const exported = stage.node.module().exported(std::string(function.name));
   if (exported == nullptr) return outcome.notAvailable(fmt::format("the module exports no {}", function.name));
   const int result = function.call(exported, values);
-  for (std::size_t i = 0; i < function.count && result >= 0; ++i)
-    if (function.parameters[i].out) outcome.lines.push_back(outLine(function.parameters[i], values[i]));
+  recordOuts(function, values, result, outcome.lines);
   outcome.result(result);
 }
 
+// The bytes of an argument, as they would have been read and are written.
+std::vector<u8> valueOf(const Parameter& parameter, const StdArgument& argument) {
+  const auto* const bytes = static_cast<const u8*>(argument.at != nullptr ? argument.at : &argument.number);
+  const bool isText = argument.at != nullptr && parameter.form == Form::text;
+  std::size_t size = argument.at != nullptr ? parameter.size : sizeof argument.number;
+  if (isText && parameter.in) size = std::strlen(static_cast<const char*>(argument.at)) + 1;
+  return {bytes, bytes + size};
+}
+
+std::string wordOf(const Parameter& parameter, const std::vector<u8>& value) {
+  if (parameter.form != Form::number)
+    return host::hexText(std::span(value).first(value.size() - (parameter.form == Form::text ? 1 : 0)));
+  i64 number = 0;
+  std::memcpy(&number, value.data(), std::min(sizeof number, value.size()));
+  return fmt::format("{}", number);
+}
+
 }  // namespace
+
+ToldStd tellStd(std::string_view name, std::span<const StdArgument> arguments, int result) {
+  const auto* const function = std::ranges::find(kFunctions, name, &Function::name);
+  if (function == std::end(kFunctions) || arguments.size() != function->count)
+    throw std::invalid_argument(fmt::format("no function {} of {} arguments", name, arguments.size()));
+  ToldStd told{fmt::format("std {}", name), {}};
+  Values values;
+  for (std::size_t i = 0; i < function->count; ++i) {
+    values[i] = valueOf(function->parameters[i], arguments[i]);
+    if (function->parameters[i].in) told.directive += ' ' + wordOf(function->parameters[i], values[i]);
+  }
+  recordOuts(*function, values, result, told.lines);
+  return told;
+}
 
 Action readStd(Arguments& arguments) {
   const std::string name(arguments.word("name of a function"));
