@@ -1,13 +1,8 @@
 #include "capture_file.h"
 
-#include <fcntl.h>
 #include <fmt/format.h>
-#include <unistd.h>
 
-#include <algorithm>
 #include <cerrno>
-#include <filesystem>
-#include <stdexcept>
 #include <system_error>
 #include <utility>
 
@@ -17,39 +12,13 @@
 namespace msand {
 
 static constexpr std::string_view kEnding = ".pcapng";
-static constexpr std::size_t kLongestName = 100;
-
-// Without folders and without a dot ahead, so that nothing else can be replaced.
-static void checkName(std::string_view name) {
-  const auto plain = [](char letter) {
-    return (letter >= 'a' && letter <= 'z') || (letter >= 'A' && letter <= 'Z') || (letter >= '0' && letter <= '9') ||
-           letter == '-' || letter == '_' || letter == '.';
-  };
-  if (name.size() <= kEnding.size() || name.size() > kLongestName || !name.ends_with(kEnding) ||
-      name.starts_with('.') || !std::ranges::all_of(name, plain))
-    throw std::invalid_argument("a capture's name is of letters, digits, - _ and dots, and ends with .pcapng");
-}
-
-// False, with errno: not all of it.
-static bool writeAll(const Descriptor& file, std::string_view bytes) {
-  while (!bytes.empty()) {
-    const ssize_t written = ::write(file.get(), bytes.data(), bytes.size());
-    if (written < 0 && errno == EINTR) continue;
-    if (written < 0) return false;
-    bytes.remove_prefix(static_cast<std::size_t>(written));
-  }
-  return true;
-}
 
 std::string CaptureFile::begin(const std::string& name) {
-  checkName(name);
+  checkFileName(name, kEnding, "a capture");
   end();
-  std::error_code failed;
-  std::filesystem::create_directories(settings_.folder, failed);
-  const std::string path = (std::filesystem::path(settings_.folder) / name).string();
-  Descriptor file(open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK, 0640));
+  Descriptor file;
+  const std::string path = newFile(settings_.folder, name, file);
   const std::string head = messages::captureHead();
-  if (!file) throw FileError(path, "can't be written", errno);
   if (!writeAll(file, head)) throw FileError(path, "can't be written", errno);
   const std::lock_guard lock(mutex_);
   path_ = path;

@@ -1,19 +1,19 @@
 #include "files.h"
 
 #include <fcntl.h>
+#include <fmt/format.h>
 #include <stdio.h>
 #include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdlib>
 #include <filesystem>
 #include <system_error>
 #include <utility>
 #include <vector>
-
-#include "descriptor.h"
 
 namespace msand {
 
@@ -46,6 +46,16 @@ std::string readFile(const std::string& path, std::size_t limit) {
   }
   bytes.resize(filled);
   return bytes;
+}
+
+bool writeAll(const Descriptor& file, std::string_view bytes) {
+  while (!bytes.empty()) {
+    const ssize_t written = ::write(file.get(), bytes.data(), bytes.size());
+    if (written < 0 && errno == EINTR) continue;
+    if (written < 0) return false;
+    bytes.remove_prefix(static_cast<std::size_t>(written));
+  }
+  return true;
 }
 
 void checkAppending(const std::string& path) {
@@ -107,12 +117,7 @@ class Unfinished {
   Unfinished& operator=(const Unfinished&) = delete;
 
   void write(std::string_view bytes, mode_t mode) {
-    while (!bytes.empty()) {
-      const ssize_t written = ::write(file_.get(), bytes.data(), bytes.size());
-      if (written < 0 && errno == EINTR) continue;
-      if (written < 0) throw FileError(path_, "can't be written", errno);
-      bytes.remove_prefix(static_cast<std::size_t>(written));
-    }
+    if (!writeAll(file_, bytes)) throw FileError(path_, "can't be written", errno);
     if (fchmod(file_.get(), mode) != 0) throw FileError(path_, "can't be given its mode", errno);
     if (fsync(file_.get()) != 0) throw FileError(path_, "can't be written to the disk", errno);
   }
@@ -160,6 +165,27 @@ std::string keepAside(const std::string& path) {
       return aside;
     if (errno != EEXIST) throw FileError(path, "can't be kept under another name", errno);
   }
+}
+
+void checkFileName(std::string_view name, std::string_view ending, std::string_view what) {
+  constexpr std::size_t kLongestName = 100;
+  const auto plain = [](char letter) {
+    return (letter >= 'a' && letter <= 'z') || (letter >= 'A' && letter <= 'Z') || (letter >= '0' && letter <= '9') ||
+           letter == '-' || letter == '_' || letter == '.';
+  };
+  if (name.size() <= ending.size() || name.size() > kLongestName || !name.ends_with(ending) || name.starts_with('.') ||
+      !std::ranges::all_of(name, plain))
+    throw std::invalid_argument(
+        fmt::format("{}'s name is of letters, digits, - _ and dots, and ends with {}", what, ending));
+}
+
+std::string newFile(const std::string& folder, const std::string& name, Descriptor& file) {
+  std::error_code failed;
+  std::filesystem::create_directories(folder, failed);
+  const std::string path = (std::filesystem::path(folder) / name).string();
+  file = Descriptor(open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK, 0640));
+  if (!file) throw FileError(path, "can't be written", errno);
+  return path;
 }
 
 }  // namespace msand

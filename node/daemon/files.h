@@ -5,6 +5,8 @@
 #include <string>
 #include <string_view>
 
+#include "descriptor.h"
+
 namespace msand {
 
 // A file that can't be read or written; `code` is the errno, 0 if the system is not to blame.
@@ -30,6 +32,17 @@ void checkReplacing(const std::string& path);
 // Gives a file a further name beside its own, ahead of its replacing, or that name alone where it may have but one;
 // that name. Empty: it is no regular file. Throws FileError.
 std::string keepAside(const std::string& path);
+
+// Throws std::invalid_argument for the name of `what` (a word with its article) that is not plain: without folders and
+// without a dot ahead, so that nothing else can be replaced.
+void checkFileName(std::string_view name, std::string_view ending, std::string_view what);
+
+// An empty file of this name, opened for writing, in the place of an older one; the folder is made if it is not there.
+// Its path. Throws FileError.
+std::string newFile(const std::string& folder, const std::string& name, Descriptor& file);
+
+// False, with errno: not all of it is written.
+bool writeAll(const Descriptor& file, std::string_view bytes);
 
 // Removes what replaceFile has left beside this file when its process was killed.
 void removeUnfinished(const std::string& path);
