@@ -34,6 +34,7 @@
 #include "operator.h"
 #include "running_configuration.h"
 #include "server.h"
+#include "session_record.h"
 #include "trace.h"
 
 namespace msand {
@@ -71,10 +72,45 @@ static void allowManyTerminals() {
   setrlimit(RLIMIT_NOFILE, &limit);
 }
 
-// The observer of the process, as long as it lives.
-struct Observing {
-  explicit Observing(host::Observer& observer) { host::observe(&observer); }
-  ~Observing() { host::observe(nullptr); }
+// The trace sees what leaves the module, and a record of the session, as long as it lives.
+class Observing : public host::Observer {
+ public:
+  explicit Observing(Trace& trace) : trace_(trace) { host::observe(this); }
+  ~Observing() override { host::observe(nullptr); }
+
+  void send(host::Link link, u16 slot, u16 id, host::Bytes payload) override {
+    tell([&](host::Observer& one) { one.send(link, slot, id, payload); });
+  }
+  void ask(host::Link link, u16 slot, u16 id, host::Bytes request) override {
+    tell([&](host::Observer& one) { one.ask(link, slot, id, request); });
+  }
+  void crc(u16 slot, u16 id, int origin) override {
+    tell([&](host::Observer& one) { one.crc(slot, id, origin); });
+  }
+  void rtpIp(u16 slot) override {
+    tell([&](host::Observer& one) { one.rtpIp(slot); });
+  }
+  void job(std::string_view text) override {
+    tell([&](host::Observer& one) { one.job(text); });
+  }
+  void voiceMode(u32 old, u32 wanted, u32 flag) override {
+    tell([&](host::Observer& one) { one.voiceMode(old, wanted, flag); });
+  }
+  void log(i32 severity, std::string_view text) override {
+    tell([&](host::Observer& one) { one.log(severity, text); });
+  }
+  void out(std::string_view text) override {
+    tell([&](host::Observer& one) { one.out(text); });
+  }
+
+ private:
+  template <class Tell>
+  void tell(Tell tell) {
+    tell(trace_);
+    if (sessionRecord().wanted()) tell(sessionRecord().observer());
+  }
+
+  Trace& trace_;
 };
 
 // The trace goes to the server's terminals, as long as it lives.
@@ -144,6 +180,7 @@ static void setUpCaptures(const Configuration& configuration) {
   CaptureSettings settings = configuration.capture;
   if (settings.folder.empty())
     settings.folder = (std::filesystem::path(configuration.startup).parent_path() / "captures").string();
+  sessionRecord().configure({settings.folder, settings.most});
   captureFile().configure(std::move(settings));
 }
 
@@ -157,6 +194,7 @@ struct Answering {
       auto told = dsl.answer(link, slot, id, question);
       if (!told) told = answerPlainly(link, slot, id, question);
       if (told) captureAnswer(link, slot, id, *told);
+      if (told) sessionRecord().answered(link, slot, id, *told);
       return told;
     });
   }

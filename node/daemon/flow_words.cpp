@@ -4,14 +4,15 @@
 
 #include <algorithm>
 #include <charconv>
-#include <shared_mutex>
 #include <string>
 #include <string_view>
 
 #include "host/chassis.h"
 #include "host/flow_store.h"
+#include "host/hex.h"
 #include "platform/tables.h"
 #include "platform_words.h"
+#include "session_record.h"
 
 namespace msand {
 
@@ -67,11 +68,12 @@ int show(const PlatformCall& call) {
 
 // A rule or a policy: how it is removed, and where in a binding its number stands.
 struct Flow {
+  const char* word;
   host::FlowRemoval (*remove)(i16 id);
   std::size_t up, down;
 };
-constexpr Flow kPolicy{host::removeFlowPolicy, 0, 1};
-constexpr Flow kRule{host::removeFlowRule, 2, 3};
+constexpr Flow kPolicy{"policy", host::removeFlowPolicy, 0, 1};
+constexpr Flow kRule{"rule", host::removeFlowRule, 2, 3};
 
 // Whether what is stored of a PVC names the flow in one of its bindings: the PVC, their count, four numbers of each.
 bool names(std::span<const u16> stored, const Flow& flow, u16 id) {
@@ -126,6 +128,10 @@ int nameTooLong(Vty* vty) {
   });
 }
 
+std::string recordedFlow(const char* word, i16 id, const std::string& name, host::Bytes bytes) {
+  return fmt::format("flow-{} {} {} {}", word, id, name, host::hexText(bytes));
+}
+
 int ruleCommand(const CommandElement*, Vty* vty, int argc, char** argv) {
   const std::string name = argv[1];
   if (name.size() > kFlowName) return nameTooLong(vty);
@@ -141,6 +147,10 @@ int ruleCommand(const CommandElement*, Vty* vty, int argc, char** argv) {
     });
   }
   return leave(vty, [=, id = numberOf<i16>(argv[0])](const PlatformCall&) {
+    const Turn turn;
+    const Doing doing([&] {
+      return recordedFlow("rule", id, name, {reinterpret_cast<const u8*>(&rule), sizeof rule});
+    });
     host::setFlowRule(id, name, rule);
     return 0;
   });
@@ -153,6 +163,8 @@ int policyCommand(const CommandElement*, Vty* vty, int argc, char** argv) {
   if (argc > 2 && !readHex(argv[2], std::span(pack).subspan(kPackHead)))
     return leave(vty, [](const PlatformCall& call) { return refuse(call, "up to 146 hexadecimal digits"); });
   return leave(vty, [=, id = numberOf<i16>(argv[0])](const PlatformCall&) {
+    const Turn turn;
+    const Doing doing([&] { return recordedFlow("policy", id, name, pack); });
     host::setFlowPolicy(id, name, pack);
     return 0;
   });
@@ -162,8 +174,11 @@ int policyCommand(const CommandElement*, Vty* vty, int argc, char** argv) {
 template <const Flow& flow>
 int removeCommand(const CommandElement*, Vty* vty, int, char** argv) {
   return leave(vty, [id = numberOf<i16>(argv[0])](const PlatformCall& call) {
-    const std::shared_lock request(host::requestGate());
-    return tell(call, flow, id, flow.remove(id));
+    const Turn turn;
+    Doing doing([&] { return fmt::format("flow-{} {} delete", flow.word, id); });
+    const host::FlowRemoval removal = flow.remove(id);
+    doing.outcome([&](scenario::Outcome& told) { told.result(removal == host::FlowRemoval::removed ? 0 : -1); });
+    return tell(call, flow, id, removal);
   });
 }
 

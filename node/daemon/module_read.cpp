@@ -3,10 +3,9 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <shared_mutex>
 
-#include "host/agent.h"
-#include "host/chassis.h"
+#include "recorded_frames.h"
+#include "session_record.h"
 
 namespace msand {
 
@@ -43,10 +42,10 @@ std::string reasonOf(const Decoded& error) {
 
 std::vector<u8> readModule(u16 id, const std::vector<u8>& question) {
   std::vector<u8> all;
-  const std::shared_lock request(host::requestGate());
+  const Turn turn;
   for (int piece = 0; piece < kMostPieces; ++piece) {
     std::vector<u8> frame = question;
-    const host::Answer answer = host::agentGet(id, &frame);
+    const host::Answer answer = recordedGet(id, frame);
     if (answer.reply) all.insert(all.end(), answer.reply->begin(), answer.reply->end());
     if (answer.last != 0 || !answer.reply || answer.reply->empty()) break;
   }

@@ -1,12 +1,14 @@
 #include "operator.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <exception>
-#include <shared_mutex>
 #include <utility>
 #include <vector>
 
 #include "platform_words.h"
+#include "session_record.h"
 
 namespace msand {
 
@@ -25,17 +27,35 @@ static wire::Result resultOf(host::LineOutcome outcome) {
 }
 static wire::Result ran(int returned) { return resultOf({host::LineResult::ran, returned}); }
 
+// A backslash at its end would join the next line.
+static std::string recordedLine(Level level, std::string_view line) {
+  std::string directive =
+      level == Level::debug ? fmt::format("cli@{} {}", DEBUG_NODE, line) : fmt::format("cli {}", line);
+  if (directive.ends_with('\\')) directive += ' ';
+  return directive;
+}
+
+// Where another line came between the question and its answer, a player has to be asked once more.
+static std::string recordedAnswer(std::string_view asking, bool yes) {
+  const std::string answer = yes ? "confirm yes" : "confirm no";
+  return sessionRecord().lastLine() == asking ? answer : fmt::format("{}\n{}", asking, answer);
+}
+
 wire::Result Operator::runModuleLine(Terminal& terminal, std::string_view line, std::string& text) {
   Vty vty;
   wire::Result result;
   {
-    const std::shared_lock request(host::requestGate());
-    result = resultOf(host::runLine(vty, moduleNode(terminal.level), line));
+    const Turn turn;
+    Doing doing([&] { return recordedLine(terminal.level, line); });
+    const host::LineOutcome outcome = host::runLine(vty, moduleNode(terminal.level), line);
+    doing.outcome([&](scenario::Outcome& told) { told.ran(vty, outcome); });
+    result = resultOf(outcome);
   }
   text += vty.text;
   if (vty.yes == nullptr) return result;
   terminal.question = vty.question;
   terminal.yes = vty.yes;
+  if (sessionRecord().wanted()) terminal.asking = recordedLine(terminal.level, line);
   if (terminal.answers != Answers::asked) return answer(terminal, terminal.answers == Answers::yes, text);
   return {.outcome = wire::kAsks};
 }
@@ -46,8 +66,13 @@ wire::Result Operator::answer(Terminal& terminal, bool yes, std::string& text) {
   text += std::exchange(terminal.question, {}) + (yes ? "yes\r\n" : "no\r\n");
   int returned = 0;
   {
-    const std::shared_lock request(host::requestGate());
+    const Turn turn;
+    Doing doing([&] { return recordedAnswer(terminal.asking, yes); });
     returned = host::answerQuestion(vty, yes);
+    doing.outcome([&](scenario::Outcome& told) {
+      told.terminal = vty.text;
+      told.result(returned);
+    });
   }
   text += vty.text;
   return ran(returned);
@@ -112,7 +137,7 @@ std::string Operator::suggest(const Terminal& terminal, std::string_view line) {
   const std::string_view first = line.substr(begin, end == line.npos ? end : end - begin);
 
   std::vector<host::Suggestion> all;
-  const std::shared_lock request(host::requestGate());  // the module may be asked what exists
+  const Turn turn;  // the module may be asked what exists
   if (!firstIsWhole || !isPlatformWord(first)) all = host::suggestions(moduleNode(terminal.level), line);
   for (host::Suggestion& one : host::suggestions(platformNode(terminal.level), line)) {
     const auto same = [&](const host::Suggestion& other) {

@@ -17,6 +17,7 @@
 #include "plot_words.h"
 #include "port_words.h"
 #include "running_configuration.h"
+#include "session_record.h"
 
 namespace msand {
 
@@ -76,9 +77,18 @@ int showChassis(const PlatformCall& call) {
   return 0;
 }
 
+// The card stands in the slot without its software, or does not.
+void putCard(u16 slot, host::CardState state) {
+  const Turn turn(Turn::Gate::ofCall);
+  const Doing doing([&] { return fmt::format("card {} {}", slot, word(state)); });
+  host::setCardState(slot, state);
+}
+
 int takeCard(const PlatformCall& call, u16 slot) {
-  host::setCardState(slot, host::CardState::absent);
-  return host::authorisedType(slot) == nullptr ? 0 : call.node.node().unauthorise(slot);
+  putCard(slot, host::CardState::absent);
+  if (host::authorisedType(slot) == nullptr) return 0;
+  return doInTurn([&] { return fmt::format("card {} unauth", slot); },
+                  [&] { return call.node.node().unauthorise(slot); });
 }
 
 int setCard(const PlatformCall& call, u16 slot, const std::string& name) {
@@ -88,15 +98,19 @@ int setCard(const PlatformCall& call, u16 slot, const std::string& name) {
   if (type == nullptr) return failed(call, fmt::format("there is no card type {}", name));
   if (type == host::authorisedType(slot)) return 0;
   const int taken = takeCard(call, slot);
-  return taken != 0 ? taken : call.node.node().authorise(slot, *type);
+  if (taken != 0) return taken;
+  return doInTurn([&] { return fmt::format("card {} auth {}", slot, type->name); },
+                  [&] { return call.node.node().authorise(slot, *type); });
 }
 
 int setState(const PlatformCall& call, u16 slot, const std::string& state) {
   if (!host::holdsServiceCard(slot)) return failed(call, fmt::format("slot {} holds no service card", slot));
   if (state != "down" && host::authorisedType(slot) == nullptr)
     return failed(call, fmt::format("slot {} has no card type", slot));
-  if (state == "up") return std::min(call.node.node().cardUp(slot), 0);
-  host::setCardState(slot, state == "present" ? host::CardState::present : host::CardState::absent);
+  if (state == "up")
+    return std::min(
+        doInTurn([&] { return fmt::format("card {} up", slot); }, [&] { return call.node.node().cardUp(slot); }), 0);
+  putCard(slot, state == "present" ? host::CardState::present : host::CardState::absent);
   return 0;
 }
 
@@ -201,6 +215,17 @@ int traceFileCommand(const CommandElement*, Vty* vty, int argc, char** argv) {
   });
 }
 
+int recordCommand(const CommandElement*, Vty* vty, int argc, char** argv) {
+  return leave(vty, [name = std::string(argc == 0 ? "" : argv[0])](const PlatformCall& call) {
+    SessionRecord& record = sessionRecord();
+    call.text += (name.empty()    ? record.state()
+                  : name == "off" ? record.end()
+                                  : record.begin(name, call.node.node())) +
+                 "\r\n";
+    return 0;
+  });
+}
+
 int slotCardCommand(const CommandElement*, Vty* vty, int, char** argv) {
   return leave(vty, [slot = slotOf(argv[0]), name = std::string(argv[1])](const PlatformCall& call) {
     return setCard(call, slot, name);
@@ -240,6 +265,7 @@ const CommandElement kEverywhere[] = {
     {"answer [ask|yes|no]", answerCommand, "how questions of this session's commands are answered: by the next line, or so"},
     {"trace [on|full|hex|off]", traceCommand, "show every message that leaves the node: by name, with all fields, as bytes"},
     {"trace file {<capture>}*1", traceFileCommand, "capture every message for Wireshark, up to capture-size (64 MiB) of msand.toml; off ends it"},
+    {"record {<recording>}*1", recordCommand, "record what is done at all doors, as a scenario to be played again; off ends it"},
     {"chassis show", showChassisCommand, "slots and cards"},
     {"chassis slot <1-20> card <type>", slotCardCommand, "give a slot a card type, or none"},
     {"chassis slot <1-20> delay <0-60000>", slotDelayCommand, "milliseconds that the card takes over each message"},
@@ -248,7 +274,7 @@ const CommandElement kEverywhere[] = {
 };
 const CommandElement kDebug = {"debug", debugCommand, "go to the debug level"};
 
-constexpr std::string_view kWords[] = {"help", "exit", "answer", "write", "trace", "chassis", "plot", "flow", "get", "debug"};
+constexpr std::string_view kWords[] = {"help", "exit", "answer", "write", "trace", "record", "chassis", "plot", "flow", "get", "debug"};
 constexpr std::string_view kShown[] = {"running-config", "metrics"};  // behind "show"
 // clang-format on
 

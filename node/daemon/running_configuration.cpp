@@ -11,6 +11,7 @@
 #include "host/database.h"
 #include "host/pool.h"
 #include "note.h"
+#include "session_record.h"
 
 namespace msand {
 
@@ -32,7 +33,13 @@ std::string printRunning(node::Node& node, std::string& missing) {
   const u32 database = host::databaseFailures();
   const u32 memory = host::poolRefusals();
   int result = 0;
+  const Turn turn(Turn::Gate::ofCall);
+  Doing doing([] { return "running-config"; });
   std::string printed = node.runningConfiguration(&result);
+  doing.outcome([&](scenario::Outcome& told) {
+    told.terminal = printed;
+    told.result(result);
+  });
   if (result != 0)
     missing = fmt::format("the module gave {}", result);
   else if (host::databaseFailures() != database)

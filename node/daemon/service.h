@@ -23,6 +23,7 @@ struct Terminal {
   bool ended = false;                // the session ends behind this line
   Answers answers = Answers::asked;  // how questions of commands are answered
   std::string question;              // that a command has left open; the next line answers it
+  std::string asking;                // that command's line, while a session is recorded
   int (*yes)(Vty* vty) = nullptr;
   wire::Screen screen{};
 };

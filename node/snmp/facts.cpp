@@ -1,10 +1,10 @@
 #include "facts.h"
 
 #include <algorithm>
-#include <shared_mutex>
 #include <utility>
 
 #include "host/chassis.h"
+#include "session_record.h"
 
 namespace msand {
 
@@ -96,7 +96,7 @@ void Facts::work(Lane& lane) {
     lock.unlock();
     std::optional<Bytes> bytes;
     {
-      const std::shared_lock gate(host::requestGate());
+      const Turn turn;
       bytes = kind.ask(key.slot, key.port);
     }
     lock.lock();

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <utility>
 
+#include "session_record.h"
+
 namespace msand {
 
 static constexpr std::size_t kMostKept = 64;
@@ -32,6 +34,7 @@ std::vector<Facts::Key> KeptReads::missingFor(const netsnmp_pdu& pdu) {
   i64 repeaters = -std::max(single, i64{0});
   for (const auto* one = pdu.variables; one != nullptr; one = one->next_variable) ++repeaters;
   const i64 repetitions = repeaters > 0 ? std::min<i64>(pdu.max_repetitions, kMostResponses / repeaters) : 0;
+  const Turn turn;  // the tables ask the module what exists
   facts_.beginNoting();
   for (const auto* one = pdu.variables; one != nullptr; one = one->next_variable, --single) {
     if (pdu.command == SNMP_MSG_GET)

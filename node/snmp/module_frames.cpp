@@ -4,7 +4,7 @@
 #include <array>
 
 #include "capture_file.h"
-#include "host/agent.h"
+#include "recorded_frames.h"
 
 namespace msand {
 
@@ -25,7 +25,7 @@ static bool isSuccess(const host::Answer& answer) {
 std::optional<std::vector<u8>> askModule(u16 id, const std::vector<u8>& area) {
   std::vector<u8> frame = frameOf(area);
   captureFile().add(messages::Road::get, 0, id, frame);
-  const host::Answer answer = host::agentGet(id, &frame);
+  const host::Answer answer = recordedGet(id, frame);
   if (answer.reply) captureFile().add(messages::Road::getReply, 0, id, *answer.reply);
   constexpr std::size_t kHead = kSuccess.size() + kEnvelope;
   if (!isSuccess(answer) || answer.reply->size() < kHead) return std::nullopt;
@@ -35,7 +35,7 @@ std::optional<std::vector<u8>> askModule(u16 id, const std::vector<u8>& area) {
 bool tellModule(u16 id, const std::vector<u8>& area) {
   std::vector<u8> frame = frameOf(area);
   captureFile().add(messages::Road::set, 0, id, frame);
-  const host::Answer answer = host::agentSet(id, true, &frame);
+  const host::Answer answer = recordedSet(id, true, frame);
   if (answer.reply) captureFile().add(messages::Road::setReply, 0, id, *answer.reply);
   return isSuccess(answer);
 }

@@ -7,15 +7,15 @@
 #include <cstring>
 #include <memory>
 #include <set>
-#include <shared_mutex>
 #include <system_error>
 #include <utility>
 
 #include "captured_pieces.h"
 #include "hold.h"
-#include "host/chassis.h"
 #include "host/pool.h"
 #include "kept_request.h"
+#include "recorded_frames.h"
+#include "session_record.h"
 #include "standard_set.h"
 #include "standard_table.h"
 
@@ -114,7 +114,7 @@ static void endCollection(u16 id) {
   constexpr int kMostPieces = 16;
   std::vector<u8> none;
   for (int i = 0; i <= kMostPieces; ++i) {
-    const host::Answer answer = host::agentSet(id, false, &none);
+    const host::Answer answer = recordedSet(id, false, none);
     if (answer.result == 0 || FrameTable::isRefusal(answer)) return;
   }
 }
@@ -124,7 +124,7 @@ void ModuleRoad::askModule(Waiting& one) {
   ModuleRequest& request = one.request;
   const u32 refusals = host::poolRefusals();
   {
-    const std::shared_lock gate(host::requestGate());
+    const Turn turn;
     if (one.ends) {
       endCollection(request.id);
       captured.forget(request.id);
@@ -132,8 +132,8 @@ void ModuleRoad::askModule(Waiting& one) {
       one.set->perform();
     } else {
       captured.addRequest(request);
-      one.answer = request.column == kAnswer ? host::agentGet(request.id, &request.bytes)
-                                             : host::agentSet(request.id, request.column == kFrame, &request.bytes);
+      one.answer = request.column == kAnswer ? recordedGet(request.id, request.bytes)
+                                             : recordedSet(request.id, request.column == kFrame, request.bytes);
       captured.addAnswer(request, one.answer);
       if (holdsMessages()) holdAnswer(request, one.answer);
     }

@@ -3,10 +3,10 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <shared_mutex>
 #include <stdexcept>
 
 #include "host/chassis.h"
+#include "session_record.h"
 
 namespace msand {
 
@@ -78,7 +78,7 @@ InterfaceTable::~InterfaceTable() { netsnmp_unregister_handler(count_); }
 int InterfaceTable::giveCount(netsnmp_mib_handler*, netsnmp_handler_registration*, netsnmp_agent_request_info* info,
                               netsnmp_request_info* requests) {
   if (info->mode != MODE_GET) return SNMP_ERR_NOERROR;
-  const std::shared_lock gate(host::requestGate());
+  const Turn turn;
   u32 count = 0;
   for (u16 slot = 1; slot <= host::kSlots; ++slot) {
     const host::CardType* card = host::authorisedType(slot);

@@ -1,10 +1,47 @@
 #pragma once
 // The module's functions for standard MIBs.
 
+#include <string>
+#include <type_traits>
+
 #include "module.h"
 #include "msan/standard_mib.h"
+#include "scenario/std_calls.h"
+#include "session_record.h"
 
 namespace msand {
+
+// One of them; a call is told to the record of the session.
+template <class Function>
+class StandardCall;
+template <class... T>
+class StandardCall<int(T...)> {
+ public:
+  StandardCall(const char* name, int (*function)(T...)) : name_(name), function_(function) {}
+  int operator()(T... arguments) const {
+    Doing doing([] { return std::string(); });
+    const int result = function_(arguments...);
+    doing.outcome([&](scenario::Outcome& outcome) {
+      const scenario::StdArgument told[] = {argument(arguments)...};
+      const scenario::ToldStd call = scenario::tellStd(name_, told, result);
+      doing.told(call.directive);
+      outcome.lines = call.lines;
+      outcome.result(result);
+    });
+    return result;
+  }
+
+ private:
+  static scenario::StdArgument argument(const void* at) { return {0, at}; }
+  template <class Number>
+    requires std::is_integral_v<Number>
+  static scenario::StdArgument argument(Number number) {
+    return {number, nullptr};
+  }
+
+  const char* name_;
+  int (*function_)(T...);
+};
 
 class StandardFunctions {
  public:
@@ -19,7 +56,8 @@ class StandardFunctions {
     complete_ = complete_ && found != nullptr;
     return reinterpret_cast<Function*>(found);
   }
-#define MSAND_FUNCTION(member, name) decltype(::name)* const member = find<decltype(::name)>(#name)
+#define MSAND_FUNCTION(member, name) \
+  const StandardCall<decltype(::name)> member { #name, find<decltype(::name)>(#name) }
 
   const node::Module& module_;
   bool complete_ = true;

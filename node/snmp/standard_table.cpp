@@ -1,12 +1,12 @@
 #include "standard_table.h"
 
 #include <algorithm>
-#include <shared_mutex>
 #include <stdexcept>
 #include <utility>
 
 #include "facts.h"
 #include "host/chassis.h"
+#include "session_record.h"
 #include "standard_set.h"
 
 namespace msand {
@@ -38,7 +38,7 @@ int StandardTable::handle(netsnmp_mib_handler* handler, netsnmp_handler_registra
                           netsnmp_request_info* requests) {
   auto& table = *static_cast<StandardTable*>(handler->myvoid);
   // The module does not change, nor do the cards' types.
-  const std::shared_lock gate(host::requestGate());
+  const Turn turn;
   for (netsnmp_request_info* request = requests; request != nullptr; request = request->next) {
     if (request->processed != 0) continue;
     if (info->mode == MODE_GET) table.get(request);

@@ -85,6 +85,7 @@ constexpr ParameterRow kRows[] = {
     {"<message>",                     name,      "a message, by its name or number"},
     {"<messageValue>",                nothing,   "a port: 1/5; or a value of the question: id=5, port[0].pvcIndex=1"},
     {"<capture>",                     nothing,   "a new file's name, NAME.pcapng; off"},
+    {"<recording>",                   nothing,   "a new file's name, NAME.scn; off"},
     {"<word>",                        nothing,   "any part of a command or of its help"},
     {"<input>",                       nothing,   "an area as voice behind \"module\", func or buf behind \"level\", a message's number behind \"cmdid\""},
     {"<msgtype>",                     nothing,   "a message's number, decimal or 0x..."},

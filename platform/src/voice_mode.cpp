@@ -19,8 +19,10 @@ struct QueuedJob {
 };
 
 std::mutex mutex;
-std::condition_variable added;
+std::condition_variable changed;
 bool stopped = false;
+bool held = false;      // the thread of jobs takes none
+bool underWay = false;  // it runs one
 std::deque<QueuedJob>& jobs() {
   static std::deque<QueuedJob> all;
   return all;
@@ -61,7 +63,7 @@ int job_add(i32, Job* function, u32 a0, u32 a1, u32 a2, u32 a3, u32 a4, u32 a5, 
   host::told([&](host::Observer& observer) { observer.job(describe(job)); });
   const std::lock_guard lock(mutex);
   jobs().push_back(job);
-  added.notify_one();
+  changed.notify_all();
   return 0;
 }
 
@@ -72,19 +74,33 @@ void runJobs() {
 }
 
 bool runNextJob() {
+  QueuedJob job;
   {
     std::unique_lock lock(mutex);
-    added.wait(lock, [] { return stopped || !jobs().empty(); });
+    changed.wait(lock, [] { return stopped || (!held && !jobs().empty()); });
     if (stopped) return false;
+    job = jobs().front();
+    jobs().pop_front();
+    underWay = true;
   }
-  if (const auto job = takeFirst(jobs())) run(*job);
+  run(job);
+  const std::lock_guard lock(mutex);
+  underWay = false;
+  changed.notify_all();
   return true;
+}
+
+void holdJobs(bool hold) {
+  std::unique_lock lock(mutex);
+  held = hold;
+  changed.notify_all();
+  changed.wait(lock, [] { return !held || !underWay; });
 }
 
 void stopJobs() {
   const std::lock_guard lock(mutex);
   stopped = true;
-  added.notify_all();
+  changed.notify_all();
 }
 
 void clearJobs() {

@@ -13,6 +13,8 @@ void clearJobs();
 // clearJobs, which lets jobs run again.
 bool runNextJob();
 void stopJobs();
+// While they are held a thread of jobs takes none; one under way is waited for. Not to be called by a job.
+void holdJobs(bool hold);
 
 // The next set_voice_module_mode gives `result`; used once.
 void queueVoiceModeResult(int result);

@@ -1,0 +1,184 @@
+#include "session_record.h"
+
+#include <fcntl.h>
+#include <fmt/chrono.h>
+#include <fmt/format.h>
+
+#include <cerrno>
+#include <chrono>
+#include <filesystem>
+#include <system_error>
+
+#include "files.h"
+#include "host/chassis.h"
+#include "host/flow_store.h"
+#include "host/hex.h"
+#include "host/jobs.h"
+#include "host/terminal.h"
+#include "note.h"
+#include "scenario/reader.h"
+
+namespace msand {
+
+static constexpr std::string_view kEnding = ".scn";
+
+SessionRecord& sessionRecord() {
+  static SessionRecord one;
+  return one;
+}
+
+Turn::Turn(Gate gate) {
+  const auto& wanted = sessionRecord().wanted_;
+  // A record that begins waits for those who are at the gate.
+  while (true) {
+    if (wanted) alone_ = std::unique_lock(sessionRecord().turn_);
+    if (gate == Gate::shared) gate_ = std::shared_lock(host::requestGate());
+    if (!wanted || alone_.owns_lock()) return;
+    if (gate_.owns_lock()) gate_.unlock();
+  }
+}
+
+// --- the file's head
+
+static std::string_view stateWord(host::CardState state) {
+  return state == host::CardState::up ? "up" : state == host::CardState::present ? "present" : "down";
+}
+
+// What the flow store keeps of an id, as it lies there.
+static std::string flowRuleBytes(i16 id) {
+  FlowRule rule;
+  flowRuleGetPrfInfo(id, &rule);
+  return host::hexText({reinterpret_cast<const u8*>(&rule), sizeof rule});
+}
+static std::string flowPolicyBytes(i16 id) {
+  u8 pack[kFlowPolicyPack] = {};
+  u32 length = sizeof pack;
+  fpGetSpcPrfPack(pack, &length, id);
+  return host::hexText(pack);
+}
+
+// A line of the running configuration as a directive; empty for one that runs nothing.
+static std::string directiveOf(std::string_view line) {
+  while (line.ends_with('\r') || line.ends_with(' ')) line.remove_suffix(1);
+  if (line.empty() || line.starts_with('!')) return {};
+  return fmt::format("cli {}\n", line);
+}
+
+// What brings a player to where the node is: chassis and flow store, the configuration as at a start, the cards'
+// states.
+static std::string headOf(node::Node& node) {
+  const auto now = std::chrono::time_point_cast<std::chrono::seconds>(std::chrono::system_clock::now());
+  std::string text = fmt::format("# Recorded by msand {}, {:%Y-%m-%d %H:%M:%S} UTC.\n\n# The node at that time.\n",
+                                 MSAN_VERSION, fmt::gmtime(std::chrono::system_clock::to_time_t(now)));
+  for (u16 slot = 1; slot <= host::kSlots; ++slot)
+    if (const host::CardType* type = host::authorisedType(slot); type != nullptr)
+      text += fmt::format("card {} auth {}\n", slot, type->name);
+  for (const host::FlowEntry& rule : host::flowRules())
+    text += fmt::format("flow-rule {} {} {}\n", rule.id, rule.name, flowRuleBytes(rule.id));
+  for (const host::FlowEntry& policy : host::flowPolicies())
+    text += fmt::format("flow-policy {} {} {}\n", policy.id, policy.name, flowPolicyBytes(policy.id));
+  text += "recover on\n";
+  const std::string configuration = node.runningConfiguration();
+  for (std::size_t at = 0; at < configuration.size();) {
+    const std::size_t end = std::min(configuration.find('\n', at), configuration.size());
+    text += directiveOf(std::string_view(configuration).substr(at, end - at));
+    at = end + 1;
+  }
+  text += "recover off\nsave\nrestart\n";
+  for (u16 slot = 1; slot <= host::kSlots; ++slot)
+    if (host::authorisedType(slot) != nullptr)
+      text += fmt::format("card {} {}\n", slot, stateWord(host::cardState(slot)));
+  return text + "\n# What was done.\n";
+}
+
+// --- the record
+
+std::string SessionRecord::begin(const std::string& name, node::Node& node) {
+  checkFileName(name, kEnding, "a record");
+  const std::lock_guard turn(turn_);
+  end();
+  const std::string path = newFile(settings_.folder, name, file_);
+  {
+    const std::unique_lock alone(host::requestGate());
+    wanted_ = true;
+  }
+  host::holdJobs(true);
+  host::runJobs();
+  path_ = path;
+  bytes_ = directives_ = 0;
+  ended_.clear();
+  lastLine_.clear();
+  const bool written = append(headOf(node));
+  recorder_.take();
+  if (!written) throw FileError(path, "can't be written", errno);
+  return fmt::format("what is done is recorded in {}, up to {} MiB", path_, settings_.most >> 20);
+}
+
+std::string SessionRecord::told() const {
+  return fmt::format("{}: {} directive{}, {} bytes{}", path_, directives_, directives_ == 1 ? "" : "s", bytes_, ended_);
+}
+
+std::string SessionRecord::end() {
+  const std::lock_guard turn(turn_);
+  if (path_.empty()) return "nothing is recorded";
+  const std::string text = told();
+  close("");
+  path_.clear();
+  return text;
+}
+
+std::string SessionRecord::state() {
+  const std::lock_guard turn(turn_);
+  return path_.empty() ? "nothing is recorded" : told();
+}
+
+void SessionRecord::close(const std::string& why) {
+  if (!wanted_.exchange(false)) return;
+  host::holdJobs(false);
+  file_.reset();
+  ended_ = why;
+}
+
+// False: it is not written whole, and the record has ended.
+bool SessionRecord::append(std::string_view text) {
+  std::string why;
+  if (bytes_ + text.size() > settings_.most)
+    why = ", full";
+  else if (!writeAll(file_, text))
+    why = ", can't be written: " + std::generic_category().message(errno);
+  bytes_ += why.empty() ? text.size() : 0;
+  if (why.empty()) return true;
+  close(why);
+  msand::note("the record has ended: " + told());
+  return false;
+}
+
+void SessionRecord::answered(host::Link link, u16 slot, u16 id, host::Bytes answer) {
+  if (!wanted_) return;
+  const std::string bytes = answer.empty() ? "-" : host::hexText(answer);
+  const std::lock_guard lock(answersMutex_);
+  answers_ += link == host::Link::ngn
+                  ? fmt::format("answer ngn {} {}\n", id, bytes)
+                  : fmt::format("answer {} {} {} {}\n", link == host::Link::gpon ? "gpon" : "gepon", slot, id, bytes);
+}
+
+// A player's answers are there ahead of the directive that asks for them.
+void SessionRecord::note(std::string_view directive, const scenario::Outcome& outcome) {
+  host::runJobs();
+  std::vector<std::string> events;
+  host::told([&](host::Observer&) { events = recorder_.take(); });
+  std::string text;
+  {
+    const std::lock_guard lock(answersMutex_);
+    text.swap(answers_);
+  }
+  if (!wanted_) return;
+  text += fmt::format("{}\n", directive);
+  const std::vector<std::string> record = scenario::recordOf(std::move(events), outcome);
+  for (const std::string& line : record) text += line + '\n';
+  if (record.empty()) text += fmt::format("{}\n", scenario::kNothing);
+  if (append(text)) ++directives_;
+  if (directive.starts_with("cli")) lastLine_ = directive;
+}
+
+}  // namespace msand
