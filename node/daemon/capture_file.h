@@ -2,8 +2,10 @@
 // The capture of this process: every message of the node, in a file for Wireshark, while "trace file" asks for it.
 
 #include <atomic>
+#include <condition_variable>
 #include <mutex>
 #include <string>
+#include <thread>
 #include <utility>
 
 #include "descriptor.h"
@@ -18,6 +20,11 @@ struct CaptureSettings {
 
 class CaptureFile {
  public:
+  CaptureFile() = default;
+  ~CaptureFile() { end(); }
+  CaptureFile(const CaptureFile&) = delete;
+  CaptureFile& operator=(const CaptureFile&) = delete;
+
   void configure(CaptureSettings settings) { settings_ = std::move(settings); }
 
   // Begins with a file of this name, which replaces an older one; ends the one before. What to tell the operator.
@@ -32,6 +39,8 @@ class CaptureFile {
 
  private:
   void close(const std::string& why);
+  void flush();
+  void flushNowAndThen(const std::stop_token& stop);
   std::string told() const;
 
   CaptureSettings settings_;
@@ -39,9 +48,11 @@ class CaptureFile {
   std::mutex mutex_;  // what follows
   std::string path_;
   Descriptor file_;
-  std::string packet_;
+  std::string pending_;  // packets that are not written yet
+  std::condition_variable_any changed_;
   std::size_t bytes_ = 0, messages_ = 0;
   std::string ended_;  // why, if it was not the operator
+  std::jthread writer_;
 };
 
 CaptureFile& captureFile();

@@ -18,7 +18,8 @@ frames set 3087 '00*32' u32:1 '00*22' u16:2 '00*32' || bad=1
 frames get 3087
 frames set 3087 '00*32' u32:1 '00*22' u16:3 '00*32' || true
 ctl -c "chassis port 1/1" >/dev/null
-expectMatch "it ends" "$file: * messages, $(stat -c %s "$file") bytes*" "$(ctl -c "trace file off")"
+told=$(ctl -c "trace file off")
+expectMatch "it ends" "$file: * messages, $(stat -c %s "$file") bytes*" "$told"
 # Whole, though they came in pieces, and in order: a SET and what it caused, a GET, a SET that is refused.
 expect "the manager and the voice side" 'set|0|dtmf||
 ngn|0|dtmf||
