@@ -14,6 +14,7 @@
 #include <system_error>
 
 #include "agent.h"
+#include "answering.h"
 #include "capture_file.h"
 #include "cards/dsl_cards.h"
 #include "descriptor.h"
@@ -21,12 +22,10 @@
 #include "files.h"
 #include "host/chassis.h"
 #include "host/flow_store.h"
-#include "host/links.h"
 #include "host/observer.h"
 #include "job_thread.h"
 #include "line_words.h"
 #include "listener.h"
-#include "messages/answer.h"
 #include "metrics.h"
 #include "metrics_file.h"
 #include "node.h"
@@ -157,25 +156,6 @@ static void layLines(Operator& commands, const Configuration& configuration) {
   }
 }
 
-// The simulated cards and the voice side answer what they are asked, by the descriptions: a node to try has something
-// to show behind every command. A card that is not up says nothing.
-static std::optional<std::vector<u8>> answerPlainly(host::Link link, u16 slot, u16 id, host::Bytes question) {
-  using messages::Road;
-  if (link != host::Link::ngn && host::cardState(slot) != host::CardState::up) return {};
-  const Road road = link == host::Link::gpon    ? Road::gponAsk
-                    : link == host::Link::gepon ? Road::geponAsk
-                                                : Road::ngnAsk;
-  return messages::plainAnswer(messages::book(), road, id, question);
-}
-
-static void captureAnswer(host::Link link, u16 slot, u16 id, host::Bytes bytes) {
-  using messages::Road;
-  captureFile().add(link == host::Link::gpon    ? Road::gponAnswer
-                    : link == host::Link::gepon ? Road::geponAnswer
-                                                : Road::ngnAnswer,
-                    slot, id, bytes);
-}
-
 static void setUpCaptures(const Configuration& configuration) {
   CaptureSettings settings = configuration.capture;
   if (settings.folder.empty())
@@ -183,26 +163,6 @@ static void setUpCaptures(const Configuration& configuration) {
   sessionRecord().configure({settings.folder, settings.most});
   captureFile().configure(std::move(settings));
 }
-
-// The other ends of the messages, as long as it lives: DSL cards tell of the lines behind their ports, all others
-// answer plainly.
-struct Answering {
-  explicit Answering(cards::DslCards& dsl) {
-    host::deliverTo(
-        [&dsl](host::Link link, u16 slot, u16 id, host::Bytes payload) { dsl.hear(link, slot, id, payload); });
-    host::answerBy([&dsl](host::Link link, u16 slot, u16 id, host::Bytes question) {
-      auto told = dsl.answer(link, slot, id, question);
-      if (!told) told = answerPlainly(link, slot, id, question);
-      if (told) captureAnswer(link, slot, id, *told);
-      if (told) sessionRecord().answered(link, slot, id, *told);
-      return told;
-    });
-  }
-  ~Answering() {
-    host::answerBy(nullptr);
-    host::deliverTo(nullptr);
-  }
-};
 
 // An error in what the configuration has told is the configuration's.
 template <class Error, class Action>

@@ -49,18 +49,6 @@ std::vector<u16> portsOf(std::string_view text) {
   }
 }
 
-std::string words(const Site& site) {
-  const line::Plant& plant = site.plant;
-  std::string text = fmt::format("loop {} m {} mm tap {} m noise {:g} tone {}", plant.loop.metres,
-                                 plant.loop.gauge == line::Gauge::mm04 ? "0.4" : "0.5", plant.loop.tapMetres,
-                                 plant.noise, plant.disturbedTone);
-  text += fmt::format(" {:g} far {}", plant.disturbance,
-                      site.far == FarEnd::present ? "present"
-                      : site.far == FarEnd::open  ? "open"
-                                                  : "short");
-  return text;
-}
-
 std::optional<double> levelOf(std::string_view text) {
   double level = 0;
   const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), level);
@@ -113,8 +101,8 @@ int tell(const PlatformCall& call, u16 slot, const std::vector<u16>& ports, cons
     if (!told.empty())
       call.node.cards().setSite(slot, port, site);
     else
-      call.text += port == 0 ? fmt::format("slot {} line {}\r\n", slot, words(site))
-                             : fmt::format("slot {} port {} {}\r\n", slot, port, words(site));
+      call.text += port == 0 ? fmt::format("slot {} line {}\r\n", slot, wordsOf(site))
+                             : fmt::format("slot {} port {} {}\r\n", slot, port, wordsOf(site));
   }
   return 0;
 }
@@ -141,6 +129,18 @@ const CommandElement kElements[] = {
 // clang-format on
 
 }  // namespace
+
+std::string wordsOf(const cards::Site& site) {
+  const line::Plant& plant = site.plant;
+  std::string text = fmt::format("loop {} m {} mm tap {} m noise {:g} tone {}", plant.loop.metres,
+                                 plant.loop.gauge == line::Gauge::mm04 ? "0.4" : "0.5", plant.loop.tapMetres,
+                                 plant.noise, plant.disturbedTone);
+  text += fmt::format(" {:g} far {}", plant.disturbance,
+                      site.far == cards::FarEnd::present ? "present"
+                      : site.far == cards::FarEnd::open  ? "open"
+                                                         : "short");
+  return text;
+}
 
 std::span<const CommandElement> lineWords() { return kElements; }
 

@@ -11,12 +11,11 @@
 
 #include "files.h"
 #include "host/chassis.h"
-#include "host/flow_store.h"
 #include "host/hex.h"
 #include "host/jobs.h"
-#include "host/terminal.h"
 #include "note.h"
 #include "scenario/reader.h"
+#include "snapshot.h"
 
 namespace msand {
 
@@ -38,56 +37,18 @@ Turn::Turn(Gate gate) {
   }
 }
 
-// --- the file's head
-
-static std::string_view stateWord(host::CardState state) {
-  return state == host::CardState::up ? "up" : state == host::CardState::present ? "present" : "down";
-}
-
-// What the flow store keeps of an id, as it lies there.
-static std::string flowRuleBytes(i16 id) {
-  FlowRule rule;
-  flowRuleGetPrfInfo(id, &rule);
-  return host::hexText({reinterpret_cast<const u8*>(&rule), sizeof rule});
-}
-static std::string flowPolicyBytes(i16 id) {
-  u8 pack[kFlowPolicyPack] = {};
-  u32 length = sizeof pack;
-  fpGetSpcPrfPack(pack, &length, id);
-  return host::hexText(pack);
-}
-
-// A line of the running configuration as a directive; empty for one that runs nothing.
-static std::string directiveOf(std::string_view line) {
-  while (line.ends_with('\r') || line.ends_with(' ')) line.remove_suffix(1);
-  if (line.empty() || line.starts_with('!')) return {};
-  return fmt::format("cli {}\n", line);
-}
-
-// What brings a player to where the node is: chassis and flow store, the configuration as at a start, the cards'
-// states.
+// What brings a player to where the node is, the configuration as at a start.
 static std::string headOf(node::Node& node) {
   const auto now = std::chrono::time_point_cast<std::chrono::seconds>(std::chrono::system_clock::now());
+  const Snapshot snapshot = snapshotOf(node, nullptr);
   std::string text = fmt::format("# Recorded by msand {}, {:%Y-%m-%d %H:%M:%S} UTC.\n\n# The node at that time.\n",
                                  MSAN_VERSION, fmt::gmtime(std::chrono::system_clock::to_time_t(now)));
-  for (u16 slot = 1; slot <= host::kSlots; ++slot)
-    if (const host::CardType* type = host::authorisedType(slot); type != nullptr)
-      text += fmt::format("card {} auth {}\n", slot, type->name);
-  for (const host::FlowEntry& rule : host::flowRules())
-    text += fmt::format("flow-rule {} {} {}\n", rule.id, rule.name, flowRuleBytes(rule.id));
-  for (const host::FlowEntry& policy : host::flowPolicies())
-    text += fmt::format("flow-policy {} {} {}\n", policy.id, policy.name, flowPolicyBytes(policy.id));
+  for (const std::string& directive : snapshot.chassis) text += directive + '\n';
   text += "recover on\n";
-  const std::string configuration = node.runningConfiguration();
-  for (std::size_t at = 0; at < configuration.size();) {
-    const std::size_t end = std::min(configuration.find('\n', at), configuration.size());
-    text += directiveOf(std::string_view(configuration).substr(at, end - at));
-    at = end + 1;
-  }
+  for (const std::string_view line : linesOf(snapshot.configuration))
+    if (!line.starts_with('!')) text += fmt::format("cli {}\n", line);
   text += "recover off\nsave\nrestart\n";
-  for (u16 slot = 1; slot <= host::kSlots; ++slot)
-    if (host::authorisedType(slot) != nullptr)
-      text += fmt::format("card {} {}\n", slot, stateWord(host::cardState(slot)));
+  for (const std::string& directive : snapshot.cards) text += directive + '\n';
   return text + "\n# What was done.\n";
 }
 

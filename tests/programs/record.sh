@@ -72,7 +72,7 @@ done
 for worker in "${workers[@]}"; do wait "$worker" || true; done
 
 # A question that another terminal's line comes between.
-{ printf 'set ngn_protocol_type none\ny\nset ngn_protocol_type sip\n'; sleep 0.5; printf 'y\n'; } | ctl >/dev/null &
+{ printf 'set ngn_protocol_type none\ny\nset ngn_protocol_type sip\n'; sleep 0.5; printf 'y\n'; } | ctl >/dev/null 2>&1 &
 sleep 0.3
 ctl -c "show cid mode" >/dev/null
 wait $! || true
