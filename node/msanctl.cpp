@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <cerrno>
 #include <clocale>
 #include <cstdio>
@@ -29,6 +30,10 @@ struct Options {
   std::string picture;
   int wait = 0;
   bool yes = false;
+  std::string checked;  // check FILE
+  bool messages = false;
+  std::vector<std::string> sides;  // compare A B
+  bool json = false;
 };
 
 void declare(CLI::App& app, Options& options) {
@@ -44,10 +49,20 @@ void declare(CLI::App& app, Options& options) {
       ->type_name("SECONDS")
       ->check(CLI::Range(0, 3600));
   app.add_flag("--yes", options.yes, "questions of commands are answered with yes");
+  app.require_subcommand(0, 1);
+  CLI::App* const check = app.add_subcommand("check", "tells what the lines of a file would do, and does nothing");
+  check->add_option("FILE", options.checked, "the lines; - is standard input")->required();
+  check->add_flag("--messages", options.messages, "also each message that would be sent");
+  CLI::App* const compare = app.add_subcommand("compare", "shows how two configurations differ");
+  compare->add_option("SIDE", options.sides, "two of running, startup, rollback NUMBER and files")
+      ->required()
+      ->expected(2, 4);
+  compare->add_flag("--json", options.json, "as JSON, for programs");
   app.footer(
       "Without -c and -f: a terminal, or the lines of standard input if that is none.\n"
       "Exit codes: 0 all lines did well, 1 a line failed, 2 bad options or an unreadable file, 3 no msand, or\n"
-      "output or a picture that can't be written.");
+      "output or a picture that can't be written. check: 1 a line would not be taken; compare: 0 they are the same,\n"
+      "1 they differ, 2 that can't be told.");
 }
 
 // Runs a file's lines; the exit code.
@@ -79,7 +94,54 @@ int runPicture(const Options& options) {
   }
 }
 
+std::string readWhole(const std::string& path) {
+  const bool standardInput = path == "-";
+  const Descriptor file(standardInput ? dup(STDIN_FILENO) : open(path.c_str(), O_RDONLY | O_CLOEXEC));
+  std::string bytes;
+  char piece[65536];
+  ssize_t got = file ? 1 : -1;
+  while (got > 0 && bytes.size() <= wire::kMaxFiles)
+    if (got = read(file.get(), piece, sizeof piece); got > 0) bytes.append(piece, static_cast<std::size_t>(got));
+  if (got < 0) throw std::runtime_error(path + ": can't be read: " + std::strerror(errno));
+  if (bytes.size() + path.size() > wire::kMaxFiles) throw std::runtime_error(path + ": is longer than 16 MiB");
+  return bytes;
+}
+
+// Hands over a file; the word by which a line means it.
+std::string handOver(ctl::Connection& connection, const std::string& path) {
+  std::string word = path == "-" ? "stdin" : path;
+  const auto plain = [](unsigned char letter) {
+    return letter > ' ' && letter < 127 && !std::strchr("[]{}<>|", letter);
+  };
+  if (word.size() > 200 || !std::all_of(word.begin(), word.end(), plain)) word = "file";
+  connection.sendFile(word, readWhole(path));
+  return word;
+}
+
+// A shadow of the node runs the lines.
+int runCheck(const Options& options) {
+  ctl::Connection connection(options.socket, options.wait);
+  const std::string line = "check " + handOver(connection, options.checked);
+  const auto outcome = ctl::runCommand(connection, line + (options.messages ? " messages" : ""), 0, true);
+  return outcome.failed == 0 ? kDone : kLineFailed;
+}
+
+int runCompare(const Options& options) {
+  ctl::Connection connection(options.socket, options.wait);
+  std::string line = "compare";
+  for (std::size_t i = 0; i < options.sides.size(); ++i) {
+    const std::string& side = options.sides[i];
+    const bool word =
+        side == "running" || side == "startup" || side == "rollback" || (i > 0 && options.sides[i - 1] == "rollback");
+    line += ' ' + (word ? side : handOver(connection, side));
+  }
+  const auto outcome = ctl::runCommand(connection, line + (options.json ? " json" : ""), 0, true);
+  return outcome.failed == 0 ? kDone : outcome.returned == 1 ? kLineFailed : kBadUse;
+}
+
 int run(const Options& options) {
+  if (!options.checked.empty()) return runCheck(options);
+  if (!options.sides.empty()) return runCompare(options);
   if (!options.picture.empty()) return runPicture(options);
   ctl::Connection connection(options.socket, options.wait);
   int code = kDone;

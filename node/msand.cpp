@@ -7,6 +7,7 @@
 
 #include "configuration.h"
 #include "daemon.h"
+#include "shadow.h"
 #include "standard_output.h"
 
 namespace {
@@ -20,6 +21,7 @@ struct Options {
   std::string module;
   std::string snmp;
   bool check = false;
+  int shadow = -1;  // a socket
 };
 
 void declare(CLI::App& app, Options& options) {
@@ -34,6 +36,7 @@ void declare(CLI::App& app, Options& options) {
                  "configured ones; \"none\": no agent")
       ->type_name("LISTEN");
   app.add_flag("--check", options.check, "check the configuration file and exit");
+  app.add_option("--shadow", options.shadow)->group("");  // how msand starts its own shadow
   app.footer(
       "It stays in the foreground and stops on SIGTERM. Exit codes: 0 stopped, 1 could not run, 2 bad options or\n"
       "configuration.");
@@ -75,6 +78,7 @@ int runProgram(int argc, char** argv) {
   } catch (const CLI::ParseError& error) {
     return app.exit(error) == 0 ? kDone : kBadUse;
   }
+  if (options.shadow >= 0) return msand::serveShadow(options.shadow, options.module);
   try {
     const msand::Configuration configuration = configurationOf(options);
     if (!options.check) {

@@ -12,7 +12,7 @@ packagesFor() {
   case $1 in
     # The compiler and the build; what platform and programs are made of.
     build) echo g++ cmake ninja-build pkg-config liblmdb-dev libfmt-dev libspdlog-dev libedit-dev libcli11-dev \
-                libtomlplusplus-dev libsnmp-dev libsystemd-dev nlohmann-json3-dev ;;
+                libtomlplusplus-dev libsnmp-dev libsystemd-dev nlohmann-json3-dev zlib1g-dev ;;
     # snmp: managers' tools, iproute2: ss, gnuplot: what draws pictures,
     # tshark: what shows captures, prometheus: promtool.
     test) echo libgtest-dev libgmock-dev snmp iproute2 gnuplot-nox tshark prometheus ;;

@@ -61,6 +61,7 @@ class Batch {
     underWay_.push_back({number, line, tooLong});
     while (!underWay_.empty() && underWay_.front().tooLong) failFront("line too long");
   }
+  void tellFailures(bool tell) { tellsFailures_ = tell; }
   bool full() const { return underWay_.size() >= wire::kAhead; }
   bool wantsLines() const { return underWay_.size() <= wire::kAhead / 2; }  // many are sent at once
   bool idle() const { return underWay_.empty(); }
@@ -128,6 +129,7 @@ class Batch {
   }
 
   void failFront(const wire::Result& result) {
+    outcome_.returned = result.returned;
     if (!notUnderstood(result)) return failFront(reasonOf(result));
     const std::string expected = result.expected.empty() ? "" : ", " + forDisplay(result.expected, true) + " expected";
     failFront(reasonOf(result) + expected, result.at + 1);
@@ -139,6 +141,8 @@ class Batch {
 
   // `column`: of the line, from 1; 0: the line as a whole.
   void fail(const Line& line, const std::string& why, u32 column = 0) {
+    ++outcome_.failed;
+    if (!tellsFailures_) return;
     flush();
     progress_.clear();
     constexpr std::size_t kShown = 200;
@@ -146,7 +150,6 @@ class Batch {
     const std::string place = column == 0 ? "" : ":" + std::to_string(column);
     std::fprintf(stderr, "%s:%llu%s: %s: %s\n", name_.c_str(), static_cast<unsigned long long>(line.number),
                  place.c_str(), why.c_str(), text.c_str());
-    ++outcome_.failed;
   }
 
   Connection& connection_;
@@ -156,6 +159,7 @@ class Batch {
   std::deque<Line> underWay_;
   std::optional<Line> asked_;  // the line whose question is open
   bool lineOpen_ = false;
+  bool tellsFailures_ = true;
   BatchOutcome outcome_;
 };
 
@@ -182,8 +186,9 @@ BatchOutcome runLines(Connection& connection, LineReader& reader, const std::str
   return batch.outcome();
 }
 
-BatchOutcome runCommand(Connection& connection, const std::string& line, u64 number) {
+BatchOutcome runCommand(Connection& connection, const std::string& line, u64 number, bool quiet) {
   Batch batch(connection, "command", 0);
+  if (quiet) batch.tellFailures(false);
   batch.add(number, line, line.size() >= wire::kMaxRequest);
   while (!batch.idle() && !batch.ended()) batch.takeResult();
   batch.flush();

@@ -12,6 +12,7 @@ namespace ctl {
 struct BatchOutcome {
   u64 lines = 0;
   u64 failed = 0;
+  i32 returned = 0;    // by the last line that failed
   bool asks = false;   // a question is open
   bool ended = false;  // by "exit"; the lines behind it were not run
 };
@@ -21,7 +22,7 @@ struct BatchOutcome {
 // if it is not known. Throws ConnectionError.
 BatchOutcome runLines(Connection& connection, LineReader& reader, const std::string& name, u64 size);
 
-// Runs one line, which is told of as `number`.
-BatchOutcome runCommand(Connection& connection, const std::string& line, u64 number);
+// Runs one line, which is told of as `number`. `quiet`: what it prints tells enough where it fails.
+BatchOutcome runCommand(Connection& connection, const std::string& line, u64 number, bool quiet = false);
 
 }  // namespace ctl

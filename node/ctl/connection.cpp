@@ -40,6 +40,14 @@ Connection::Connection(const std::string& path, int seconds) : socket_(connectTo
 
 void Connection::post(wire::Kind kind, std::string_view line) { wire::appendFrame(posted_, kind, line); }
 
+void Connection::sendFile(const std::string& name, std::string_view bytes) {
+  const std::size_t most = wire::kMaxRequest - 2 - name.size();
+  do {
+    send(wire::Kind::file, name + '\n' + std::string(bytes.substr(0, most)));
+    bytes.remove_prefix(std::min(most, bytes.size()));
+  } while (!bytes.empty());
+}
+
 void Connection::send() {
   std::string_view rest = posted_;
   while (!rest.empty()) {

@@ -30,6 +30,9 @@ class Connection {
     send();
   }
 
+  // Hands over a file for the next line, which means it by this name.
+  void sendFile(const std::string& name, std::string_view bytes);
+
   // Tells the node, ahead of the lines to come, what standard output is, if that has changed.
   void tellScreen();
 

@@ -30,6 +30,7 @@
 #include "metrics_file.h"
 #include "node.h"
 #include "note.h"
+#include "observing.h"
 #include "operator.h"
 #include "running_configuration.h"
 #include "server.h"
@@ -70,47 +71,6 @@ static void allowManyTerminals() {
   limit.rlim_cur = limit.rlim_max;
   setrlimit(RLIMIT_NOFILE, &limit);
 }
-
-// The trace sees what leaves the module, and a record of the session, as long as it lives.
-class Observing : public host::Observer {
- public:
-  explicit Observing(Trace& trace) : trace_(trace) { host::observe(this); }
-  ~Observing() override { host::observe(nullptr); }
-
-  void send(host::Link link, u16 slot, u16 id, host::Bytes payload) override {
-    tell([&](host::Observer& one) { one.send(link, slot, id, payload); });
-  }
-  void ask(host::Link link, u16 slot, u16 id, host::Bytes request) override {
-    tell([&](host::Observer& one) { one.ask(link, slot, id, request); });
-  }
-  void crc(u16 slot, u16 id, int origin) override {
-    tell([&](host::Observer& one) { one.crc(slot, id, origin); });
-  }
-  void rtpIp(u16 slot) override {
-    tell([&](host::Observer& one) { one.rtpIp(slot); });
-  }
-  void job(std::string_view text) override {
-    tell([&](host::Observer& one) { one.job(text); });
-  }
-  void voiceMode(u32 old, u32 wanted, u32 flag) override {
-    tell([&](host::Observer& one) { one.voiceMode(old, wanted, flag); });
-  }
-  void log(i32 severity, std::string_view text) override {
-    tell([&](host::Observer& one) { one.log(severity, text); });
-  }
-  void out(std::string_view text) override {
-    tell([&](host::Observer& one) { one.out(text); });
-  }
-
- private:
-  template <class Tell>
-  void tell(Tell tell) {
-    tell(trace_);
-    if (sessionRecord().wanted()) tell(sessionRecord().observer());
-  }
-
-  Trace& trace_;
-};
 
 // The trace goes to the server's terminals, as long as it lives.
 struct Tracing {

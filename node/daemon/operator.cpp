@@ -7,8 +7,10 @@
 #include <utility>
 #include <vector>
 
+#include "change_words.h"
 #include "platform_words.h"
 #include "session_record.h"
+#include "shadow.h"
 
 namespace msand {
 
@@ -18,6 +20,7 @@ Operator::Operator(node::Node& node, Startup& startup, cards::DslCards& cards)
 }
 
 std::string Operator::prompt(const Terminal& terminal) const {
+  if (terminal.shadow != nullptr) return "check: " + terminal.shadow->prompt();
   if (terminal.yes != nullptr) return terminal.question;
   return terminal.level == Level::debug ? "msan(debug)# " : "msan# ";
 }
@@ -116,6 +119,7 @@ static host::Misunderstanding misunderstanding(Level level, std::string_view lin
 }
 
 wire::Result Operator::run(Terminal& terminal, std::string_view line, std::string& text) try {
+  if (terminal.shadow != nullptr && !leavesShadow(line)) return terminal.shadow->run(line, text);
   if (terminal.yes != nullptr) return answerLine(terminal, line, text);
   const bool ours = isPlatformLine(line);
   const Level level = terminal.level;

@@ -5,8 +5,10 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
+#include <unordered_set>
 
 #include "capture_file.h"
+#include "change_words.h"
 #include "flow_words.h"
 #include "get_words.h"
 #include "host/chassis.h"
@@ -18,6 +20,7 @@
 #include "port_words.h"
 #include "running_configuration.h"
 #include "session_record.h"
+#include "shadow.h"
 
 namespace msand {
 
@@ -45,12 +48,41 @@ int showMetrics(const PlatformCall& call) {
   return 0;
 }
 
-int write(const PlatformCall& call, bool force) {
+// Each line of a configuration that a start would not bring back as it stands is told; how many.
+std::size_t tellWhatIsLost(const PlatformCall& call, const std::string& text) {
+  node::Node& node = call.node.node();
+  Snapshot snapshot = snapshotOf(node, nullptr);
+  snapshot.configuration = text;
+  const std::string back = Shadow(snapshot, node.modulePath()).configuration();
+  std::unordered_multiset<std::string_view> there;
+  for (const std::string_view line : linesOf(back)) there.insert(line);
+  std::size_t lost = 0;
+  for (const std::string_view line : linesOf(text)) {
+    if (const auto found = there.find(line); found != there.end()) {
+      there.erase(found);
+      continue;
+    }
+    ++lost;
+    call.text += fmt::format("will not come back: {}\r\n", printable(line));
+  }
+  return lost;
+}
+
+struct WriteWords {
+  bool force = false, check = true;
+  std::string comment;
+};
+
+int write(const PlatformCall& call, const WriteWords& words) {
   Startup& startup = call.node.startup();
   try {
-    const std::string told = startup.write(call.node.node(), force);
+    std::string text;
+    const std::string told = startup.write(call.node.node(), words.force, words.comment, text);
     call.text += fmt::format("written to {}\r\n", startup.path());
     if (!told.empty()) call.text += told + "\r\n";
+    if (words.check && tellWhatIsLost(call, text) != 0) return -1;
+  } catch (const ChannelError& error) {
+    return failed(call, fmt::format("not checked: {}", error.what()));
   } catch (const std::exception& error) {
     complain(fmt::format("not written: {}", error.what()));
     return failed(call, fmt::format("not written: {}", error.what()));
@@ -187,8 +219,22 @@ int exitCommand(const CommandElement*, Vty* vty, int, char**) {
 
 int showRunningCommand(const CommandElement*, Vty* vty, int, char**) { return leave(vty, showRunning); }
 int showMetricsCommand(const CommandElement*, Vty* vty, int, char**) { return leave(vty, showMetrics); }
-int writeCommand(const CommandElement*, Vty* vty, int argc, char**) {
-  return leave(vty, [force = argc > 0](const PlatformCall& call) { return write(call, force); });
+int writeCommand(const CommandElement*, Vty* vty, int argc, char** argv) {
+  WriteWords words;
+  for (int i = 0; i < argc; ++i) {
+    const std::string_view word = argv[i];
+    if (word == "comment") {
+      words.comment = fmt::format("{}", fmt::join(argv + i + 1, argv + argc, " "));
+      if (words.comment.size() > 1 && words.comment.front() == '"' && words.comment.back() == '"')
+        words.comment = words.comment.substr(1, words.comment.size() - 2);
+      break;
+    }
+    if (word != "force" && word != "no-check")
+      return leave(vty,
+                   [](const PlatformCall& call) { return failed(call, "force, no-check, or comment and a text"); });
+    (word == "force" ? words.force : words.check) = word == "force";
+  }
+  return leave(vty, [words](const PlatformCall& call) { return write(call, words); });
 }
 int showChassisCommand(const CommandElement*, Vty* vty, int, char**) { return leave(vty, showChassis); }
 
@@ -261,7 +307,7 @@ const CommandElement kEverywhere[] = {
     {"exit", exitCommand, "back to the level above; from the first level: end the session"},
     {"show running-config", showRunningCommand, "the running configuration, as commands"},
     {"show metrics", showMetricsCommand, "what the node counts, as it stands in its file of metrics"},
-    {"write {[force]}*1", writeCommand, "make the running configuration the startup configuration"},
+    {"write {[force|no-check|comment|<text>]}*40", writeCommand, "make the running configuration the startup configuration; force: also if that loses something; no-check: without a look at what a start would make of it"},
     {"answer [ask|yes|no]", answerCommand, "how questions of this session's commands are answered: by the next line, or so"},
     {"trace [on|full|hex|off]", traceCommand, "show every message that leaves the node: by name, with all fields, as bytes"},
     {"trace file {<capture>}*1", traceFileCommand, "capture every message for Wireshark, up to capture-size (64 MiB) of msand.toml; off ends it"},
@@ -274,8 +320,8 @@ const CommandElement kEverywhere[] = {
 };
 const CommandElement kDebug = {"debug", debugCommand, "go to the debug level"};
 
-constexpr std::string_view kWords[] = {"help", "exit", "answer", "write", "trace", "record", "chassis", "plot", "flow", "get", "debug"};
-constexpr std::string_view kShown[] = {"running-config", "metrics"};  // behind "show"
+constexpr std::string_view kWords[] = {"help", "exit", "answer", "write", "trace", "record", "check", "compare", "chassis", "plot", "flow", "get", "debug"};
+constexpr std::string_view kShown[] = {"running-config", "metrics", "history"};  // behind "show"
 // clang-format on
 
 bool equal(std::string_view typed, std::string_view word) {
@@ -298,8 +344,8 @@ int leave(Vty* vty, PlatformAction action) {
 
 void installPlatformWords() {
   for (const Level level : {Level::configuration, Level::debug})
-    for (const auto elements :
-         {std::span<const CommandElement>(kEverywhere), lineWords(), portWords(), plotWords(), flowWords(), getWords()})
+    for (const auto elements : {std::span<const CommandElement>(kEverywhere), lineWords(), portWords(), plotWords(),
+                                flowWords(), getWords(), changeWords()})
       for (const CommandElement& element : elements) install_element(platformNode(level), &element);
   install_element(platformNode(Level::configuration), &kDebug);
   offerMessages();

@@ -7,6 +7,8 @@
 //   from the terminal
 //     L  a line to run. Lines may be sent ahead of their results.
 //     ?  the line up to the cursor: what may stand next?
+//     F  a piece of a file, for the line behind it: the name by which that line means it, a line feed, bytes. Pieces of
+//        one name belong together; all files of a line have 16 MiB at most
 //     W  the screen that lines are shown on: u16 columns, u8 what it can show (1 UTF-8, 2 colours). For the lines
 //     behind
 //        it; without one, 80 columns of ASCII
@@ -31,15 +33,17 @@
 
 namespace wire {
 
-inline constexpr u8 kVersion = 3;
+inline constexpr u8 kVersion = 4;
 inline constexpr u32 kMaxFrame = 65536;
 inline constexpr u32 kMaxRequest = 16384;
+inline constexpr std::size_t kMaxFiles = 16 << 20;  // bytes, of a line
 inline constexpr u32 kAhead = 64;  // requests that a terminal may have under way; msand takes them off the socket
 
 enum class Kind : char {
   line = 'L',
   ask = '?',
   screen = 'W',
+  file = 'F',
   hello = 'H',
   prompt = 'P',
   text = 'T',

@@ -70,17 +70,38 @@ void Startup::checkLoss(std::string_view text) const {
         "{}: {} lines failed at start and would be lost; \"write force\" writes nevertheless", path_, lost));
 }
 
-std::string Startup::write(node::Node& node, bool force) {
+// What there is to tell of it.
+std::string Startup::keepInHistory(std::string_view text, const History::Written& written) {
+  try {
+    history_.keep(text, written);
+    return "";
+  } catch (const std::exception& error) {
+    complain(fmt::format("not kept in the history: {}", error.what()));
+    return fmt::format("not kept in the history: {}", error.what());
+  }
+}
+
+std::string Startup::write(node::Node& node, bool force, const std::string& comment, std::string& text) {
   std::string missing;
-  const std::string text = asFile(printRunning(node, missing));
+  text = asFile(printRunning(node, missing));
   if (!force) checkLoss(text);
   if (!missing.empty() && !force)
     throw std::runtime_error(fmt::format("{}: the running configuration is incomplete: {}", path_, missing));
+  std::vector<std::string> told;
+  try {
+    const std::string old = readFile(path_, kMaxStartup);
+    if (!history_.endsWith(old)) told.push_back(keepInHistory(old, {timeNow(), "another", "found at this write"}));
+  } catch (const FileError&) {
+    // There is none, or none that could be kept.
+  }
   const std::string kept = unread_.empty() ? "" : keepAside(path_);
   replaceFile(path_, text);
   unread_.clear();
   failed_.clear();
-  return kept.empty() ? "" : fmt::format("the old file is kept as {}", kept);
+  told.push_back(keepInHistory(text, {timeNow(), "a terminal", comment}));
+  if (!kept.empty()) told.push_back(fmt::format("the old file is kept as {}", kept));
+  std::erase(told, "");
+  return fmt::format("{}", fmt::join(told, "\r\n"));
 }
 
 bool Startup::read(std::string& text) {
@@ -103,11 +124,12 @@ static std::string why(const node::FailedLine& line) {
   return fmt::format("gave {}{}{}", line.outcome.returned, printed.empty() ? "" : ": ", printed);
 }
 
-// "COLUMN: COMMAND: unknown command, WORDS expected".
-static std::string notUnderstood(const node::FailedLine& line, std::string_view command) {
+std::string failedText(const node::FailedLine& line) {
+  const std::string command = printable(std::string_view(line.command).substr(0, kMaxShown));
+  if (line.outcome.result == host::LineResult::ran) return fmt::format("{}: {}: {}", line.line, command, why(line));
   const host::Misunderstanding told = host::misunderstanding(CONFIG_NODE, line.command);
   const std::string expected = host::wordsOf(told);
-  return fmt::format("{}: {}: {}{}", told.at + 1, command, host::wordsOf(line.outcome.result),
+  return fmt::format("{}:{}: {}: {}{}", line.line, told.at + 1, command, host::wordsOf(line.outcome.result),
                      expected.empty() ? "" : fmt::format(", {} expected", expected));
 }
 
@@ -119,12 +141,7 @@ bool Startup::execute(node::Node& node, const std::function<bool()>& stopped) {
       text,
       [&](const node::FailedLine& line) {
         failed_.push_back(line.command);
-        if (failed_.size() > kMaxTold) return;
-        const std::string command = printable(std::string_view(line.command).substr(0, kMaxShown));
-        if (line.outcome.result == host::LineResult::ran)
-          complain(fmt::format("{}:{}: {}: {}", path_, line.line, command, why(line)));
-        else
-          complain(fmt::format("{}:{}:{}", path_, line.line, notUnderstood(line, command)));
+        if (failed_.size() <= kMaxTold) complain(fmt::format("{}:{}", path_, failedText(line)));
       },
       stopped);
   if (failed_.size() > kMaxTold) complain(fmt::format("{}: {} more lines failed", path_, failed_.size() - kMaxTold));

@@ -267,7 +267,7 @@ void Server::takeRequests(const SessionPtr& session) {
       break;
     }
     using enum wire::Kind;
-    if (frame->kind == line || frame->kind == ask || frame->kind == screen) {
+    if (frame->kind == line || frame->kind == ask || frame->kind == screen || frame->kind == file) {
       session->requests.push_back({frame->kind, std::string(frame->payload)});
       session->pending += frame->payload.size();
     } else {
@@ -404,6 +404,17 @@ void Server::serveNext() {
   serveOne(session);
 }
 
+// False: it is too much, and the session ends.
+static bool takePiece(Terminal& terminal, std::string_view piece) {
+  const std::size_t end = std::min(piece.find('\n'), piece.size());
+  std::size_t size = piece.size();
+  for (const auto& [name, bytes] : terminal.files) size += bytes.size();
+  terminal.ended = size > wire::kMaxFiles;
+  if (!terminal.ended)
+    terminal.files[std::string(piece.substr(0, end))] += piece.substr(std::min(end + 1, piece.size()));
+  return !terminal.ended;
+}
+
 void Server::serveOne(const SessionPtr& session) {
   Session::Request request;
   {
@@ -421,12 +432,15 @@ void Server::serveOne(const SessionPtr& session) {
   std::string frames;
   if (request.kind == wire::Kind::screen) {
     terminal.screen = wire::readScreen(request.line).value_or(terminal.screen);
+  } else if (request.kind == wire::Kind::file) {
+    if (!takePiece(terminal, request.line)) wire::appendFrame(frames, wire::Kind::bye, "files of more than 16 MiB");
   } else if (request.kind == wire::Kind::ask) {
     const std::string rows = service_.suggest(terminal, request.line);
     wire::appendFrame(frames, wire::Kind::suggestions, std::string_view(rows).substr(0, wire::kMaxFrame - 1));
   } else {
     std::string text;
     const wire::Result result = service_.run(terminal, request.line, text);
+    terminal.files.clear();
     frames.reserve(text.size() + text.size() / wire::kMaxFrame * 8 + 256);
     wire::appendFrames(frames, wire::Kind::text, text);
     std::string prompt = service_.prompt(terminal);

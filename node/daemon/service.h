@@ -1,6 +1,8 @@
 #pragma once
 // What stands behind the operator's socket.
 
+#include <map>
+#include <memory>
 #include <string>
 #include <string_view>
 
@@ -16,6 +18,8 @@ enum class TraceForm : u8 { off, brief, full, hex };
 
 enum class Answers : u8 { asked, yes, no };
 
+class Shadow;
+
 // A terminal, as its commands see it.
 struct Terminal {
   Level level = Level::configuration;
@@ -26,6 +30,8 @@ struct Terminal {
   std::string asking;                // that command's line, while a session is recorded
   int (*yes)(Vty* vty) = nullptr;
   wire::Screen screen{};
+  std::map<std::string, std::string> files = {};  // that came ahead of a line, which may mean them, by name
+  std::shared_ptr<Shadow> shadow = nullptr;       // lines are tried there
 };
 
 class Service {

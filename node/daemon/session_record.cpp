@@ -7,6 +7,8 @@
 #include <cerrno>
 #include <chrono>
 #include <filesystem>
+#include <limits>
+#include <memory>
 #include <system_error>
 
 #include "files.h"
@@ -54,24 +56,37 @@ static std::string headOf(node::Node& node) {
 
 // --- the record
 
-std::string SessionRecord::begin(const std::string& name, node::Node& node) {
-  checkFileName(name, kEnding, "a record");
-  const std::lock_guard turn(turn_);
-  end();
-  const std::string path = newFile(settings_.folder, name, file_);
+// In a turn that is nobody's.
+void SessionRecord::want(Sink sink) {
+  sink_ = std::move(sink);
   {
     const std::unique_lock alone(host::requestGate());
     wanted_ = true;
   }
   host::holdJobs(true);
   host::runJobs();
-  path_ = path;
   bytes_ = directives_ = 0;
   ended_.clear();
   lastLine_.clear();
+  recorder_.take();
+}
+
+void SessionRecord::beginInto(Sink sink) {
+  const std::lock_guard turn(turn_);
+  settings_.most = std::numeric_limits<std::size_t>::max();
+  want(std::move(sink));
+}
+
+std::string SessionRecord::begin(const std::string& name, node::Node& node) {
+  checkFileName(name, kEnding, "a record");
+  const std::lock_guard turn(turn_);
+  end();
+  const auto file = std::make_shared<Descriptor>();
+  path_ = newFile(settings_.folder, name, *file);
+  want([file](std::string_view text) { return writeAll(*file, text); });
   const bool written = append(headOf(node));
   recorder_.take();
-  if (!written) throw FileError(path, "can't be written", errno);
+  if (!written) throw FileError(path_, "can't be written", errno);
   return fmt::format("what is done is recorded in {}, up to {} MiB", path_, settings_.most >> 20);
 }
 
@@ -96,7 +111,7 @@ std::string SessionRecord::state() {
 void SessionRecord::close(const std::string& why) {
   if (!wanted_.exchange(false)) return;
   host::holdJobs(false);
-  file_.reset();
+  sink_ = nullptr;
   ended_ = why;
 }
 
@@ -105,7 +120,7 @@ bool SessionRecord::append(std::string_view text) {
   std::string why;
   if (bytes_ + text.size() > settings_.most)
     why = ", full";
-  else if (!writeAll(file_, text))
+  else if (!sink_(text))
     why = ", can't be written: " + std::generic_category().message(errno);
   bytes_ += why.empty() ? text.size() : 0;
   if (why.empty()) return true;

@@ -12,7 +12,6 @@
 #include <utility>
 #include <vector>
 
-#include "descriptor.h"
 #include "node.h"
 #include "scenario/outcome.h"
 #include "scenario/recorder.h"
@@ -34,6 +33,9 @@ class SessionRecord {
   std::string begin(const std::string& name, node::Node& node);
   std::string end();
   std::string state();
+  // The same into the caller's hands, without a head and without an end; false ends it.
+  using Sink = std::function<bool(std::string_view text)>;
+  void beginInto(Sink sink);
 
   // The operator's line that was recorded last. In a turn.
   const std::string& lastLine() const { return lastLine_; }
@@ -52,13 +54,14 @@ class SessionRecord {
   void note(std::string_view directive, const scenario::Outcome& outcome);
   bool append(std::string_view text);
   void close(const std::string& why);
+  void want(Sink sink);
   std::string told() const;
 
   RecordSettings settings_;
   std::atomic<bool> wanted_{false};
   std::recursive_mutex turn_;  // of the one request that is under way while it is wanted; what follows is its own
   std::string path_;
-  Descriptor file_;
+  Sink sink_;
   std::size_t bytes_ = 0, directives_ = 0;
   std::string ended_;  // why, if it was not the operator
   std::string lastLine_;

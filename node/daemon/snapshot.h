@@ -22,5 +22,6 @@ Snapshot snapshotOf(node::Node& node, const cards::DslCards* dsl);
 
 // The lines of a configuration that are not empty, without their ends and blanks behind.
 std::vector<std::string_view> linesOf(std::string_view configuration);
+std::vector<std::string_view> linesOf(std::string&&) = delete;
 
 }  // namespace msand

@@ -33,6 +33,7 @@ class Node {
   Node& operator=(const Node&) = delete;
 
   const Module& module() const { return *module_; }
+  const std::string& modulePath() const { return modulePath_; }
 
   // A slot is given a type or loses it; the results are those of msan_card_auth_init_db and msan_card_unauth_init_db.
   int authorise(u16 slot, const host::CardType& type);

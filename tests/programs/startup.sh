@@ -91,9 +91,9 @@ flock "$lock"
 start
 touch "$folder/startup.cfg.new-bbbbbb"
 leftovers() { (cd "$folder" && echo startup.cfg.*); }
-expect "files at start" "startup.cfg.backup startup.cfg.new-bbbbbb startup.cfg.new-cccccc startup.cfg.unread" "$(leftovers)"
+expect "files at start" "startup.cfg.backup startup.cfg.history startup.cfg.new-bbbbbb startup.cfg.new-cccccc startup.cfg.unread" "$(leftovers)"
 ctl -c write >/dev/null
-expect "files behind a write" "startup.cfg.backup startup.cfg.new-cccccc startup.cfg.unread" "$(leftovers)"
+expect "files behind a write" "startup.cfg.backup startup.cfg.history startup.cfg.new-cccccc startup.cfg.unread" "$(leftovers)"
 exec {lock}<&-
 stop
 

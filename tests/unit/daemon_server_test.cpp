@@ -156,7 +156,7 @@ class ServerThreads : public testing::Test {
 TEST_F(ServerThreads, LinesAreAnsweredInTheirOrder) {
   start();
   TestTerminal terminal(path_);
-  EXPECT_EQ(terminal.next(2), "H(\x03)P(> )");
+  EXPECT_EQ(terminal.next(2), "H(\x04)P(> )");
   terminal.sendLines({"say one", "fail", "debug", "say two"});
   EXPECT_EQ(terminal.next(6), "T(one)R(0 0)R(0 -1)P(debug> )R(0 0)T(two)");
   EXPECT_EQ(terminal.next(), "R(0 0)");
@@ -292,7 +292,7 @@ TEST_F(ServerThreads, ForOneTooManyTheMostSilentOneGoes) {
   talking.sendLines({"say on"});
   EXPECT_EQ(talking.next(2), "T(on)R(0 0)");
   TestTerminal third(path_);
-  EXPECT_EQ(third.next(2), "H(\x03)P(> )");
+  EXPECT_EQ(third.next(2), "H(\x04)P(> )");
   EXPECT_EQ(silent.next(2), "B(there are too many terminals, and this one was silent for longest)end");
   talking.sendLines({"say on"});
   EXPECT_EQ(talking.next(2), "T(on)R(0 0)");

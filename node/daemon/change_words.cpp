@@ -1,0 +1,216 @@
+#include "change_words.h"
+
+#include <fmt/format.h>
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "difference.h"
+#include "files.h"
+#include "host/terminal.h"
+#include "note.h"
+#include "operator.h"
+#include "platform_words.h"
+#include "shadow.h"
+
+namespace msand {
+
+namespace {
+
+constexpr std::size_t kMaxFile = 16 << 20;
+
+int refuse(const PlatformCall& call, const std::string& why) {
+  call.text += why + "\r\n";
+  return -1;
+}
+
+// "3 messages"
+std::string counted(u64 number, std::string_view what) {
+  return fmt::format("{} {}{}", number, what, number == 1 ? "" : "s");
+}
+
+std::string withReturns(std::string_view text) {
+  std::string all;
+  for (const char letter : text) {
+    if (letter == '\n') all += '\r';
+    all += letter;
+  }
+  return all;
+}
+
+std::shared_ptr<Shadow> shadowOf(const PlatformCall& call) {
+  node::Node& node = call.node.node();
+  return std::make_shared<Shadow>(snapshotOf(node, &call.node.cards()), node.modulePath());
+}
+
+// --- check
+
+// What would come of the lines, and go out. 0: all lines would be taken.
+int tellOutcome(const PlatformCall& call, Shadow& shadow, std::string_view what) {
+  const auto sent = shadow.sent();
+  if (what == "record") {
+    call.text += withReturns(shadow.record());
+    return shadow.refused() == 0 ? 0 : -1;
+  }
+  if (what == "messages") {
+    const std::string record = shadow.record();
+    for (const std::string_view line : linesOf(record)) {
+      const std::string_view word = line.substr(0, line.find_first_of("? "));
+      if (word == "gpon" || word == "gepon" || word == "epon" || word == "ngn")
+        call.text += fmt::format("{}\r\n", line);
+    }
+  }
+  call.text += fmt::format(
+      "{}, {}\r\n", counted(shadow.lines(), "line"),
+      shadow.refused() == 0 ? "all would be taken" : fmt::format("{} would not be taken", shadow.refused()));
+  for (const Shadow::Sent& one : sent)
+    call.text += fmt::format("{}: {}, {}\r\n", one.slot == 0 ? "the voice side" : fmt::format("slot {}", one.slot),
+                             counted(one.messages, "message"), counted(one.bytes, "byte"));
+  if (sent.empty()) call.text += "no message would be sent\r\n";
+  return shadow.refused() == 0 ? 0 : -1;
+}
+
+int openShadow(const PlatformCall& call) {
+  call.terminal.shadow = shadowOf(call);
+  call.text += "lines are tried in the dark from now on: \"check close\" ends it\r\n";
+  return 0;
+}
+
+int closeShadow(const PlatformCall& call, std::string_view what) {
+  const auto shadow = std::exchange(call.terminal.shadow, nullptr);
+  if (shadow == nullptr) return refuse(call, "nothing is tried here: \"check open\" begins it");
+  return tellOutcome(call, *shadow, what);
+}
+
+std::string whyOf(const wire::Result& result, const std::string& printed) {
+  if (result.outcome == wire::kAsks) return "asks, and gets no answer";
+  if (result.outcome == 0) {
+    const std::string text = printable(printed);
+    return fmt::format("{} ({})", text.empty() ? "failed" : text, result.returned);
+  }
+  const std::string words(host::wordsOf(static_cast<host::LineResult>(result.outcome)));
+  return words + (result.expected.empty() ? "" : ", " + result.expected + " expected");
+}
+
+// A file that the terminal has handed over, or one of the node's, seen from the folder of the startup configuration.
+std::string readNamed(const PlatformCall& call, const std::string& name) {
+  if (const auto told = call.terminal.files.find(name); told != call.terminal.files.end()) return told->second;
+  const auto folder = std::filesystem::path(call.node.startup().path()).parent_path();
+  return readFile((folder / name).string(), kMaxFile);
+}
+
+int checkFile(const PlatformCall& call, const std::string& name, std::string_view what) {
+  const std::string text = readNamed(call, name);
+  const auto shadow = shadowOf(call);
+  std::vector<Shadow::Line> lines;
+  u32 number = 0;
+  for (std::size_t at = 0; at < text.size();) {
+    const std::size_t end = std::min(text.find('\n', at), text.size());
+    std::string_view line = std::string_view(text).substr(at, end - at);
+    at = end + 1;
+    ++number;
+    if (line.ends_with('\r')) line.remove_suffix(1);
+    if (!line.starts_with('!') && line.find_first_not_of(" \t") != line.npos) lines.push_back({number, line});
+  }
+  for (const Shadow::Refused& one : shadow->runAll(lines)) {
+    if (what == "record") break;
+    const std::string column = one.result.outcome == 0 ? "" : fmt::format(":{}", one.result.at + 1);
+    call.text +=
+        fmt::format("{}:{}{}: {}: {}\r\n", name, one.number, column, whyOf(one.result, one.text), printable(one.line));
+  }
+  return tellOutcome(call, *shadow, what);
+}
+
+int checkCommand(const CommandElement*, Vty* vty, int argc, char** argv) {
+  return leave(vty,
+               [name = std::string(argv[0]), what = std::string(argc > 1 ? argv[1] : "")](const PlatformCall& call) {
+                 if (name == "open") return openShadow(call);
+                 return name == "close" ? closeShadow(call, what) : checkFile(call, name, what);
+               });
+}
+
+// --- compare
+
+// A configuration as a shadow of this node prints it, so that order, spelling and defaults don't count.
+std::string asPrinted(const PlatformCall& call, const std::string* configuration) {
+  node::Node& node = call.node.node();
+  Snapshot snapshot = snapshotOf(node, nullptr);
+  if (configuration != nullptr) snapshot.configuration = *configuration;
+  return Shadow(snapshot, node.modulePath()).configuration();
+}
+
+struct Sided {
+  std::string name, text;
+};
+
+Sided readSide(const PlatformCall& call, const std::vector<std::string>& words, std::size_t& at) {
+  const std::string& name = words[at++];
+  if (name == "running") return {name, asPrinted(call, nullptr)};
+  std::string text;
+  std::string full = name;
+  if (name == "rollback") {
+    if (at == words.size()) throw std::invalid_argument("a number of the history is missing behind rollback");
+    full += ' ' + words[at];
+    text = call.node.startup().history().text(words[at++]);
+  } else if (name == "startup") {
+    text = readFile(call.node.startup().path(), kMaxFile);
+  } else {
+    text = readNamed(call, name);
+  }
+  return {full, asPrinted(call, &text)};
+}
+
+// 0 they are the same, 1 they differ, 2 that can't be told.
+int compare(const PlatformCall& call, std::vector<std::string> words) try {
+  const bool json = !words.empty() && words.back() == "json";
+  if (json) words.pop_back();
+  std::vector<Sided> sides;
+  for (std::size_t at = 0; at < words.size();) sides.push_back(readSide(call, words, at));
+  if (sides.size() != 2) throw std::invalid_argument("two of running, startup, rollback NUMBER and files are compared");
+  const Difference difference = differenceOf(sides[0].name, sides[0].text, sides[1].name, sides[1].text);
+  call.text += json ? jsonOf(difference) : difference.unified;
+  return difference.unified.empty() ? 0 : 1;
+} catch (const std::exception& error) {
+  refuse(call, error.what());
+  return 2;
+}
+
+int compareCommand(const CommandElement*, Vty* vty, int argc, char** argv) {
+  return leave(vty, [words = std::vector<std::string>(argv, argv + argc)](const PlatformCall& call) {
+    return compare(call, words);
+  });
+}
+
+// --- history
+
+int showHistory(const PlatformCall& call) {
+  const auto all = call.node.startup().history().list();
+  if (all.empty()) return refuse(call, "nothing has been written");
+  call.text += fmt::format("{:<8} {:<20} {:<10} {}\r\n", "rollback", "written", "by", "comment");
+  for (std::size_t i = 0; i < all.size(); ++i)
+    call.text += fmt::format("{:<8} {:<20} {:<10} {}\r\n", i == 0 ? "startup" : fmt::format("{}", i), all[i].time,
+                             all[i].door, all[i].comment);
+  return 0;
+}
+
+int historyCommand(const CommandElement*, Vty* vty, int, char**) { return leave(vty, showHistory); }
+
+// clang-format off
+const CommandElement kElements[] = {
+    {"check <checked> {[messages|record]}*1", checkCommand, "what the lines of a file would do: which would not be taken, what would go out. open: try the lines to come; close: what came of them"},
+    {"compare {[running|startup|rollback|json|<side>]}*5", compareCommand, "how two configurations differ: running, startup, rollback NUMBER, a file"},
+    {"show history", historyCommand, "the startup configurations that were written"},
+};
+// clang-format on
+
+}  // namespace
+
+std::span<const CommandElement> changeWords() { return kElements; }
+
+bool leavesShadow(std::string_view line) {
+  const auto begin = line.find_first_not_of(" \t");
+  return begin != line.npos && line.substr(begin).starts_with("check close");
+}
+
+}  // namespace msand
