@@ -30,6 +30,7 @@ struct Options {
   std::string picture;
   int wait = 0;
   bool yes = false;
+  int confirm = 0;      // seconds
   std::string checked;  // check FILE
   bool messages = false;
   std::vector<std::string> sides;  // compare A B
@@ -49,6 +50,11 @@ void declare(CLI::App& app, Options& options) {
       ->type_name("SECONDS")
       ->check(CLI::Range(0, 3600));
   app.add_flag("--yes", options.yes, "questions of commands are answered with yes");
+  app.add_option("--confirm", options.confirm,
+                 "ahead of the file: what it changes is taken back after so long\n"
+                 "unless somebody runs \"confirm\"")
+      ->type_name("SECONDS")
+      ->check(CLI::Range(1, 86400));
   app.require_subcommand(0, 1);
   CLI::App* const check = app.add_subcommand("check", "tells what the lines of a file would do, and does nothing");
   check->add_option("FILE", options.checked, "the lines; - is standard input")->required();
@@ -157,6 +163,10 @@ int run(const Options& options) {
   if (asks && options.file.empty()) {
     std::fprintf(stderr, "msanctl: command:%llu asks, and got no answer\n", static_cast<unsigned long long>(number));
     code = kLineFailed;
+  }
+  if (options.confirm != 0) {
+    const std::string line = "confirm within " + std::to_string(options.confirm) + " seconds";
+    if (ctl::runCommand(connection, line, 0).failed != 0) return kLineFailed;
   }
   if (!options.file.empty()) return std::max(code, runFile(connection, options.file));
   if (!options.commands.empty()) return code;

@@ -2,6 +2,8 @@
 
 #include <fmt/format.h>
 
+#include <charconv>
+#include <chrono>
 #include <filesystem>
 #include <string>
 #include <vector>
@@ -12,6 +14,7 @@
 #include "note.h"
 #include "operator.h"
 #include "platform_words.h"
+#include "rollback.h"
 #include "shadow.h"
 
 namespace msand {
@@ -196,10 +199,87 @@ int showHistory(const PlatformCall& call) {
 
 int historyCommand(const CommandElement*, Vty* vty, int, char**) { return leave(vty, showHistory); }
 
+// --- back
+
+int rollback(const PlatformCall& call, const std::string& to) try {
+  Startup& startup = call.node.startup();
+  const bool taken = startup.pending().waits() && to.empty();
+  if (to.empty() && !taken) return refuse(call, "rollback startup, or rollback NUMBER of show history");
+  const std::string text = taken             ? startup.pending().configuration()
+                           : to == "startup" ? readFile(startup.path(), kMaxFile)
+                                             : startup.history().text(to);
+  call.text += takeOn(call.node, text);
+  if (taken) startup.pending().done();
+  note(fmt::format("the node has taken on the configuration {}", taken ? "ahead of the change" : to));
+  return 0;
+} catch (const std::exception& error) {
+  complain(fmt::format("rollback: {}", error.what()));
+  return refuse(call, error.what());
+}
+
+int rollbackCommand(const CommandElement*, Vty* vty, int argc, char** argv) {
+  return leave(vty,
+               [to = std::string(argc == 0 ? "" : argv[0])](const PlatformCall& call) { return rollback(call, to); });
+}
+
+// The time to confirm a change is over; on the operator's door.
+void takeBack(Operator& commands) {
+  Pending& pending = commands.startup().pending();
+  const std::string configuration = pending.configuration();
+  if (configuration.empty()) return;
+  std::string outcome = "a change was not confirmed: the node has the configuration ahead of it again";
+  try {
+    takeOn(commands, configuration);
+    pending.done();
+  } catch (const std::exception& error) {
+    outcome = fmt::format("a change was not confirmed, and can't be taken back: {}", error.what());
+  }
+  complain(outcome);
+  commands.later().announce(outcome);
+}
+
+int confirmWithin(const PlatformCall& call, std::chrono::seconds time) try {
+  Operator& commands = call.node;
+  if (commands.later().post == nullptr) return refuse(call, "a change can't wait here");
+  std::string missing;
+  const std::string configuration = printRunning(commands.node(), missing);
+  if (!missing.empty()) return refuse(call, "incomplete: " + missing);
+  commands.startup().pending().begin(configuration, time,
+                                     [&commands] { commands.later().post([&commands] { takeBack(commands); }); });
+  call.text +=
+      fmt::format("what changes from now on is taken back in {} s unless \"confirm\" follows\r\n", time.count());
+  note(fmt::format("a change waits {} s to be confirmed", time.count()));
+  return 0;
+} catch (const std::exception& error) {
+  return refuse(call, error.what());
+}
+
+int confirm(const PlatformCall& call) try {
+  if (!call.node.startup().pending().confirm()) return refuse(call, "no change waits to be confirmed");
+  call.text += "the change stays\r\n";
+  note("a change is confirmed");
+  return 0;
+} catch (const std::exception& error) {
+  return refuse(call, error.what());
+}
+
+int confirmCommand(const CommandElement*, Vty* vty, int argc, char** argv) {
+  if (argc == 0) return leave(vty, confirm);
+  std::chrono::seconds time{0};
+  const std::string_view number = argv[0];
+  long count = 0;
+  std::from_chars(number.data(), number.data() + number.size(), count);
+  time = argc > 1 ? std::chrono::seconds(count) : std::chrono::minutes(count);
+  return leave(vty, [time](const PlatformCall& call) { return confirmWithin(call, time); });
+}
+
 // clang-format off
 const CommandElement kElements[] = {
     {"check <checked> {[messages|record]}*1", checkCommand, "what the lines of a file would do: which would not be taken, what would go out. open: try the lines to come; close: what came of them"},
     {"compare {[running|startup|rollback|json|<side>]}*5", compareCommand, "how two configurations differ: running, startup, rollback NUMBER, a file"},
+    {"confirm", confirmCommand, "what has changed since confirm within stays"},
+    {"confirm within <1-86400> {[seconds]}*1", confirmCommand, "what changes from now on is taken back in so many minutes, unless confirm follows"},
+    {"rollback {[startup|<kept>]}*1", rollbackCommand, "take on the startup configuration or one of the history, and send what differs; alone: what a change that waits to be confirmed has changed"},
     {"show history", historyCommand, "the startup configurations that were written"},
 };
 // clang-format on

@@ -79,6 +79,13 @@ struct Tracing {
   Trace& trace;
 };
 
+// As long as it lives, a change that waits may be taken back.
+struct Later {
+  explicit Later(Pending& of) : pending(of) {}
+  ~Later() { pending.stop(); }
+  Pending& pending;
+};
+
 static void announceCards(node::Node& node, const Configuration& configuration) {
   for (const SlotConfiguration& slot : configuration.slots) {
     host::setCardState(slot.slot, slot.state);
@@ -202,6 +209,9 @@ void runDaemon(const Configuration& configuration) {
   listener.open();
   Server server(listener.descriptor(), door, commands);
   const Tracing tracing(trace, server);
+  const Later later(startup.pending());
+  commands.setLater({.post = [&door](std::function<void()> what) { door.post(std::move(what)); },
+                     .announce = [&server](std::string_view line) { server.announce(line); }});
   std::optional<MetricsFile> metricsFile;
   if (metrics) {
     const auto page = [&] { return metrics->page(server.terminals()); };

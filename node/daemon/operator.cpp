@@ -58,6 +58,7 @@ wire::Result Operator::runModuleLine(Terminal& terminal, std::string_view line, 
   if (vty.yes == nullptr) return result;
   terminal.question = vty.question;
   terminal.yes = vty.yes;
+  terminal.askedBy = node_.loads();
   if (sessionRecord().wanted()) terminal.asking = recordedLine(terminal.level, line);
   if (terminal.answers != Answers::asked) return answer(terminal, terminal.answers == Answers::yes, text);
   return {.outcome = wire::kAsks};
@@ -68,6 +69,10 @@ wire::Result Operator::answer(Terminal& terminal, bool yes, std::string& text) {
   vty.yes = std::exchange(terminal.yes, nullptr);
   text += std::exchange(terminal.question, {}) + (yes ? "yes\r\n" : "no\r\n");
   int returned = 0;
+  if (terminal.askedBy != node_.loads()) {
+    text += "the node has taken on another configuration meanwhile: nothing is done\r\n";
+    return ran(-1);
+  }
   {
     const Turn turn;
     Doing doing([&] { return recordedAnswer(terminal.asking, yes); });

@@ -26,6 +26,15 @@ class Operator : public Service {
   Startup& startup() { return startup_; }
   cards::DslCards& cards() { return cards_; }
 
+  // How something is done later, on the thread of the operator's door, and told to all terminals. Without it a change
+  // can't wait to be confirmed.
+  struct Later {
+    std::function<void(std::function<void()>)> post;
+    std::function<void(std::string_view)> announce;
+  };
+  void setLater(Later later) { later_ = std::move(later); }
+  const Later& later() const { return later_; }
+
   // What "show metrics" prints; without it the node counts nothing.
   void setMetrics(std::function<std::string()> page) { metrics_ = std::move(page); }
   const std::function<std::string()>& metrics() const { return metrics_; }
@@ -40,6 +49,7 @@ class Operator : public Service {
   Startup& startup_;
   cards::DslCards& cards_;
   std::function<std::string()> metrics_;
+  Later later_;
 };
 
 }  // namespace msand

@@ -320,7 +320,7 @@ const CommandElement kEverywhere[] = {
 };
 const CommandElement kDebug = {"debug", debugCommand, "go to the debug level"};
 
-constexpr std::string_view kWords[] = {"help", "exit", "answer", "write", "trace", "record", "check", "compare", "chassis", "plot", "flow", "get", "debug"};
+constexpr std::string_view kWords[] = {"help", "exit", "answer", "write", "trace", "record", "check", "compare", "confirm", "rollback", "chassis", "plot", "flow", "get", "debug"};
 constexpr std::string_view kShown[] = {"running-config", "metrics", "history"};  // behind "show"
 // clang-format on
 

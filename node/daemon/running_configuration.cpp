@@ -82,6 +82,7 @@ std::string Startup::keepInHistory(std::string_view text, const History::Written
 }
 
 std::string Startup::write(node::Node& node, bool force, const std::string& comment, std::string& text) {
+  if (pending_.waits()) throw std::runtime_error("a change waits to be confirmed: \"confirm\" or \"rollback\" first");
   std::string missing;
   text = asFile(printRunning(node, missing));
   if (!force) checkLoss(text);
@@ -133,10 +134,23 @@ std::string failedText(const node::FailedLine& line) {
                      expected.empty() ? "" : fmt::format(", {} expected", expected));
 }
 
+// A change that was to be confirmed when msand ended is taken back.
+bool Startup::readBack(std::string& text) try {
+  removeUnfinished(path_ + ".unconfirmed");
+  text = pending_.leftBehind();
+  if (text.empty()) return false;
+  warn("a change was not confirmed when msand ended: the configuration ahead of it is executed");
+  return true;
+} catch (const FileError& error) {
+  complain(fmt::format("a change was not confirmed when msand ended, but {}", error.what()));
+  return false;
+}
+
 bool Startup::execute(node::Node& node, const std::function<bool()>& stopped) {
   removeUnfinished(path_);
   std::string text;
-  const bool there = read(text);
+  const bool back = readBack(text);
+  const bool there = back || read(text);
   const bool whole = node.executeStartup(
       text,
       [&](const node::FailedLine& line) {
@@ -145,6 +159,10 @@ bool Startup::execute(node::Node& node, const std::function<bool()>& stopped) {
       },
       stopped);
   if (failed_.size() > kMaxTold) complain(fmt::format("{}: {} more lines failed", path_, failed_.size() - kMaxTold));
+  if (back && whole) {
+    pending_.done();
+    failed_.clear();  // none of the file's
+  }
   if (!whole) {
     note(fmt::format("told to stop while the startup configuration {} was executed", path_));
   } else if (there) {

@@ -8,6 +8,7 @@
 
 #include "history.h"
 #include "node.h"
+#include "pending.h"
 
 namespace msand {
 
@@ -19,13 +20,15 @@ std::string failedText(const node::FailedLine& line);
 
 class Startup {
  public:
-  explicit Startup(std::string path) : path_(std::move(path)), history_(path_) {}
+  explicit Startup(std::string path) : path_(std::move(path)), history_(path_), pending_(path_) {}
 
   const std::string& path() const { return path_; }
   const History& history() const { return history_; }
+  Pending& pending() { return pending_; }
 
-  // Executes the file. A node without one starts empty, one whose file can't be read, too; both are told in the log, as
-  // is each line that fails. False: `stopped`, which is asked ahead of each line, has become true.
+  // Executes the file, or what a change that nobody has confirmed is to be taken back to. A node without one starts
+  // empty, one whose file can't be read, too; both are told in the log, as is each line that fails. False: `stopped`,
+  // which is asked ahead of each line, has become true.
   bool execute(node::Node& node, const std::function<bool()>& stopped);
 
   // Replaces the file by the running configuration. Refused, unless by force, if that would lose what the file holds
@@ -35,12 +38,14 @@ class Startup {
   std::string write(node::Node& node, bool force, const std::string& comment, std::string& text);
 
  private:
+  bool readBack(std::string& text);
   bool read(std::string& text);
   void checkLoss(std::string_view text) const;
   std::string keepInHistory(std::string_view text, const History::Written& written);
 
   std::string path_;
   History history_;
+  Pending pending_;
   std::string unread_;               // why the file was not read at start; empty: it was, or is not there
   std::vector<std::string> failed_;  // lines of it that failed at start
 };

@@ -352,10 +352,23 @@ void Server::watch(Session& session) {
 
 // --- what the door's thread and run()'s thread have for each other
 
+void Server::announce(std::string_view line) {
+  const std::lock_guard lock(mutex_);
+  wire::appendFrame(announced_, wire::Kind::trace, line.substr(0, wire::kMaxFrame - 1));
+  if (!woken_) eventfd_write(wake_.get(), 1);
+  woken_ = true;
+}
+
 void Server::settleChanged() {
   std::vector<SessionPtr> sessions;
   {
     const std::lock_guard lock(mutex_);
+    const std::string announced = std::exchange(announced_, {});
+    for (const auto& [descriptor, session] : sessions_) {
+      if (announced.empty() || session->gone || session->ended) continue;
+      append(*session, announced);
+      changed(session);
+    }
     sessions.swap(changed_);
     woken_ = false;
     for (const SessionPtr& session : sessions) session->marked = false;

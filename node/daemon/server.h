@@ -43,6 +43,9 @@ class Server : public TraceSink {
   // That are served now; from any thread.
   std::size_t terminals() const { return count_; }
 
+  // A line for every terminal, shown as those of a trace are; from any thread.
+  void announce(std::string_view line);
+
   // A terminal traces; it is shown a line.
   bool wanted() const override { return traced_ != 0; }
   bool wanted(TraceForm form) const override { return (traced_ >> static_cast<int>(form) & 1) != 0; }
@@ -98,6 +101,7 @@ class Server : public TraceSink {
   std::size_t held_ = 0;           // of these, how many are not posted, since too much is unsent
   Shares shares_;
   std::size_t unsent_ = 0;  // bytes, of all
+  std::string announced_;   // frames for all
   std::vector<SessionPtr> changed_;
   std::vector<SessionPtr> tracing_;
   std::atomic<u8> traced_ = 0;  // a bit for each form that is shown

@@ -29,6 +29,7 @@ struct Terminal {
   std::string question;              // that a command has left open; the next line answers it
   std::string asking;                // that command's line, while a session is recorded
   int (*yes)(Vty* vty) = nullptr;
+  u32 askedBy = 0;  // the module of this load
   wire::Screen screen{};
   std::map<std::string, std::string> files = {};  // that came ahead of a line, which may mean them, by name
   std::shared_ptr<Shadow> shadow = nullptr;       // lines are tried there

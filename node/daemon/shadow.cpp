@@ -52,7 +52,13 @@ Shadow::Shadow(const Snapshot& snapshot, const std::string& module) {
                             {"lines", snapshot.lines},
                             {"configuration", bytesValue(snapshot.configuration)},
                             {"cards", snapshot.cards}});
-  for (const Value& line : answer.at("failed")) failed_.push_back(bytesOf(line));
+  for (const Value& line : answer.at("failed")) failed_.push_back({bytesOf(line.at(0)), bytesOf(line.at(1))});
+  for (const Value& one : answer.at("state")) {
+    const auto& bytes = one.at(3).get_binary();
+    state_.push_back(
+        {static_cast<messages::Road>(one.at(0).get<int>()), one.at(1), one.at(2), {bytes.begin(), bytes.end()}});
+  }
+  voiceMode_ = answer.at("voice").get<std::array<u32, 2>>();
 }
 
 Shadow::~Shadow() {

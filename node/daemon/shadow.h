@@ -4,12 +4,14 @@
 
 #include <sys/types.h>
 
+#include <array>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "channel.h"
 #include "descriptor.h"
+#include "messages/changed.h"
 #include "service.h"
 #include "snapshot.h"
 
@@ -24,8 +26,11 @@ class Shadow {
   Shadow(const Shadow&) = delete;
   Shadow& operator=(const Shadow&) = delete;
 
-  // Lines of the configuration that failed: "NUMBER: LINE: why".
-  const std::vector<std::string>& failed() const { return failed_; }
+  // Lines of the configuration that failed, and what is told of each: "NUMBER: LINE: why".
+  struct Failed {
+    std::string line, told;
+  };
+  const std::vector<Failed>& failed() const { return failed_; }
 
   // An operator's line, as a service runs it. Lines that reach out of the node, such as write, do nothing.
   wire::Result run(std::string_view line, std::string& text);
@@ -49,6 +54,11 @@ class Shadow {
 
   std::string configuration();  // as printRunning
 
+  // What cards and the voice side were told at its start, which is all that they have to know; the mode that the voice
+  // side was brought into, with its flag.
+  const std::vector<messages::StateMessage>& state() const { return state_; }
+  std::array<u32, 2> voiceMode() const { return voiceMode_; }
+
   // What has left it since it was started: by slot (0: the voice side), and as the directives and records of a
   // scenario.
   struct Sent {
@@ -65,7 +75,9 @@ class Shadow {
 
   pid_t process_ = 0;
   Descriptor socket_;
-  std::vector<std::string> failed_;
+  std::vector<Failed> failed_;
+  std::vector<messages::StateMessage> state_;
+  std::array<u32, 2> voiceMode_{};
   u32 lines_ = 0, refused_ = 0;
   std::string prompt_ = "msan# ";
   bool ended_ = false;

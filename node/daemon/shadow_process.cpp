@@ -18,19 +18,35 @@
 #include "scenario/directives.h"
 #include "session_record.h"
 #include "shadow.h"
-#include "trace.h"
 
 namespace msand {
 
 namespace {
 
-// Counts what goes out.
-class Counter : public Trace {
+// Counts what goes out, and keeps what goes out at the start.
+class Counter : public host::Observer {
  public:
-  void send(host::Link link, u16 slot, u16, host::Bytes payload) override { count(link, slot, payload); }
+  void send(host::Link link, u16 slot, u16 id, host::Bytes payload) override {
+    using messages::Road;
+    constexpr Road kRoads[] = {Road::gpon, Road::gepon, Road::epon, Road::ngn};
+    count(link, slot, payload);
+    if (starts)
+      state.push_back(Value::array({static_cast<int>(kRoads[static_cast<int>(link)]), slot, id,
+                                    bytesValue({reinterpret_cast<const char*>(payload.data()), payload.size()})}));
+  }
   void ask(host::Link link, u16 slot, u16, host::Bytes request) override { count(link, slot, request); }
+  void voiceMode(u32, u32 mode, u32 flag) override {
+    if (starts) voice = {mode, flag};
+  }
+  // A card that comes up is told all once more.
+  void leaveVoice() {
+    std::erase_if(state.get_ref<Value::array_t&>(), [](const Value& one) { return one.at(1) != 0; });
+  }
 
   std::map<u16, std::pair<u32, u64>> slots;
+  bool starts = true;
+  Value state = Value::array();
+  std::array<u32, 2> voice{};  // mode and flag
 
  private:
   void count(host::Link link, u16 slot, host::Bytes bytes) {
@@ -89,21 +105,25 @@ class ShadowNode {
 
   Value setUp(const Value& request) {
     play(request.at("chassis"));
+    counter_.state.clear();
     for (const std::string words : request.at("lines")) {
       std::string text;
       commands_.run(terminal_, "chassis " + words, text);
     }
     Value failed = Value::array();
-    node_.executeStartup(bytesOf(request.at("configuration")),
-                         [&](const node::FailedLine& line) { failed.push_back(bytesValue(failedText(line))); });
+    node_.executeStartup(bytesOf(request.at("configuration")), [&](const node::FailedLine& line) {
+      failed.push_back(Value::array({bytesValue(line.command), bytesValue(failedText(line))}));
+    });
     host::runJobs();
+    counter_.leaveVoice();
     play(request.at("cards"));
     counter_.slots.clear();
+    counter_.starts = false;
     sessionRecord().beginInto([this](std::string_view text) {
       record_ += text;
       return true;
     });
-    return {{"failed", failed}};
+    return {{"failed", failed}, {"state", std::move(counter_.state)}, {"voice", counter_.voice}};
   }
 
   Value run(const std::string& line) {

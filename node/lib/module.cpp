@@ -58,7 +58,7 @@ void Module::findEntries() {
   port_test_command = static_cast<const CommandElement*>(dlsym(handle_, "msan_port_test_command"));
 }
 
-void* Module::exported(const std::string& name) const { return dlsym(handle_, name.c_str()); }
+void* Module::exported(const char* name) const { return dlsym(handle_, name); }
 
 // The leak check comes while the library is mapped, so that its frames have names. The pools go last: destructors of
 // the module's statics still give blocks back.

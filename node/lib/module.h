@@ -36,7 +36,7 @@ class Module {
   static int leaksFound();
 
   // A further function that the library exports; null if there is none of the name.
-  void* exported(const std::string& name) const;
+  void* exported(const char* name) const;
 
   decltype(&::msan_Module_Init) Module_Init;
   decltype(&::msan_slot_hotplug) slot_hotplug;

@@ -74,6 +74,7 @@ void Node::load() {
   host::resetSeverities();
   host::setFastMode(false);
   module_.emplace(modulePath_);
+  ++loads_;
   const int result = module_->Module_Init();
   if (result == 0) {
     if (module_->port_test_command != nullptr) install_element(CONFIG_NODE, module_->port_test_command);
@@ -140,13 +141,15 @@ bool Node::runStartup(std::string_view text, const std::function<void(const Fail
   return true;
 }
 
-void Node::restart(std::string_view startup, const std::function<void(const FailedLine&)>& failed) {
+void Node::restart(std::string_view startup, const std::function<void(const FailedLine&)>& failed,
+                   const std::function<void()>& behind) {
   const std::unique_lock alone(host::requestGate());
   module_.reset();
   load();
   for (u16 slot = 1; slot <= host::kSlots; ++slot)
     if (host::authorisedType(slot) != nullptr) module_->card_auth_init_db(slot);
   runStartup(startup, failed, nullptr);
+  if (behind) behind();
 }
 
 }  // namespace node

@@ -4,6 +4,7 @@
 // The functions take host::requestGate() themselves, as their work asks; a caller must not hold it. A door that calls
 // the platform directly (agentSet, runLine, runJobs) holds it shared.
 
+#include <atomic>
 #include <functional>
 #include <optional>
 #include <string>
@@ -54,13 +55,18 @@ class Node {
 
   // Unloads the library, loads it again with an empty database, authorises the slots' types again, and executes the
   // startup configuration. Cards stay as they are. Throws as the constructor does; then the node can only be destroyed.
-  void restart(std::string_view startup, const std::function<void(const FailedLine&)>& failed);
+  // `behind` is called at the end of it, while nobody else is let in.
+  void restart(std::string_view startup, const std::function<void(const FailedLine&)>& failed,
+               const std::function<void()>& behind = nullptr);
+  // How often the module was loaded.
+  u32 loads() const { return loads_; }
 
  private:
   void load();
   bool runStartup(std::string_view text, const std::function<void(const FailedLine&)>& failed,
                   const std::function<bool()>& stopped);
   std::string modulePath_;
+  std::atomic<u32> loads_ = 0;
   std::optional<Module> module_;
 };
 

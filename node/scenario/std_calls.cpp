@@ -244,7 +244,7 @@ void recordOuts(const Function& function, const Values& values, int result, std:
 }
 
 void call(const Function& function, Values values, Stage& stage, Outcome& outcome) {
-  void* const exported = stage.node.module().exported(std::string(function.name));
+  void* const exported = stage.node.module().exported(function.name.data());
   if (exported == nullptr) return outcome.notAvailable(fmt::format("the module exports no {}", function.name));
   const int result = function.call(exported, values);
   recordOuts(function, values, result, outcome.lines);

@@ -17,10 +17,11 @@ class StandardCall;
 template <class... T>
 class StandardCall<int(T...)> {
  public:
-  StandardCall(const char* name, int (*function)(T...)) : name_(name), function_(function) {}
+  StandardCall(const node::Module& module, const char* name) : module_(module), name_(name) {}
   int operator()(T... arguments) const {
     Doing doing([] { return std::string(); });
-    const int result = function_(arguments...);
+    // The module may have been loaded anew since the last call.
+    const int result = reinterpret_cast<int (*)(T...)>(module_.exported(name_))(arguments...);
     doing.outcome([&](scenario::Outcome& outcome) {
       const scenario::StdArgument told[] = {argument(arguments)...};
       const scenario::ToldStd call = scenario::tellStd(name_, told, result);
@@ -39,8 +40,8 @@ class StandardCall<int(T...)> {
     return {number, nullptr};
   }
 
+  const node::Module& module_;
   const char* name_;
-  int (*function_)(T...);
 };
 
 class StandardFunctions {
@@ -50,14 +51,12 @@ class StandardFunctions {
   bool complete() const { return complete_; }
 
  private:
-  template <class Function>
-  Function* find(const char* name) {
-    void* const found = module_.exported(name);
-    complete_ = complete_ && found != nullptr;
-    return reinterpret_cast<Function*>(found);
+  const node::Module& of(const char* name) {
+    complete_ = complete_ && module_.exported(name) != nullptr;
+    return module_;
   }
 #define MSAND_FUNCTION(member, name) \
-  const StandardCall<decltype(::name)> member { #name, find<decltype(::name)>(#name) }
+  const StandardCall<decltype(::name)> member { of(#name), #name }
 
   const node::Module& module_;
   bool complete_ = true;

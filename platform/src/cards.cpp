@@ -32,7 +32,8 @@ std::map<Key, std::deque<Outcome>>& queues() {
   return all;
 }
 std::array<std::atomic<u32>, 21> delays{};  // milliseconds by slot, 0: the voice side
-std::atomic<std::size_t> queued{0};         // over all keys: most messages find nothing and take no lock
+std::atomic<bool> held{false};
+std::atomic<std::size_t> queued{0};  // over all keys: most messages find nothing and take no lock
 
 Answerer& answerer() {
   static Answerer one;
@@ -87,6 +88,9 @@ void delayAnswers(u16 slot, u32 milliseconds) {
   if (slot < delays.size()) delays[slot] = milliseconds;
 }
 
+void holdLinks(bool hold) { held = hold; }
+bool linksHeld() { return held; }
+
 void clearLinks() {
   const std::lock_guard lock(mutex);
   queues().clear();
@@ -123,6 +127,7 @@ int exchangeResult(Fault fault, Link link, u16 slot, u16 id, Bytes question, voi
 namespace {
 
 int sendToCard(Link link, u16 slot, u16 id, const void* payload, u32 length) {
+  if (held) return 0;
   told([=](Observer& observer) { observer.send(link, slot, id, bytesOf(payload, length)); });
   const int result = sendResult(Fault::cardSend, link, slot, id);
   if (result >= 0 && listener()) listener()(link, slot, id, bytesOf(payload, length));
@@ -131,6 +136,7 @@ int sendToCard(Link link, u16 slot, u16 id, const void* payload, u32 length) {
 }
 
 int askCard(Link link, u16 slot, u16 id, Bytes request, void* response, u32* responseLen) {
+  if (held) return -1;
   told([=](Observer& observer) { observer.ask(link, slot, id, request); });
   const int result = exchangeResult(Fault::cardExchange, link, slot, id, request, response, responseLen);
   passed({link, slot, id, true, static_cast<u32>(request.size()), result,

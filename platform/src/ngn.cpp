@@ -1,5 +1,6 @@
 #include "platform/ngn.h"
 
+#include "host/links.h"
 #include "link_queue.h"
 
 using host::bytesOf;
@@ -8,6 +9,7 @@ using host::Link;
 using host::Observer;
 
 int writeNgnCmd(u16 id, i32, const void* data, u32 length, i32, i32, i32, i32) {
+  if (host::linksHeld()) return 0;
   host::told([=](Observer& observer) { observer.send(Link::ngn, 0, id, bytesOf(data, length)); });
   const int result = host::sendResult(Fault::ngnSend, Link::ngn, 0, id);
   host::passed({Link::ngn, 0, id, false, length, result, {}});
@@ -15,6 +17,7 @@ int writeNgnCmd(u16 id, i32, const void* data, u32 length, i32, i32, i32, i32) {
 }
 
 int readNgnCmd(u16 id, i32, const void* request, u32 requestLen, void* response, u32* responseLen, i32, i32) {
+  if (host::linksHeld()) return -1;
   host::told([=](Observer& observer) { observer.ask(Link::ngn, 0, id, bytesOf(request, requestLen)); });
   const int result =
       host::exchangeResult(Fault::ngnExchange, Link::ngn, 0, id, bytesOf(request, requestLen), response, responseLen);
@@ -24,6 +27,7 @@ int readNgnCmd(u16 id, i32, const void* request, u32 requestLen, void* response,
 }
 
 int send_ngn_voice_rtp_ip_by_slot(u16 slot) {
+  if (host::linksHeld()) return 0;
   host::told([=](Observer& observer) { observer.rtpIp(slot); });
   return host::sendResult(Fault::ngnSend, Link::ngn, slot, 0);
 }

@@ -6,6 +6,8 @@
 #include <stdexcept>
 #include <utility>
 
+#include "host/links.h"
+#include "host/links.h"
 #include "host/watcher.h"
 #include "platform/database.h"
 
@@ -78,5 +80,5 @@ CaptureOutput::~CaptureOutput() {
 }  // namespace host
 
 void trigger_obj_crc(u16 slot, int, int, u16 id, int origin) {
-  host::told([=](host::Observer& observer) { observer.crc(slot, id, origin); });
+  if (!host::linksHeld()) host::told([=](host::Observer& observer) { observer.crc(slot, id, origin); });
 }

@@ -8,6 +8,7 @@
 #include <string>
 
 #include "host/jobs.h"
+#include "host/links.h"
 #include "host/observer.h"
 #include "link_queue.h"
 
@@ -52,6 +53,7 @@ std::string describe(const QueuedJob& job) {
 }  // namespace
 
 int set_voice_module_mode(u32 oldType, u32 newType, u32 flag) {
+  if (host::linksHeld()) return 0;
   host::told([=](host::Observer& observer) { observer.voiceMode(oldType, newType, flag); });
   host::takeTime(0);
   return takeFirst(results()).value_or(0);

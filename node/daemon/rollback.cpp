@@ -1,0 +1,140 @@
+#include "rollback.h"
+
+#include <fmt/format.h>
+
+#include <cstdlib>
+#include <map>
+#include <unordered_set>
+
+#include "host/jobs.h"
+#include "host/links.h"
+#include "host/terminal.h"
+#include "messages/changed.h"
+#include "note.h"
+#include "operator.h"
+#include "platform/cards.h"
+#include "platform/ngn.h"
+#include "platform/voice_mode.h"
+#include "platform_words.h"
+#include "session_record.h"
+#include "shadow.h"
+
+namespace msand {
+
+namespace {
+
+// A line that fails and is printed again, as those of profiles that can't be changed, is no loss.
+void refuseLoss(const Shadow& shadow, const std::string& printed) {
+  std::unordered_set<std::string_view> kept;
+  for (const std::string_view line : linesOf(printed)) kept.insert(line);
+  std::size_t lost = 0;
+  const Shadow::Failed* first = nullptr;
+  for (const Shadow::Failed& one : shadow.failed()) {
+    if (const auto lines = linesOf(std::string_view(one.line)); lines.empty() || kept.contains(lines.front())) continue;
+    if (first == nullptr) first = &one;
+    ++lost;
+  }
+  if (first == nullptr) return;
+  throw RollbackError(fmt::format("{} of its lines would be refused, the first is {}; the node is as it was", lost,
+                                  printable(first->told)));
+}
+
+void send(const messages::StateMessage& message) {
+  const void* const bytes = message.bytes.data();
+  const auto length = static_cast<u32>(message.bytes.size());
+  switch (message.road) {
+    case messages::Road::gpon:
+      dm_MakeCmdPkt_GPON(message.slot, message.id, bytes, length);
+      return;
+    case messages::Road::gepon:
+      dm_MakeCmdPkt_GEPON(message.slot, message.id, bytes, length);
+      return;
+    case messages::Road::epon:
+      dm_MakeCmdPkt_EPON(message.slot, message.id, bytes, length);
+      return;
+    default:
+      writeNgnCmd(message.id, 0, bytes, length, 0, 0, 0, 0);
+  }
+}
+
+// What a change of the module asks of the platform, held back as long as it lives.
+struct Held {
+  Held() {
+    host::holdJobs(true);
+    host::runJobs();
+    host::holdLinks(true);
+  }
+  ~Held() {
+    host::holdLinks(false);
+    host::holdJobs(false);
+  }
+  Held(const Held&) = delete;
+  Held& operator=(const Held&) = delete;
+};
+
+// True if the module prints then what it should; `behind` is done in that case. All under the gate.
+template <class Behind>
+bool load(node::Node& node, const std::string& configuration, const std::string& expected, Behind behind) {
+  bool good = false;
+  try {
+    node.restart(
+        configuration, [](const node::FailedLine&) {},
+        [&] {
+          installPlatformWords();
+          Vty vty;
+          good = host::runShowrun(vty) == 0 && vty.text == expected;
+          if (good) behind();
+        });
+  } catch (const std::exception& error) {
+    // There is no module any more. The next start has the startup configuration.
+    complain(fmt::format("the module can't be loaded any more, msand ends: {}", error.what()));
+    std::_Exit(1);
+  }
+  return good;
+}
+
+std::string told(const std::vector<messages::StateMessage>& sent, const std::vector<messages::Forgotten>& forgotten) {
+  std::map<u16, u32> slots;
+  for (const messages::StateMessage& message : sent) ++slots[message.slot];
+  std::string text;
+  for (const auto& [slot, count] : slots)
+    text += fmt::format("{}: {} message{}\r\n", slot == 0 ? "the voice side" : fmt::format("slot {}", slot), count,
+                        count == 1 ? "" : "s");
+  if (sent.empty()) text += "no message was to be sent\r\n";
+  for (const messages::Forgotten& one : forgotten)
+    text += fmt::format(
+        "slot {}: of what message {} has told the card, something is gone; the card learns so when it comes up "
+        "again\r\n",
+        one.slot, one.id);
+  return text;
+}
+
+}  // namespace
+
+std::string takeOn(Operator& commands, const std::string& configuration) {
+  node::Node& node = commands.node();
+  const Turn turn(Turn::Gate::ofCall);
+  const Snapshot old = snapshotOf(node, nullptr);
+  Snapshot next = old;
+  next.configuration = configuration;
+  Shadow before(old, node.modulePath());
+  Shadow after(next, node.modulePath());
+  const std::string expected = after.configuration();
+  refuseLoss(after, expected);
+  const auto changed = messages::changedMessages(before.state(), after.state());
+  if (sessionRecord().wanted()) msand::note("a rollback ends the record: " + sessionRecord().end());
+
+  const Held held;
+  const bool done = load(node, configuration, expected, [&] {
+    host::holdLinks(false);
+    const auto [mode, flag] = after.voiceMode();
+    if (before.voiceMode()[0] != mode) set_voice_module_mode(before.voiceMode()[0], mode, flag);
+    for (const messages::StateMessage& message : changed) send(message);
+  });
+  if (done) return told(changed, messages::forgottenBy(before.state(), after.state()));
+  const bool back = load(node, old.configuration, before.configuration(), [] {});
+  throw RollbackError(back ? "it has failed on the way; the node has the old configuration again"
+                           : "it has failed on the way, and so has the way back: look at show running-config");
+}
+
+}  // namespace msand
