@@ -13,9 +13,9 @@ packagesFor() {
     # The compiler and the build; what platform and programs are made of.
     build) echo g++ cmake ninja-build pkg-config liblmdb-dev libfmt-dev libspdlog-dev libedit-dev libcli11-dev \
                 libtomlplusplus-dev libsnmp-dev libsystemd-dev nlohmann-json3-dev zlib1g-dev ;;
-    # snmp: managers' tools, iproute2: ss, gnuplot: what draws pictures,
+    # snmp, snmptrapd: managers' tools, iproute2: ss, gnuplot: what draws pictures,
     # tshark: what shows captures, prometheus: promtool.
-    test) echo libgtest-dev libgmock-dev snmp iproute2 gnuplot-nox tshark prometheus ;;
+    test) echo libgtest-dev libgmock-dev snmp snmptrapd iproute2 gnuplot-nox tshark prometheus ;;
     check) echo clang-format-16 smitools ;;
     bench) echo libbenchmark-dev snmp snmpd ;;
     # The compiler, its fuzzing runtime, and what gives its traces names.

@@ -288,6 +288,14 @@ const CommandElement kElements[] = {
 
 std::span<const CommandElement> changeWords() { return kElements; }
 
+static void listHistory(const void* of, CommandOffers* to) {
+  i32 number = 0;
+  for (const History::Written& one : static_cast<const History*>(of)->list())
+    offer_to_cli(to, number++, one.time.data(), static_cast<u32>(one.time.size()));
+}
+
+void offerHistory(const History& history) { install_offers("rollback", listHistory, &history); }
+
 bool leavesShadow(std::string_view line) {
   const auto begin = line.find_first_not_of(" \t");
   return begin != line.npos && line.substr(begin).starts_with("check close");

@@ -57,6 +57,7 @@ class Reader {
     to.push_back(std::move(one));
   }
   std::vector<std::string> listen(const toml::key& key, const toml::node& value) const;
+  std::vector<std::string> notified(const toml::key& key, const toml::node& value) const;
   SnmpSettings snmp(const toml::key& key, const toml::node& value) const;
 
   const std::string& path_;
@@ -259,6 +260,21 @@ std::vector<std::string> Reader::listen(const toml::key& key, const toml::node& 
   return all;
 }
 
+// Managers that are told of something, by UDP.
+std::vector<std::string> Reader::notified(const toml::key& key, const toml::node& value) const {
+  std::vector<std::string> all;
+  for (const toml::node& entry : array(key, value)) {
+    const std::string word = text(key, entry);
+    try {
+      all.push_back(listenAddresses(word).front());
+    } catch (const std::invalid_argument& error) {
+      fail(entry.source(), fmt::format("\"{}\" {}", word, error.what()));
+    }
+    if (!all.back().starts_with("udp")) fail(entry.source(), fmt::format("\"{}\" is not of UDP", word));
+  }
+  return all;
+}
+
 SnmpSettings Reader::snmp(const toml::key& key, const toml::node& value) const {
   SnmpSettings settings;
   for (const auto& [name, entry] : table(key, value)) {
@@ -270,6 +286,8 @@ SnmpSettings Reader::snmp(const toml::key& key, const toml::node& value) const {
       settings.location = text(name, entry);
     else if (name == "contact")
       settings.contact = text(name, entry);
+    else if (name == "notify")
+      settings.notify = notified(name, entry);
     else if (name == "communities")
       for (const toml::node& one : array(name, entry)) add(settings.communities, community(name, one), one);
     else if (name == "users")

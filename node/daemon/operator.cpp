@@ -16,7 +16,7 @@ namespace msand {
 
 Operator::Operator(node::Node& node, Startup& startup, cards::DslCards& cards)
     : node_(node), startup_(startup), cards_(cards) {
-  installPlatformWords();
+  installPlatformWords(startup_.history());
 }
 
 std::string Operator::prompt(const Terminal& terminal) const {

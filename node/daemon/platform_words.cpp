@@ -342,13 +342,14 @@ int leave(Vty* vty, PlatformAction action) {
   return 0;
 }
 
-void installPlatformWords() {
+void installPlatformWords(const History& history) {
   for (const Level level : {Level::configuration, Level::debug})
     for (const auto elements : {std::span<const CommandElement>(kEverywhere), lineWords(), portWords(), plotWords(),
                                 flowWords(), getWords(), changeWords()})
       for (const CommandElement& element : elements) install_element(platformNode(level), &element);
   install_element(platformNode(Level::configuration), &kDebug);
   offerMessages();
+  offerHistory(history);
 }
 
 bool isPlatformWord(std::string_view word) {

@@ -33,7 +33,8 @@ int leave(Vty* vty, PlatformAction action);  // 0
 inline constexpr int moduleNode(Level level) { return level == Level::debug ? DEBUG_NODE : CONFIG_NODE; }
 inline constexpr int platformNode(Level level) { return 1000 + moduleNode(level); }
 
-void installPlatformWords();
+class History;
+void installPlatformWords(const History& history);
 
 // True if the line is the platform's.
 bool isPlatformLine(std::string_view line);

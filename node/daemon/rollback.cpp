@@ -74,13 +74,13 @@ struct Held {
 
 // True if the module prints then what it should; `behind` is done in that case. All under the gate.
 template <class Behind>
-bool load(node::Node& node, const std::string& configuration, const std::string& expected, Behind behind) {
+bool load(Operator& commands, const std::string& configuration, const std::string& expected, Behind behind) {
   bool good = false;
   try {
-    node.restart(
+    commands.node().restart(
         configuration, [](const node::FailedLine&) {},
         [&] {
-          installPlatformWords();
+          installPlatformWords(commands.startup().history());
           Vty vty;
           good = host::runShowrun(vty) == 0 && vty.text == expected;
           if (good) behind();
@@ -125,14 +125,14 @@ std::string takeOn(Operator& commands, const std::string& configuration) {
   if (sessionRecord().wanted()) msand::note("a rollback ends the record: " + sessionRecord().end());
 
   const Held held;
-  const bool done = load(node, configuration, expected, [&] {
+  const bool done = load(commands, configuration, expected, [&] {
     host::holdLinks(false);
     const auto [mode, flag] = after.voiceMode();
     if (before.voiceMode()[0] != mode) set_voice_module_mode(before.voiceMode()[0], mode, flag);
     for (const messages::StateMessage& message : changed) send(message);
   });
   if (done) return told(changed, messages::forgottenBy(before.state(), after.state()));
-  const bool back = load(node, old.configuration, before.configuration(), [] {});
+  const bool back = load(commands, old.configuration, before.configuration(), [] {});
   throw RollbackError(back ? "it has failed on the way; the node has the old configuration again"
                            : "it has failed on the way, and so has the way back: look at show running-config");
 }

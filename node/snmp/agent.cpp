@@ -23,6 +23,7 @@
 #include "line_facts.h"
 #include "module_road.h"
 #include "note.h"
+#include "notifications.h"
 #include "profile_table.h"
 #include "streams.h"
 #include "system_group.h"
@@ -165,6 +166,7 @@ struct Agent::Running {
   FrameTable table;
   ModuleRoad road{table};
   std::optional<StandardTables> standard;  // of a module that has the functions for them
+  Notifications notifications;
   Turns turns{kPatience};
   std::atomic<bool> stopped{false};
   std::array<std::thread, 2> threads;
@@ -184,6 +186,7 @@ Agent::Running::Running(SnmpSettings wanted, const std::string& folder, const no
   init_snmp(kApplication);
   if (!settings.users.empty()) useEngine(startEngine(folder + "/engine"));
   allowManagers(settings);
+  notifications.open(settings);
   theAgent = this;
   for (const std::string& address : settings.listen) listen(address);
   register_readfd(
@@ -240,6 +243,7 @@ void Agent::Running::serve(int thread) {
     do {
       agent_check_and_process(road.hasWork() ? 0 : 1);
       if (standard) standard->reads.work();
+      notifications.send();
     } while (!stopped && road.work(turns, thread));
   }
 }
@@ -248,5 +252,10 @@ Agent::Agent(const SnmpSettings& settings, const std::string& folder, const node
     : running_(std::make_unique<Running>(settings, folder, module)) {}
 
 Agent::~Agent() = default;
+
+void Agent::notify(std::string_view text) {
+  running_->notifications.add(text);
+  running_->road.wake();
+}
 
 }  // namespace msand

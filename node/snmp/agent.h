@@ -3,6 +3,7 @@
 
 #include <memory>
 #include <string>
+#include <string_view>
 
 #include "module.h"
 #include "settings.h"
@@ -16,6 +17,9 @@ class Agent {
   Agent(const SnmpSettings& settings, const std::string& folder, const node::Module& module);
   // Lets the module's request under way end; those that wait are dropped.
   ~Agent();
+  // Tells the configured managers, as a notification; from any thread.
+  void notify(std::string_view text);
+
   Agent(const Agent&) = delete;
   Agent& operator=(const Agent&) = delete;
 

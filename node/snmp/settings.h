@@ -35,6 +35,7 @@ struct SnmpSettings {
   std::string contact;
   std::vector<Community> communities;
   std::vector<User> users;
+  std::vector<std::string> notify;  // where notifications go, "udp:127.0.0.1:162"
 };
 
 // The library's names of the addresses that a word such as "udp:127.0.0.1:16100", "tcp:[::1]:16100" or

@@ -87,7 +87,7 @@ constexpr ParameterRow kRows[] = {
     {"<capture>",                     nothing,   "a new file's name, NAME.pcapng; off"},
     {"<checked>",                     nothing,   "a file of the node's, seen from the startup configuration's folder; open; close"},
     {"<side>",                        nothing,   "a file of the node's; behind rollback a number of the history"},
-    {"<kept>",                        nothing,   "a number of show history"},
+    {"<kept>",                        id,        "a number of show history"},
     {"<text>",                        nothing,   "a comment's words"},
     {"<recording>",                   nothing,   "a new file's name, NAME.scn; off"},
     {"<word>",                        nothing,   "any part of a command or of its help"},

@@ -7,7 +7,6 @@
 #include <utility>
 
 #include "host/links.h"
-#include "host/links.h"
 #include "host/watcher.h"
 #include "platform/database.h"
 

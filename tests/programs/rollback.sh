@@ -10,6 +10,8 @@ startup = "startup.cfg"
 1 = { card = "adsl16" }
 2 = { card = "vdsl16" }
 3 = { card = "pots32" }
+[snmp]
+notify = ["127.0.0.1:$((port + 10000))"]
 TEXT
 mode() { ctl -c 'show cid mode' | sed -n 's/.*Mode: \([A-Z]*\).*/\1/p'; }
 start
@@ -55,11 +57,17 @@ expect "it stays" "the change stays
 DTMF" "$(ctl -c confirm | tr -d '\r')
 $(mode)"
 expectMatch "nothing waits any more" "no change waits to be confirmed*" "$(ctl -c confirm 2>/dev/null || true)"
+PATH=$PATH:/usr/sbin timeout 20 snmptrapd -f -Lo -On -C --disableAuthorization=yes "127.0.0.1:$((port + 10000))" \
+  >"$folder/notification" 2>&1 &
+listener=$!
 ctl -c 'confirm within 1 seconds' -c 'set cid mode fsk' >/dev/null
 { sleep 2.5; echo 'show cid mode'; } | ctl >"$folder/watched" & # a terminal that does nothing
 for _ in {1..80}; do [ "$(mode)" = DTMF ] && break; sleep 0.1; done
 expect "nobody has confirmed" DTMF "$(mode)"
 wait $!
+kill $listener
+expectMatch "a manager is notified: msanNotice, msanNoticeText" \
+  "*.1.3.6.1.6.3.1.1.4.1.0 = OID: .1.3.6.1.4.1.8072.9999.9999.2.0.1*.2.2.0 = STRING: \"a change was not confirmed: *" "$(cat "$folder/notification")"
 expectMatch "all terminals are told" "*a change was not confirmed: the node has the configuration ahead of it again*" "$(cat "$folder/watched")"
 ctl -c 'confirm within 1' -c 'set cid mode fsk' -c rollback -c 'write force no-check' >/dev/null
 expect "taken back at once, and written" DTMF "$(mode)"

@@ -32,8 +32,8 @@ void deliverTo(Listener listener);
 // it.
 void delayAnswers(u16 slot, u32 milliseconds);
 
-// While they are held no message leaves the module, and nobody is told of one, of a change or of another voice mode: what
-// is sent or asked for succeeds, exchanges fail.
+// While they are held no message leaves the module, and nobody is told of one, of a change or of another voice mode:
+// what is sent or asked for succeeds, exchanges fail.
 void holdLinks(bool hold);
 bool linksHeld();
 
