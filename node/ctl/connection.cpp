@@ -6,6 +6,7 @@
 
 #include <array>
 #include <cerrno>
+#include <chrono>
 #include <cstring>
 #include <ctime>
 
@@ -26,11 +27,12 @@ static Descriptor connectTo(const std::string& path, int seconds) {
   if (path.size() >= sizeof address.sun_path) throw ConnectionError(path + ": is too long for a socket");
   std::memcpy(address.sun_path, path.c_str(), path.size() + 1);
   Descriptor made(socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0));
-  const time_t end = time(nullptr) + seconds;
+  const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(seconds);
   while (connect(made.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0) {
     const int code = errno;
     const bool mayCome = code == ENOENT || code == ECONNREFUSED || code == EAGAIN || code == EINTR;
-    if (!mayCome || time(nullptr) >= end) throw ConnectionError(path + ": no connection to msand: " + textOf(code));
+    if (!mayCome || std::chrono::steady_clock::now() >= end)
+      throw ConnectionError(path + ": no connection to msand: " + textOf(code));
     pauseBriefly();
   }
   return made;
