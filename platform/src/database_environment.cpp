@@ -113,6 +113,12 @@ void resetDatabase() {
   store::forgetHandlers();
 }
 
+u64 databaseChanges() {
+  MDB_envinfo info{};
+  if (store::env == nullptr || mdb_env_info(store::env, &info) != 0) return 0;
+  return info.me_last_txnid;
+}
+
 DatabaseSize databaseSize() {
   DatabaseSize size;
   MDB_envinfo info{};

@@ -95,6 +95,12 @@ void addTables(std::span<const DbTable* const> tables) {
   }
 }
 
+std::vector<std::string> tableNames() {
+  std::vector<std::string> names;
+  for (const DbTable* table : knownTables()) names.emplace_back(table->name);
+  return names;
+}
+
 bool listRows(const std::string& name, std::vector<std::string>& rows) {
   const DbTable* table = findTable(name);
   rows.clear();

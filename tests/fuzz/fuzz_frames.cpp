@@ -5,7 +5,10 @@
 //   frame
 // Numbers are big-endian.
 
+#include <unistd.h>
+
 #include <algorithm>
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <memory>
@@ -15,6 +18,7 @@
 
 #include "fuzz_node.h"
 #include "host/agent.h"
+#include "stores.h"
 
 namespace {
 
@@ -54,6 +58,21 @@ void holdAnswer(Kind kind, u16 id, Input frame, Input reply) {
     fuzz::holdMessage(kind == GET ? messages::Road::get : messages::Road::set, id, frame, messages::Fault::range);
 }
 
+// Codes by which a list ends that is stored or deleted record by record: those ahead stay as they are then.
+bool endsList(Input reply) {
+  constexpr u16 kCodes[] = {static_cast<u16>(-110), static_cast<u16>(-102)};
+  return std::ranges::find(kCodes, reply[10] << 8 | reply[11]) != std::end(kCodes);
+}
+
+// A request that is refused has changed nothing that is stored.
+void holdStores(u16 id, Input reply, u64 before) {
+  constexpr u8 kRefused[] = {0, 0, 0, 0x41};
+  if (reply.size() < 12 || !std::ranges::equal(reply.first<4>(), kRefused) || endsList(reply)) return;
+  if (fuzz::storesDigest() == before) return;
+  dprintf(STDERR_FILENO, "message %u was refused, and what is stored has changed\n", id);
+  std::abort();
+}
+
 // Calls the hook with a frame that ends where its memory ends; true when the message has told all it has to tell.
 bool request(Kind kind, u16 id, Input bytes) {
   static const host::Hooks hooks = host::agentHooks();
@@ -61,6 +80,7 @@ bool request(Kind kind, u16 id, Input bytes) {
   const std::unique_ptr<u8[]> frame(new u8[bytes.size()]);
   std::ranges::copy(bytes, frame.get());
   const i32 length = static_cast<i32>(bytes.size());
+  const u64 before = kind == SET ? fuzz::storesDigest() : 0;
   std::memset(reply.get(), 0, host::kReplyCapacity);
   u32 replyLength = 0;
   u8 last = 0;
@@ -69,6 +89,7 @@ bool request(Kind kind, u16 id, Input bytes) {
   else
     hooks.write(id, kind == SET ? 1 : 0, frame.get(), length, reply.get(), &replyLength, nullptr, nullptr);
   if (replyLength > host::kReplyCapacity) std::abort();
+  if (kind == SET) holdStores(id, {reply.get(), replyLength}, before);
   if (kind != GET || last == 1) holdAnswer(kind, id, bytes, {reply.get(), replyLength});
   return last == 1 || replyLength == 0;
 }

@@ -17,11 +17,6 @@ namespace fuzz {
 
 namespace {
 
-constexpr struct {
-  u16 slot;
-  const char* type;
-} cards[] = {{1, "adsl64"}, {2, "vdsl32-pots"}, {3, "pots32"}, {11, "eth8"}, {18, "adsl16"}};
-
 // What leaves the module is as it is described.
 struct Held : host::Observer {
   void send(host::Link link, u16, u16 id, host::Bytes bytes) override {
@@ -43,7 +38,7 @@ struct Fixture {
   u64 poolInUse;
 
   explicit Fixture(const std::string& module) : node((host::observe(&held), module)) {
-    for (const auto& card : cards) {
+    for (const auto& card : kCards) {
       node.authorise(card.slot, *host::findCardType(card.type));
       node.cardUp(card.slot);
     }

@@ -6,6 +6,12 @@
 
 namespace fuzz {
 
+struct Card {
+  u16 slot;
+  const char* type;
+};
+inline constexpr Card kCards[] = {{1, "adsl64"}, {2, "vdsl32-pots"}, {3, "pots32"}, {11, "eth8"}, {18, "adsl16"}};
+
 // It is started ahead of the first input, with a card of every family up; what it prints, logs and sends goes nowhere.
 node::Node& theNode();
 

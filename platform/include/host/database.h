@@ -20,6 +20,11 @@ void limitDatabase(u32 bytes);
 // schema: numbers decimal, texts quoted, bytes in the hex form of a scenario. False if there is no such table.
 bool listRows(const std::string& table, std::vector<std::string>& rows);
 
+std::vector<std::string> tableNames();
+
+// Grows with each transaction that was committed.
+u64 databaseChanges();
+
 // How large the database is: bytes on disk with all overhead, and what it may have; rows' entries and those of indexes.
 struct DatabaseSize {
   u64 used = 0;
