@@ -4,7 +4,6 @@
 #include <poll.h>
 #include <sys/resource.h>
 #include <sys/signalfd.h>
-#include <systemd/sd-daemon.h>
 
 #include <cerrno>
 #include <csignal>
@@ -35,6 +34,7 @@
 #include "running_configuration.h"
 #include "server.h"
 #include "session_record.h"
+#include "supervisor.h"
 #include "trace.h"
 
 namespace msand {
@@ -85,6 +85,12 @@ struct Later {
   ~Later() { pending.stop(); }
   Pending& pending;
 };
+
+static void authoriseCards(node::Node& node, const Configuration& configuration) {
+  for (const SlotConfiguration& slot : configuration.slots)
+    if (const int result = node.authorise(slot.slot, *slot.card); result != 0)
+      complain(fmt::format("slot {}: card type {} gave {}", slot.slot, slot.card->name, result));
+}
 
 static void announceCards(node::Node& node, const Configuration& configuration) {
   for (const SlotConfiguration& slot : configuration.slots) {
@@ -154,6 +160,16 @@ static node::Node loadNode(const Configuration& configuration) {
   return blame<node::LoadError>(configuration.module, [&] { return node::Node(configuration.module.value); });
 }
 
+// While it serves.
+static void tellOf(Server& server, const Supervisor& supervisor) {
+  const auto serves = [&] { supervisor.status(fmt::format("serves {} terminals", server.terminals())); };
+  server.setHeartbeat(supervisor.interval(), [&supervisor, serves] {
+    supervisor.alive();
+    serves();
+  });
+  serves();
+}
+
 void checkDaemon(const Configuration& configuration) {
   checkSocket(configuration);
   // The log is not opened: what is only looked at must not appear.
@@ -177,6 +193,8 @@ void runDaemon(const Configuration& configuration) {
   checkSocket(configuration);
   checkMetrics(configuration);
   Listener listener(configuration.socket.value);
+  const Supervisor supervisor;
+  supervisor.status("executes the startup configuration " + configuration.startup);
 
   Trace trace;
   const Observing observing(trace);
@@ -186,9 +204,7 @@ void runDaemon(const Configuration& configuration) {
   std::optional<Metrics> metrics;
   if (!configuration.metrics.value.empty()) metrics.emplace();
   node::Node node = loadNode(configuration);
-  for (const SlotConfiguration& slot : configuration.slots)
-    if (const int result = node.authorise(slot.slot, *slot.card); result != 0)
-      complain(fmt::format("slot {}: card type {} gave {}", slot.slot, slot.card->name, result));
+  authoriseCards(node, configuration);
   const JobThread jobs;
   Startup startup(configuration.startup);
   Operator commands(node, startup, dsl);
@@ -223,10 +239,11 @@ void runDaemon(const Configuration& configuration) {
     blame<FileError>(configuration.metrics, [&] { metricsFile.emplace(configuration.metrics.value, page); });
   }
   note(fmt::format("ready, serves {}", configuration.socket.value));
-  sd_notify(0, "READY=1");
+  tellOf(server, supervisor);
+  supervisor.ready();
 
   server.run(stop.get());
-  sd_notify(0, "STOPPING=1");
+  supervisor.stopping();
   note("stops");
 }
 

@@ -110,6 +110,7 @@ void Server::run(int stop) {
     disconnectDeafest();
     std::erase_if(sessions_, [](const auto& entry) { return entry.second->gone; });
     count_ = sessions_.size();
+    beat();
   }
   control(epoll_, EPOLL_CTL_DEL, stop, 0);
   door_.stop();
@@ -135,7 +136,21 @@ int Server::timeout() const {
   const bool waits = acceptPaused_ || std::ranges::any_of(sessions_, [](const auto& entry) {
                        return (entry.second->watched & EPOLLOUT) != 0;
                      });
-  return waits ? static_cast<int>(std::min(kTick, limits_.patience).count()) : -1;
+  auto longest = waits ? std::min(kTick, limits_.patience) : std::chrono::milliseconds::max();
+  if (alive_) longest = std::min(longest, interval_);
+  return longest == std::chrono::milliseconds::max() ? -1 : static_cast<int>(longest.count());
+}
+
+void Server::setHeartbeat(std::chrono::milliseconds interval, std::function<void()> alive) {
+  if (interval.count() == 0) return;
+  interval_ = interval;
+  alive_ = std::move(alive);
+}
+
+void Server::beat() {
+  if (!alive_ || Clock::now() - beaten_ < interval_ / 2) return;
+  beaten_ = Clock::now();
+  alive_();
 }
 
 // --- connections

@@ -8,6 +8,7 @@
 
 #include <atomic>
 #include <chrono>
+#include <functional>
 #include <memory>
 #include <mutex>
 #include <string>
@@ -36,6 +37,9 @@ class Server : public TraceSink {
   ~Server() override;
   Server(const Server&) = delete;
   Server& operator=(const Server&) = delete;
+
+  // run() calls `alive` at least so often, as long as its thread goes on. Zero: never. Ahead of run().
+  void setHeartbeat(std::chrono::milliseconds interval, std::function<void()> alive);
 
   // Serves until `stop` is readable; then the door is stopped, and the terminals are told and disconnected.
   void run(int stop);
@@ -73,6 +77,7 @@ class Server : public TraceSink {
   void disconnect(const SessionPtr& session);
   void sayGoodbye();
   int timeout() const;
+  void beat();
 
   // On the door's thread:
   void serveNext();
@@ -95,6 +100,9 @@ class Server : public TraceSink {
   std::atomic<std::size_t> count_ = 0;  // of them
   bool acceptPaused_ = false;
   std::chrono::steady_clock::time_point pausedAt_{};
+  std::chrono::milliseconds interval_{0};
+  std::function<void()> alive_;
+  std::chrono::steady_clock::time_point beaten_{};
 
   std::mutex mutex_;               // what follows, and the sessions' shared part
   std::vector<SessionPtr> ready_;  // those with a request that is not under way yet, in their order
