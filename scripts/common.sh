@@ -14,9 +14,11 @@ packagesFor() {
     build) echo g++ cmake ninja-build pkg-config liblmdb-dev libfmt-dev libspdlog-dev libedit-dev libcli11-dev \
                 libtomlplusplus-dev libsnmp-dev libsystemd-dev nlohmann-json3-dev zlib1g-dev ;;
     # snmp, snmptrapd: managers' tools, iproute2: ss, gnuplot: what draws pictures,
-    # tshark: what shows captures, prometheus: promtool.
-    test) echo libgtest-dev libgmock-dev snmp snmptrapd iproute2 gnuplot-nox tshark prometheus ;;
-    check) echo clang-format-16 smitools ;;
+    # tshark: what shows captures, prometheus: promtool, libseccomp: the unit's filter, systemd: what it stands for.
+    test) echo libgtest-dev libgmock-dev snmp snmptrapd iproute2 gnuplot-nox tshark prometheus libseccomp-dev systemd ;;
+    # devscripts: hardening-check
+    check) echo clang-format-16 smitools devscripts systemd ;;
+    package) echo debhelper dpkg-dev fakeroot lintian ;;
     bench) echo libbenchmark-dev snmp snmpd ;;
     # The compiler, its fuzzing runtime, and what gives its traces names.
     fuzz) echo clang-16 libclang-rt-16-dev llvm-16 ;;
