@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <array>
 #include <atomic>
 #include <cerrno>
@@ -28,6 +29,7 @@
 #include "streams.h"
 #include "system_group.h"
 #include "turns.h"
+#include "wrong_keys.h"
 
 namespace msand {
 
@@ -98,12 +100,42 @@ void allowManagers(const SnmpSettings& settings) {
 
 }  // namespace
 
-// Who may ask is the configuration's business alone: the library's own check would read the files of another access
-// control for each message.
-static int countMessage(netsnmp_session*, netsnmp_transport*, void*, int) {
-  snmp_increment_statistic(STAT_SNMPINPKTS);
-  return 1;
-}
+// What the library counts of messages whose senders have proved nothing.
+struct Refused {
+  int statistic;
+  const char* what;
+};
+constexpr Refused kRefused[] = {{STAT_SNMPINBADCOMMUNITYNAMES, "a community that may not ask from there"},
+                                {STAT_USMSTATSUNKNOWNUSERNAMES, "an unknown user"},
+                                {STAT_USMSTATSWRONGDIGESTS, "a wrong authentication key"},
+                                {STAT_USMSTATSDECRYPTIONERRORS, "a wrong privacy key"}};
+
+// The library counts, and does not tell whom: what it counts between two messages, the first of them has caused.
+class Knocking {
+ public:
+  // False: not to be heard.
+  bool hears(const void* address, int size) {
+    settle();
+    last_ = WrongKeys::sourceOf(address, static_cast<std::size_t>(std::max(size, 0)));
+    return keys_.hears(last_, WrongKeys::Clock::now());
+  }
+
+  void settle() {
+    for (std::size_t i = 0; i < std::size(kRefused); ++i) {
+      const u32 counted = snmp_get_statistic(kRefused[i].statistic);
+      if (counted == counted_[i]) continue;
+      counted_[i] = counted;
+      const auto deaf = keys_.note(last_, WrongKeys::Clock::now());
+      const std::string then = deaf.count() == 0 ? "" : fmt::format("; heard again in {} s", deaf.count());
+      warn(fmt::format("snmp: {}: {}{}", textOf(last_), kRefused[i].what, then));
+    }
+  }
+
+ private:
+  WrongKeys keys_;
+  WrongKeys::Source last_{};
+  std::array<u32, std::size(kRefused)> counted_{};
+};
 
 // What the node is to managers that know nothing of it.
 struct StandardTables {
@@ -142,6 +174,7 @@ struct Agent::Running {
 
   void listen(const std::string& address);
   void serve(int thread);
+  static int admit(netsnmp_session*, netsnmp_transport*, void* address, int size);
   static int receive(int operation, netsnmp_session* session, int id, netsnmp_pdu* pdu, void* agent);
 
   // The library, from its first call to its last.
@@ -167,6 +200,7 @@ struct Agent::Running {
   ModuleRoad road{table};
   std::optional<StandardTables> standard;  // of a module that has the functions for them
   Notifications notifications;
+  Knocking knocking;
   Turns turns{kPatience};
   std::atomic<bool> stopped{false};
   std::array<std::thread, 2> threads;
@@ -221,8 +255,15 @@ void Agent::Running::listen(const std::string& address) {
   session.callback = receive;
   session.isAuthoritative = SNMP_SESS_AUTHORITATIVE;
   // The transport is the library's from here on, also when this fails.
-  if (snmp_add(&session, transport, countMessage, netsnmp_agent_check_parse) == nullptr)
+  if (snmp_add(&session, transport, admit, netsnmp_agent_check_parse) == nullptr)
     throw std::runtime_error(fmt::format("snmp: {}: no session", address));
+}
+
+// Who may ask is the configuration's business alone: the library's own check would read the files of another access
+// control for each message.
+int Agent::Running::admit(netsnmp_session*, netsnmp_transport*, void* address, int size) {
+  snmp_increment_statistic(STAT_SNMPINPKTS);
+  return theAgent == nullptr || theAgent->knocking.hears(address, size) ? 1 : 0;
 }
 
 int Agent::Running::receive(int operation, netsnmp_session* session, int id, netsnmp_pdu* pdu, void*) {
@@ -242,6 +283,7 @@ void Agent::Running::serve(int thread) {
   while (turns.lead(thread)) {
     do {
       agent_check_and_process(road.hasWork() ? 0 : 1);
+      knocking.settle();
       if (standard) standard->reads.work();
       notifications.send();
     } while (!stopped && road.work(turns, thread));
