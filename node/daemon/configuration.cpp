@@ -1,6 +1,7 @@
 #include "configuration.h"
 
 #include <fmt/format.h>
+#include <sys/stat.h>
 #include <toml++/toml.h>
 
 #include <algorithm>
@@ -33,6 +34,7 @@ class Reader {
   std::string file(const toml::key& key, const toml::node& value) const {
     return (folder_ / text(key, value)).string();
   }
+  gid_t group(const toml::key& key, const toml::node& value) const;
   u16 slotNumber(const toml::key& key) const;
   SlotConfiguration slot(const toml::key& key, const toml::node& value) const;
   const host::CardType* card(const toml::key& key, const toml::node& value) const;
@@ -69,6 +71,13 @@ std::string Reader::text(const toml::key& key, const toml::node& value) const {
   if (string == nullptr) fail(value.source(), fmt::format("{} must be a text in quotes", key.str()));
   if (string->get().empty()) fail(value.source(), fmt::format("{} must not be empty", key.str()));
   return string->get();
+}
+
+gid_t Reader::group(const toml::key& key, const toml::node& value) const {
+  const std::string name = text(key, value);
+  const auto found = findGroup(name);
+  if (!found) fail(value.source(), fmt::format("there is no group \"{}\" of users", name));
+  return *found;
 }
 
 u16 Reader::slotNumber(const toml::key& key) const {
@@ -305,6 +314,8 @@ Configuration Reader::read(const toml::table& table) const {
   for (const auto& [key, value] : table) {
     if (key == "socket")
       configuration.socket = told(file(key, value), value);
+    else if (key == "group")
+      configuration.operators.group = group(key, value);
     else if (key == "startup")
       configuration.startup = file(key, value);
     else if (key == "module")
@@ -327,7 +338,7 @@ Configuration Reader::read(const toml::table& table) const {
       configuration.snmp = snmp(key, value);
     else
       fail(key.source(),
-           fmt::format("unknown key \"{}\": there are socket, startup, module, log, metrics, lines, flow, "
+           fmt::format("unknown key \"{}\": there are socket, group, startup, module, log, metrics, lines, flow, "
                        "captures, capture-size, snmp and slots",
                        key.str()));
   }
@@ -351,7 +362,12 @@ Configuration readConfiguration(const std::string& path) {
   } catch (const std::exception& error) {
     throw ConfigurationError(error.what());
   }
-  return parseConfiguration(text, path);
+  Configuration configuration = parseConfiguration(text, path);
+  const bool secrets = !configuration.snmp.communities.empty() || !configuration.snmp.users.empty();
+  struct stat status {};
+  if (secrets && (stat(path.c_str(), &status) != 0 || (status.st_mode & S_IROTH) != 0))
+    throw ConfigurationError(path + ": holds secrets, and everybody may read it: chmod o-r");
+  return configuration;
 }
 
 }  // namespace msand

@@ -9,6 +9,7 @@
 #include "capture_file.h"
 #include "host/chassis.h"
 #include "host/log.h"
+#include "peer.h"
 #include "settings.h"
 
 namespace msand {
@@ -28,6 +29,7 @@ struct Told {
 
 struct Configuration {
   Told socket = {"/run/msan/msand.socket", ""};
+  Operators operators;
   std::string startup = "/var/lib/msan/startup.cfg";
   Told module;  // empty: ../lib/libmsan.so, seen from the program
   host::LogTo logTo = host::LogTo::standardError;
@@ -45,7 +47,8 @@ struct ConfigurationError : std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
-// Paths in the file are seen from the file's own folder. Throws ConfigurationError.
+// Paths in the file are seen from the file's own folder. Throws ConfigurationError, also if the file holds secrets and
+// everybody may read it.
 Configuration readConfiguration(const std::string& path);
 
 // The same from the text of a file that stands at `path`.

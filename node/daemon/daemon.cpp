@@ -222,8 +222,8 @@ void runDaemon(const Configuration& configuration) {
   setUpCaptures(configuration);
   // Behind what may fail: who sees the socket sees a node that stays.
   Door door;
-  listener.open();
-  Server server(listener.descriptor(), door, commands);
+  listener.open(configuration.operators.group.has_value());
+  Server server(listener.descriptor(), door, commands, {}, configuration.operators);
   const Tracing tracing(trace, server);
   const Later later(startup.pending());
   commands.setLater({.post = [&door](std::function<void()> what) { door.post(std::move(what)); },

@@ -82,14 +82,15 @@ Listener::~Listener() {
   unlink((path_ + ".lock").c_str());
 }
 
-void Listener::open() {
+void Listener::open(bool forOthers) {
+  const mode_t mode = forOthers ? 0666 : 0600;
   const std::string beside = path_ + std::string(kBeside);
   const sockaddr_un at = address(beside);
   Descriptor made = newSocket(path_);
   unlink(beside.c_str());
   // The mode of a socket is that of the descriptor at bind.
-  if (fchmod(made.get(), 0600) != 0 || bind(made.get(), reinterpret_cast<const sockaddr*>(&at), sizeof at) != 0 ||
-      chmod(beside.c_str(), 0600) != 0 || listen(made.get(), kWaiting) != 0 ||
+  if (fchmod(made.get(), mode) != 0 || bind(made.get(), reinterpret_cast<const sockaddr*>(&at), sizeof at) != 0 ||
+      chmod(beside.c_str(), mode) != 0 || listen(made.get(), kWaiting) != 0 ||
       rename(beside.c_str(), path_.c_str()) != 0) {
     const int code = errno;
     unlink(beside.c_str());

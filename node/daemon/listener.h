@@ -11,7 +11,7 @@ namespace msand {
 void checkSocketPath(const std::string& path);
 
 // Claims a path for this process: a lock file beside it, "PATH.lock", keeps a second msand away from the moment on. The
-// socket itself appears with open(), ready to be connected to, mode 0600, in the place of one that was left behind.
+// socket itself appears with open(), ready to be connected to, in the place of one that was left behind.
 class Listener {
  public:
   // Throws std::runtime_error if another process serves the path, or if it can't be had.
@@ -21,7 +21,8 @@ class Listener {
   Listener(const Listener&) = delete;
   Listener& operator=(const Listener&) = delete;
 
-  void open();  // throws std::runtime_error
+  // Mode 0600; with `forOthers` 0666, and who connects is to be asked for. Throws std::runtime_error.
+  void open(bool forOthers = false);
   int descriptor() const { return socket_.get(); }
 
  private:

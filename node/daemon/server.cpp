@@ -78,11 +78,12 @@ static void control(const Descriptor& epoll, int what, int descriptor, u32 event
     throw std::system_error(errno, std::generic_category(), "msand: epoll_ctl");
 }
 
-Server::Server(int listener, Door& door, Service& service, Limits limits)
+Server::Server(int listener, Door& door, Service& service, Limits limits, Operators operators)
     : listener_(listener),
       door_(door),
       service_(service),
       limits_(limits),
+      operators_(operators),
       epoll_(check(epoll_create1(EPOLL_CLOEXEC))),
       wake_(check(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK))) {
   control(epoll_, EPOLL_CTL_ADD, listener_, EPOLLIN);
@@ -164,6 +165,7 @@ void Server::acceptAll() {
       return;
     }
     const auto session = std::make_shared<Session>(descriptor);
+    if (!admits(session->socket)) continue;
     makeRoom();
     if (!tryControl(epoll_, EPOLL_CTL_ADD, descriptor, 0)) continue;
     sessions_.insert_or_assign(descriptor, session);
@@ -178,6 +180,17 @@ void Server::acceptAll() {
     }
     settle(session);
   }
+}
+
+// Who may not is told so as far as it takes the words at once; it costs nobody his place.
+bool Server::admits(const Descriptor& socket) const {
+  const std::string stranger = strangerAt(socket.get(), operators_);
+  if (stranger.empty()) return true;
+  warn("refused at the operators' socket: " + stranger);
+  std::string frame;
+  wire::appendFrame(frame, wire::Kind::bye, "you are no operator of this node");
+  ::send(socket.get(), frame.data(), frame.size(), MSG_NOSIGNAL);
+  return false;
 }
 
 void Server::pauseAccepting(bool pause) {

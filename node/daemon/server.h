@@ -17,6 +17,7 @@
 
 #include "descriptor.h"
 #include "door.h"
+#include "peer.h"
 #include "service.h"
 #include "shares.h"
 
@@ -33,7 +34,7 @@ struct Limits {
 class Server : public TraceSink {
  public:
   // `listener` is a listening socket that does not block. All three outlive the server.
-  Server(int listener, Door& door, Service& service, Limits limits = {});
+  Server(int listener, Door& door, Service& service, Limits limits = {}, Operators operators = {});
   ~Server() override;
   Server(const Server&) = delete;
   Server& operator=(const Server&) = delete;
@@ -63,6 +64,7 @@ class Server : public TraceSink {
   // On the thread of run():
   void handle(int descriptor, u32 events);
   void acceptAll();
+  bool admits(const Descriptor& socket) const;
   void pauseAccepting(bool pause);
   void receive(Session& session);
   void takeRequests(const SessionPtr& session);
@@ -94,6 +96,7 @@ class Server : public TraceSink {
   Door& door_;
   Service& service_;
   const Limits limits_;
+  const Operators operators_;
   Descriptor epoll_;
   Descriptor wake_;
   std::unordered_map<int, SessionPtr> sessions_;

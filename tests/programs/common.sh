@@ -32,7 +32,7 @@ expectMatch() {
   bad=1
 }
 
-configuration() { cat >"$folder/msand.toml"; }
+configuration() { (umask 077 && rm -f "$folder/msand.toml" && cat >"$folder/msand.toml"); }
 
 # start [MSAND_OPTION...]: a node in the folder, ready; its log is $folder/log
 start() {

@@ -73,7 +73,7 @@ TEST(Configuration, AnEmptyFileIsAnEmptyChassis) {
 TEST(Configuration, ErrorsNameTheirLine) {
   // clang-format off
   const struct { const char* text; const char* complaint; } cases[] = {
-      {"\nsockets = 'a'\n",                      ":2: unknown key \"sockets\": there are socket, startup, module, log, metrics, lines, flow, captures, capture-size, snmp and slots"},
+      {"\nsockets = 'a'\n",                      ":2: unknown key \"sockets\": there are socket, group, startup, module, log, metrics, lines, flow, captures, capture-size, snmp and slots"},
       {"socket = 3",                              ":1: socket must be a text in quotes"},
       {"flow = ['a', 1]",                         ":1: flow must be a text in quotes"},
       {"startup = ''",                            ":1: startup must not be empty"},
