@@ -160,6 +160,13 @@ static node::Node loadNode(const Configuration& configuration) {
   return blame<node::LoadError>(configuration.module, [&] { return node::Node(configuration.module.value); });
 }
 
+static void startAgent(std::optional<Agent>& agent, const Configuration& configuration, const node::Node& node) {
+  if (configuration.snmp.listen.empty()) return;
+  const auto folder = std::filesystem::path(configuration.startup).parent_path() / "snmp";
+  agent.emplace(configuration.snmp, folder.string(), node.module());
+  for (const std::string& address : configuration.snmp.listen) note("snmp: listens at " + address);
+}
+
 // While it serves.
 static void tellOf(Server& server, const Supervisor& supervisor) {
   const auto serves = [&] { supervisor.status(fmt::format("serves {} terminals", server.terminals())); };
@@ -214,11 +221,7 @@ void runDaemon(const Configuration& configuration) {
   announceCards(node, configuration);
 
   std::optional<Agent> agent;
-  if (!configuration.snmp.listen.empty()) {
-    const auto folder = std::filesystem::path(configuration.startup).parent_path() / "snmp";
-    agent.emplace(configuration.snmp, folder.string(), node.module());
-    for (const std::string& address : configuration.snmp.listen) note("snmp: listens at " + address);
-  }
+  startAgent(agent, configuration, node);
   setUpCaptures(configuration);
   // Behind what may fail: who sees the socket sees a node that stays.
   Door door;
