@@ -45,14 +45,15 @@ expect "errors of many lines" "$(sed "s|^no\(.*\)|$folder/lines:\1:1: unknown co
 
 # A partner that waits for each answer ahead of its next line gets it.
 coproc partner { ctl 2>&1; }
+# shellcheck disable=SC2154
+process=$partner_PID # bash forgets it when it has ended
 for word in one two three; do
   echo "$word" >&"${partner[1]}"
   read -r -t 20 answer <&"${partner[0]}" || answer="nothing"
   expectMatch "the answer to a single line" "stdin:*:1: unknown command, * expected: $word" "$answer"
 done
 eval "exec ${partner[1]}>&-"
-# shellcheck disable=SC2154
-wait "$partner_PID" || true
+wait "$process" || true
 
 # The chassis by hand.
 run ctl -c "chassis slot 5 card eth8" -c "chassis slot 5 present" -c "chassis slot 3 down" -c "chassis slot 1 card none" \
