@@ -15,7 +15,7 @@ packagesFor() {
                 libtomlplusplus-dev libsnmp-dev libsystemd-dev nlohmann-json3-dev zlib1g-dev ;;
     # snmp, snmptrapd: managers' tools, iproute2: ss, gnuplot: what draws pictures,
     # tshark: what shows captures, prometheus: promtool, libseccomp: the unit's filter, systemd: what it stands for.
-    test) echo libgtest-dev libgmock-dev snmp snmptrapd iproute2 gnuplot-nox tshark prometheus libseccomp-dev systemd ;;
+    test) echo libgtest-dev libgmock-dev snmp snmptrapd procps iproute2 gnuplot-nox tshark prometheus libseccomp-dev systemd ;;
     # devscripts: hardening-check
     check) echo clang-format-16 smitools devscripts systemd ;;
     package) echo debhelper dpkg-dev fakeroot lintian ;;

@@ -190,7 +190,7 @@ int compareCommand(const CommandElement*, Vty* vty, int argc, char** argv) {
 int showHistory(const PlatformCall& call) {
   const auto all = call.node.startup().history().list();
   if (all.empty()) return refuse(call, "nothing has been written");
-  call.text += fmt::format("{:<8} {:<20} {:<10} {}\r\n", "rollback", "written", "by", "comment");
+  call.text += fmt::format("{:<8} {:<20} {:<10} {}\r\n", "rollback", "written (UTC)", "by", "comment");
   for (std::size_t i = 0; i < all.size(); ++i)
     call.text += fmt::format("{:<8} {:<20} {:<10} {}\r\n", i == 0 ? "startup" : fmt::format("{}", i), all[i].time,
                              all[i].door, all[i].comment);

@@ -19,8 +19,11 @@ struct ChannelError : std::runtime_error {
 Value bytesValue(std::string_view bytes);
 std::string bytesOf(const Value& value);
 
-void sendValue(int socket, const Value& value);  // throws ChannelError
-// None: the other end has closed the socket. Throws ChannelError. Negative `patience`: as long as it takes.
-std::optional<Value> receiveValue(int socket, std::chrono::milliseconds patience);
+// By when the other end has to have taken or said all of it; none: as long as it takes.
+using Deadline = std::optional<std::chrono::steady_clock::time_point>;
+
+void sendValue(int socket, const Value& value, Deadline deadline = {});  // throws ChannelError
+// None: the other end has closed the socket. Throws ChannelError.
+std::optional<Value> receiveValue(int socket, Deadline deadline = {});
 
 }  // namespace msand

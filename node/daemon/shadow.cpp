@@ -13,8 +13,8 @@
 
 namespace msand {
 
-static constexpr std::chrono::minutes kPatience{1};
-static constexpr int kSocket = 3;  // of the new process
+static constexpr std::chrono::seconds kPatience{20};  // for what takes a full chassis 0.2 s
+static constexpr int kSocket = 3;                     // of the new process
 
 static std::runtime_error failure(const char* what, int code) {
   return ChannelError(fmt::format("{}: {}", what, std::generic_category().message(code)));
@@ -45,8 +45,9 @@ Shadow::Shadow(const Snapshot& snapshot, const std::string& module) {
   int ends[2];
   if (socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends) != 0) throw failure("no shadow can be started", errno);
   socket_ = Descriptor(ends[0]);
-  const Descriptor other(ends[1]);
-  process_ = start(other.get(), module);
+  Descriptor other(ends[1]);
+  process_.id = start(other.get(), module);
+  other.reset();  // its end is seen by ours
   const Value answer = ask({{"do", "set up"},
                             {"chassis", snapshot.chassis},
                             {"lines", snapshot.lines},
@@ -61,17 +62,18 @@ Shadow::Shadow(const Snapshot& snapshot, const std::string& module) {
   voiceMode_ = answer.at("voice").get<std::array<u32, 2>>();
 }
 
-Shadow::~Shadow() {
-  if (process_ == 0) return;
-  kill(process_, SIGKILL);
-  while (waitpid(process_, nullptr, 0) < 0 && errno == EINTR) {
+Shadow::Process::~Process() {
+  if (id == 0) return;
+  kill(id, SIGKILL);
+  while (waitpid(id, nullptr, 0) < 0 && errno == EINTR) {
   }
 }
 
 Value Shadow::ask(const Value& request) {
   try {
-    sendValue(socket_.get(), request);
-    auto answer = receiveValue(socket_.get(), kPatience);
+    const auto deadline = std::chrono::steady_clock::now() + kPatience;
+    sendValue(socket_.get(), request, deadline);
+    auto answer = receiveValue(socket_.get(), deadline);
     if (!answer) throw ChannelError("the shadow has ended");
     if (answer->contains("error")) throw ChannelError("the shadow: " + answer->at("error").get<std::string>());
     return std::move(*answer);

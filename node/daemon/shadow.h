@@ -22,7 +22,6 @@ class Shadow {
  public:
   // Starts one with the module of this path, which executes the configuration as at a start.
   Shadow(const Snapshot& snapshot, const std::string& module);
-  ~Shadow();
   Shadow(const Shadow&) = delete;
   Shadow& operator=(const Shadow&) = delete;
 
@@ -73,7 +72,13 @@ class Shadow {
   Value ask(const Value& request);
   wire::Result take(const Value& ran);
 
-  pid_t process_ = 0;
+  // Ends with it, also if the shadow can't be set up.
+  struct Process {
+    pid_t id = 0;
+    ~Process();
+  };
+
+  Process process_;
   Descriptor socket_;
   std::vector<Failed> failed_;
   std::vector<messages::StateMessage> state_;

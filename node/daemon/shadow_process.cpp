@@ -72,7 +72,7 @@ class ShadowNode {
       : socket_(socket), node_(module), startup_(""), commands_(node_, startup_, dsl_) {}
 
   void serve() {
-    while (const auto request = receiveValue(socket_, std::chrono::milliseconds(-1))) {
+    while (const auto request = receiveValue(socket_)) {
       try {
         sendValue(socket_, answer(*request));
       } catch (const ChannelError&) {

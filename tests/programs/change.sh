@@ -32,6 +32,20 @@ run ctl -c 'check open' -c 'set cid mode dtmf' -c write -c exit -c 'set cid mode
 expectMatch "typed in the dark, up to exit" "*3 lines, all would be taken*the voice side: 1 message*FSK*" "$out"
 expect "a file that isn't there" 1 "$(ctl -c 'check none.cfg' >/dev/null 2>&1; echo $?)"
 
+# A shadow that is killed is told of at once.
+killed() {
+  local shadow
+  until shadow=$(pgrep -P "$node" -f -- --shadow); do :; done
+  kill -KILL "$shadow"
+}
+killed &
+run ctl check new.cfg
+wait $!
+expectMatch "a shadow that dies" "[12] *the shadow*" "$code $out"
+expect "and nothing of it stays" 0 "$(pgrep -c -P "$node" || true)"
+run ctl check - <<<'set cid mode dtmf'
+expect "the next one" 0 "$code"
+
 expect "nothing written yet" 2 "$(ctl compare running startup >/dev/null; echo $?)"
 run ctl -c 'write comment "the first"' -c 'set cid mode dtmf' -c write
 expect "written" "0 2" "$code $(grep -c 'written to' <<<"$out")"
