@@ -14,8 +14,6 @@
 #include "note.h"
 #include "operator.h"
 #include "platform_words.h"
-#include "rollback.h"
-#include "shadow.h"
 
 namespace msand {
 
@@ -42,40 +40,34 @@ std::string withReturns(std::string_view text) {
   return all;
 }
 
-std::shared_ptr<Shadow> shadowOf(const PlatformCall& call) {
-  node::Node& node = call.node.node();
-  return std::make_shared<Shadow>(snapshotOf(node, &call.node.cards()), node.modulePath());
-}
-
 // --- check
 
 // What would come of the lines, and go out. 0: all lines would be taken.
-int tellOutcome(const PlatformCall& call, Shadow& shadow, std::string_view what) {
-  const auto sent = shadow.sent();
+int tellOutcome(const PlatformCall& call, const Changes::Checked& checked, std::string_view what) {
+  const int code = checked.refusedLines == 0 ? 0 : -1;
   if (what == "record") {
-    call.text += withReturns(shadow.record());
-    return shadow.refused() == 0 ? 0 : -1;
+    call.text += withReturns(checked.record);
+    return code;
   }
   if (what == "messages") {
-    const std::string record = shadow.record();
-    for (const std::string_view line : linesOf(record)) {
+    for (const std::string_view line : linesOf(std::string_view(checked.record))) {
       const std::string_view word = line.substr(0, line.find_first_of("? "));
       if (word == "gpon" || word == "gepon" || word == "epon" || word == "ngn")
         call.text += fmt::format("{}\r\n", line);
     }
   }
-  call.text += fmt::format(
-      "{}, {}\r\n", counted(shadow.lines(), "line"),
-      shadow.refused() == 0 ? "all would be taken" : fmt::format("{} would not be taken", shadow.refused()));
-  for (const Shadow::Sent& one : sent)
+  call.text +=
+      fmt::format("{}, {}\r\n", counted(checked.lines, "line"),
+                  code == 0 ? "all would be taken" : fmt::format("{} would not be taken", checked.refusedLines));
+  for (const Shadow::Sent& one : checked.sent)
     call.text += fmt::format("{}: {}, {}\r\n", one.slot == 0 ? "the voice side" : fmt::format("slot {}", one.slot),
                              counted(one.messages, "message"), counted(one.bytes, "byte"));
-  if (sent.empty()) call.text += "no message would be sent\r\n";
-  return shadow.refused() == 0 ? 0 : -1;
+  if (checked.sent.empty()) call.text += "no message would be sent\r\n";
+  return code;
 }
 
 int openShadow(const PlatformCall& call) {
-  call.terminal.shadow = shadowOf(call);
+  call.terminal.shadow = call.node.changes().shadow();
   call.text += "lines are tried in the dark from now on: \"check close\" ends it\r\n";
   return 0;
 }
@@ -83,7 +75,7 @@ int openShadow(const PlatformCall& call) {
 int closeShadow(const PlatformCall& call, std::string_view what) {
   const auto shadow = std::exchange(call.terminal.shadow, nullptr);
   if (shadow == nullptr) return refuse(call, "nothing is tried here: \"check open\" begins it");
-  return tellOutcome(call, *shadow, what);
+  return tellOutcome(call, Changes::outcomeOf(*shadow), what);
 }
 
 std::string whyOf(const wire::Result& result, const std::string& printed) {
@@ -104,25 +96,14 @@ std::string readNamed(const PlatformCall& call, const std::string& name) {
 }
 
 int checkFile(const PlatformCall& call, const std::string& name, std::string_view what) {
-  const std::string text = readNamed(call, name);
-  const auto shadow = shadowOf(call);
-  std::vector<Shadow::Line> lines;
-  u32 number = 0;
-  for (std::size_t at = 0; at < text.size();) {
-    const std::size_t end = std::min(text.find('\n', at), text.size());
-    std::string_view line = std::string_view(text).substr(at, end - at);
-    at = end + 1;
-    ++number;
-    if (line.ends_with('\r')) line.remove_suffix(1);
-    if (!line.starts_with('!') && line.find_first_not_of(" \t") != line.npos) lines.push_back({number, line});
-  }
-  for (const Shadow::Refused& one : shadow->runAll(lines)) {
+  const Changes::Checked checked = call.node.changes().check(readNamed(call, name));
+  for (const Shadow::Refused& one : checked.refused) {
     if (what == "record") break;
     const std::string column = one.result.outcome == 0 ? "" : fmt::format(":{}", one.result.at + 1);
     call.text +=
         fmt::format("{}:{}{}: {}: {}\r\n", name, one.number, column, whyOf(one.result, one.text), printable(one.line));
   }
-  return tellOutcome(call, *shadow, what);
+  return tellOutcome(call, checked, what);
 }
 
 int checkCommand(const CommandElement*, Vty* vty, int argc, char** argv) {
@@ -135,21 +116,13 @@ int checkCommand(const CommandElement*, Vty* vty, int argc, char** argv) {
 
 // --- compare
 
-// A configuration as a shadow of this node prints it, so that order, spelling and defaults don't count.
-std::string asPrinted(const PlatformCall& call, const std::string* configuration) {
-  node::Node& node = call.node.node();
-  Snapshot snapshot = snapshotOf(node, nullptr);
-  if (configuration != nullptr) snapshot.configuration = *configuration;
-  return Shadow(snapshot, node.modulePath()).configuration();
-}
-
 struct Sided {
   std::string name, text;
 };
 
 Sided readSide(const PlatformCall& call, const std::vector<std::string>& words, std::size_t& at) {
   const std::string& name = words[at++];
-  if (name == "running") return {name, asPrinted(call, nullptr)};
+  if (name == "running") return {name, call.node.changes().printed(nullptr)};
   std::string text;
   std::string full = name;
   if (name == "rollback") {
@@ -161,7 +134,7 @@ Sided readSide(const PlatformCall& call, const std::vector<std::string>& words, 
   } else {
     text = readNamed(call, name);
   }
-  return {full, asPrinted(call, &text)};
+  return {full, call.node.changes().printed(&text)};
 }
 
 // 0 they are the same, 1 they differ, 2 that can't be told.
@@ -203,14 +176,12 @@ int historyCommand(const CommandElement*, Vty* vty, int, char**) { return leave(
 
 int rollback(const PlatformCall& call, const std::string& to) try {
   Startup& startup = call.node.startup();
-  const bool taken = startup.pending().waits() && to.empty();
-  if (to.empty() && !taken) return refuse(call, "rollback startup, or rollback NUMBER of show history");
-  const std::string text = taken             ? startup.pending().configuration()
-                           : to == "startup" ? readFile(startup.path(), kMaxFile)
-                                             : startup.history().text(to);
-  call.text += takeOn(call.node, text);
-  if (taken) startup.pending().done();
-  note(fmt::format("the node has taken on the configuration {}", taken ? "ahead of the change" : to));
+  Changes& changes = call.node.changes();
+  if (to.empty() && !changes.waits()) return refuse(call, "rollback startup, or rollback NUMBER of show history");
+  call.text += to.empty()
+                   ? changes.takeBack()
+                   : changes.takeOn(to == "startup" ? readFile(startup.path(), kMaxFile) : startup.history().text(to));
+  note(fmt::format("the node has taken on the configuration {}", to.empty() ? "ahead of the change" : to));
   return 0;
 } catch (const std::exception& error) {
   complain(fmt::format("rollback: {}", error.what()));
@@ -222,40 +193,17 @@ int rollbackCommand(const CommandElement*, Vty* vty, int argc, char** argv) {
                [to = std::string(argc == 0 ? "" : argv[0])](const PlatformCall& call) { return rollback(call, to); });
 }
 
-// The time to confirm a change is over; on the operator's door.
-void takeBack(Operator& commands) {
-  Pending& pending = commands.startup().pending();
-  const std::string configuration = pending.configuration();
-  if (configuration.empty()) return;
-  std::string outcome = "a change was not confirmed: the node has the configuration ahead of it again";
-  try {
-    takeOn(commands, configuration);
-    pending.done();
-  } catch (const std::exception& error) {
-    outcome = fmt::format("a change was not confirmed, and can't be taken back: {}", error.what());
-  }
-  complain(outcome);
-  commands.later().announce(outcome);
-}
-
 int confirmWithin(const PlatformCall& call, std::chrono::seconds time) try {
-  Operator& commands = call.node;
-  if (commands.later().post == nullptr) return refuse(call, "a change can't wait here");
-  std::string missing;
-  const std::string configuration = printRunning(commands.node(), missing);
-  if (!missing.empty()) return refuse(call, "incomplete: " + missing);
-  commands.startup().pending().begin(configuration, time,
-                                     [&commands] { commands.later().post([&commands] { takeBack(commands); }); });
+  call.node.changes().confirmWithin(time);
   call.text +=
       fmt::format("what changes from now on is taken back in {} s unless \"confirm\" follows\r\n", time.count());
-  note(fmt::format("a change waits {} s to be confirmed", time.count()));
   return 0;
 } catch (const std::exception& error) {
   return refuse(call, error.what());
 }
 
 int confirm(const PlatformCall& call) try {
-  if (!call.node.startup().pending().confirm()) return refuse(call, "no change waits to be confirmed");
+  if (!call.node.changes().confirm()) return refuse(call, "no change waits to be confirmed");
   call.text += "the change stays\r\n";
   note("a change is confirmed");
   return 0;

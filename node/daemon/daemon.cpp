@@ -229,12 +229,12 @@ void runDaemon(const Configuration& configuration) {
   Server server(listener.descriptor(), door, commands, {}, configuration.operators);
   const Tracing tracing(trace, server);
   const Later later(startup.pending());
-  commands.setLater({.post = [&door](std::function<void()> what) { door.post(std::move(what)); },
-                     .announce =
-                         [&server, &agent](std::string_view line) {
-                           server.announce(line);
-                           if (agent) agent->notify(line);
-                         }});
+  commands.changes().setLater({.post = [&door](std::function<void()> what) { door.post(std::move(what)); },
+                               .announce =
+                                   [&server, &agent](std::string_view line) {
+                                     server.announce(line);
+                                     if (agent) agent->notify(line);
+                                   }});
   std::optional<MetricsFile> metricsFile;
   if (metrics) {
     const auto page = [&] { return metrics->page(server.terminals()); };

@@ -15,7 +15,10 @@
 namespace msand {
 
 Operator::Operator(node::Node& node, Startup& startup, cards::DslCards& cards)
-    : node_(node), startup_(startup), cards_(cards) {
+    : node_(node),
+      startup_(startup),
+      cards_(cards),
+      changes_(node, cards, startup.pending(), [&startup] { installPlatformWords(startup.history()); }) {
   installPlatformWords(startup_.history());
 }
 

@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "cards/dsl_cards.h"
+#include "changes.h"
 #include "node.h"
 #include "running_configuration.h"
 #include "service.h"
@@ -26,14 +27,7 @@ class Operator : public Service {
   Startup& startup() { return startup_; }
   cards::DslCards& cards() { return cards_; }
 
-  // How something is done later, on the thread of the operator's door, and told to all terminals. Without it a change
-  // can't wait to be confirmed.
-  struct Later {
-    std::function<void(std::function<void()>)> post;
-    std::function<void(std::string_view)> announce;
-  };
-  void setLater(Later later) { later_ = std::move(later); }
-  const Later& later() const { return later_; }
+  Changes& changes() { return changes_; }
 
   // What "show metrics" prints; without it the node counts nothing.
   void setMetrics(std::function<std::string()> page) { metrics_ = std::move(page); }
@@ -49,7 +43,7 @@ class Operator : public Service {
   Startup& startup_;
   cards::DslCards& cards_;
   std::function<std::string()> metrics_;
-  Later later_;
+  Changes changes_;
 };
 
 }  // namespace msand

@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
-#include <unordered_set>
 
 #include "capture_file.h"
 #include "change_words.h"
@@ -20,7 +19,6 @@
 #include "port_words.h"
 #include "running_configuration.h"
 #include "session_record.h"
-#include "shadow.h"
 
 namespace msand {
 
@@ -48,26 +46,6 @@ int showMetrics(const PlatformCall& call) {
   return 0;
 }
 
-// Each line of a configuration that a start would not bring back as it stands is told; how many.
-std::size_t tellWhatIsLost(const PlatformCall& call, const std::string& text) {
-  node::Node& node = call.node.node();
-  Snapshot snapshot = snapshotOf(node, nullptr);
-  snapshot.configuration = text;
-  const std::string back = Shadow(snapshot, node.modulePath()).configuration();
-  std::unordered_multiset<std::string_view> there;
-  for (const std::string_view line : linesOf(back)) there.insert(line);
-  std::size_t lost = 0;
-  for (const std::string_view line : linesOf(text)) {
-    if (const auto found = there.find(line); found != there.end()) {
-      there.erase(found);
-      continue;
-    }
-    ++lost;
-    call.text += fmt::format("will not come back: {}\r\n", printable(line));
-  }
-  return lost;
-}
-
 struct WriteWords {
   bool force = false, check = true;
   std::string comment;
@@ -80,7 +58,10 @@ int write(const PlatformCall& call, const WriteWords& words) {
     const std::string told = startup.write(call.node.node(), words.force, words.comment, text);
     call.text += fmt::format("written to {}\r\n", startup.path());
     if (!told.empty()) call.text += told + "\r\n";
-    if (words.check && tellWhatIsLost(call, text) != 0) return -1;
+    if (!words.check) return 0;
+    const auto lost = call.node.changes().lost(text);
+    for (const std::string& line : lost) call.text += fmt::format("will not come back: {}\r\n", printable(line));
+    if (!lost.empty()) return -1;
   } catch (const ChannelError& error) {
     return failed(call, fmt::format("not checked: {}", error.what()));
   } catch (const std::exception& error) {
