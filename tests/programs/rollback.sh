@@ -61,10 +61,15 @@ PATH=$PATH:/usr/sbin timeout 20 snmptrapd -f -Lo -On -C --disableAuthorization=y
   >"$folder/notification" 2>&1 &
 listener=$!
 ctl -c 'confirm within 1 seconds' -c 'set cid mode fsk' >/dev/null
-{ sleep 2.5; echo 'show cid mode'; } | ctl >"$folder/watched" & # a terminal that does nothing
-for _ in {1..80}; do [ "$(mode)" = DTMF ] && break; sleep 0.1; done
+mkfifo "$folder/typed"
+ctl <"$folder/typed" >"$folder/watched" & # a terminal that does nothing meanwhile
+watcher=$!
+exec {typed}>"$folder/typed"
+for _ in {1..300}; do [ "$(mode)" = DTMF ] && break; sleep 0.1; done
 expect "nobody has confirmed" DTMF "$(mode)"
-wait $!
+echo 'show cid mode' >&"$typed"
+exec {typed}>&-
+wait "$watcher"
 kill $listener
 expectMatch "a manager is notified: msanNotice, msanNoticeText" \
   "*.1.3.6.1.6.3.1.1.4.1.0 = OID: .1.3.6.1.4.1.8072.9999.9999.2.0.1*.2.2.0 = STRING: \"a change was not confirmed: *" "$(cat "$folder/notification")"
