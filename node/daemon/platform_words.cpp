@@ -210,10 +210,13 @@ int writeCommand(const CommandElement*, Vty* vty, int argc, char** argv) {
         words.comment = words.comment.substr(1, words.comment.size() - 2);
       break;
     }
-    if (word != "force" && word != "no-check")
+    if (word == "force")
+      words.force = true;
+    else if (word == "no-check" || word == "--no-check")
+      words.check = false;
+    else
       return leave(vty,
                    [](const PlatformCall& call) { return failed(call, "force, no-check, or comment and a text"); });
-    (word == "force" ? words.force : words.check) = word == "force";
   }
   return leave(vty, [words](const PlatformCall& call) { return write(call, words); });
 }

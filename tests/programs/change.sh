@@ -34,12 +34,17 @@ expect "a file that isn't there" 1 "$(ctl -c 'check none.cfg' >/dev/null 2>&1; e
 
 # A shadow that is killed is told of at once.
 killed() {
-  local shadow
-  until shadow=$(pgrep -P "$node" -f -- --shadow); do :; done
-  kill -KILL "$shadow"
+  local shadow try
+  for ((try = 0; try < 500; ++try)); do
+    if shadow=$(pgrep -P "$node" -f -- --shadow); then
+      kill -KILL "$shadow" || true
+      return
+    fi
+  done
 }
+yes 'set cid mode fsk' | head -n 30000 >long.cfg || true # takes it longer than to be found
 killed &
-run ctl check new.cfg
+run ctl check long.cfg
 wait $!
 expectMatch "a shadow that dies" "[12] *the shadow*" "$code $out"
 expect "and nothing of it stays" 0 "$(pgrep -c -P "$node" || true)"
@@ -59,7 +64,7 @@ expectMatch "history" "*startup*a terminal*1 *a terminal the first*" "$(ctl -c '
 echo 'set cid mode fsk' >startup.cfg
 ctl -c 'write no-check' >/dev/null
 expectMatch "somebody else's file is kept, too" "*startup*1 *another*found at this write*2 *a terminal*3 *the first*" "$(ctl -c 'show history')"
-for i in {1..52}; do echo 'write no-check'; done | ctl >/dev/null
+for i in {1..26}; do printf 'write no-check\nwrite --no-check\n'; done | ctl >/dev/null
 expect "so many are kept" 51 "$(ls startup.cfg.history | wc -l)"
 expectMatch "a history file is a configuration" "! written *, a terminal: *set cid mode dtmf*" "$(zcat "$(ls -d startup.cfg.history/* | tail -n 1)")"
 stop
