@@ -17,6 +17,7 @@ namespace msand {
 
 static constexpr std::size_t kKept = 51;
 static constexpr std::size_t kMaxFile = 32 << 20;
+static constexpr std::size_t kHead = 1 << 15;  // longer than a line
 static constexpr std::string_view kMark = "! written ";
 static constexpr std::string_view kEnding = ".gz";
 static constexpr int kGzip = MAX_WBITS + 16;
@@ -37,7 +38,8 @@ static std::string compressed(const std::string& path, std::string_view text) {
   return bytes;
 }
 
-static std::string expanded(const std::string& path) {
+// All of it, or, for who wants its beginning, at least `enough` bytes.
+static std::string expanded(const std::string& path, std::size_t enough = kMaxFile) {
   const std::string bytes = readFile(path, kMaxFile);
   z_stream stream{};
   if (inflateInit2(&stream, kGzip) != Z_OK) throw FileError(path, "can't be read");
@@ -45,7 +47,7 @@ static std::string expanded(const std::string& path) {
   stream.avail_in = static_cast<uInt>(bytes.size());
   std::string text;
   int result = Z_OK;
-  while (result == Z_OK && text.size() <= kMaxFile) {
+  while (result == Z_OK && text.size() <= enough) {
     char piece[65536];
     stream.next_out = reinterpret_cast<Bytef*>(piece);
     stream.avail_out = sizeof piece;
@@ -53,7 +55,7 @@ static std::string expanded(const std::string& path) {
     text.append(piece, sizeof piece - stream.avail_out);
   }
   inflateEnd(&stream);
-  if (result != Z_STREAM_END) throw FileError(path, "is damaged");
+  if (result != Z_STREAM_END && (result != Z_OK || enough == kMaxFile)) throw FileError(path, "is damaged");
   return text;
 }
 
@@ -90,8 +92,8 @@ void History::keep(std::string_view text, const Written& written) {
 }
 
 // The head line's parts, and the text behind it.
-static History::Written readHead(const std::string& path, std::string& text) {
-  text = expanded(path);
+static History::Written readHead(const std::string& path, std::string& text, std::size_t enough = kMaxFile) {
+  text = expanded(path, enough);
   const std::size_t end = text.find('\n');
   const std::string head = text.substr(0, end);
   const std::size_t comma = head.find(", "), colon = head.find(": ", comma);
@@ -118,7 +120,7 @@ std::vector<History::Written> History::list() const {
   for (const std::string& path : files()) {
     try {
       std::string text;
-      all.push_back(readHead(path, text));
+      all.push_back(readHead(path, text, kHead));
     } catch (const FileError& error) {
       all.push_back({"", "", error.what()});
     }

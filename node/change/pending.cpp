@@ -1,11 +1,16 @@
 #include "pending.h"
 
+#include <fcntl.h>
 #include <unistd.h>
 
 #include <cerrno>
+#include <filesystem>
 #include <stdexcept>
+#include <system_error>
 
+#include "descriptor.h"
 #include "files.h"
+#include "note.h"
 
 namespace msand {
 
@@ -55,13 +60,13 @@ bool Pending::waits() const {
   return waits_;
 }
 
-std::chrono::seconds Pending::left() const {
-  const std::lock_guard lock(mutex_);
-  return std::chrono::ceil<std::chrono::seconds>(until_ - std::chrono::steady_clock::now());
-}
-
 void Pending::removeFile() {
   if (unlink(path_.c_str()) != 0 && errno != ENOENT) throw FileError(path_, "can't be removed", errno);
+  // A loss of power must not bring it back: the next start would undo a change that was confirmed.
+  const auto folder = std::filesystem::absolute(path_).parent_path();
+  if (const Descriptor opened(open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+      !opened || fsync(opened.get()) != 0)
+    note("the removal of " + path_ + " may not last: " + std::generic_category().message(errno));
 }
 
 std::string Pending::leftBehind() const {

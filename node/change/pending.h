@@ -29,7 +29,6 @@ class Pending {
   void stop() { timer_ = {}; }
 
   bool waits() const;
-  std::chrono::seconds left() const;
 
   // What a process that has ended was to go back to; empty: nothing. Throws FileError.
   std::string leftBehind() const;

@@ -48,7 +48,11 @@ Shadow::Shadow(const Snapshot& snapshot, const std::string& module) {
   Descriptor other(ends[1]);
   process_.id = start(other.get(), module);
   other.reset();  // its end is seen by ours
+  Value flows = Value::array();
+  for (const Snapshot::Flow& flow : snapshot.flows)
+    flows.push_back(Value::array({flow.isRule, flow.id, bytesValue(flow.name), Value::binary(flow.bytes)}));
   const Value answer = ask({{"do", "set up"},
+                            {"flows", std::move(flows)},
                             {"chassis", snapshot.chassis},
                             {"lines", snapshot.lines},
                             {"configuration", bytesValue(snapshot.configuration)},

@@ -6,9 +6,11 @@
 #include <algorithm>
 #include <array>
 #include <csignal>
+#include <cstring>
 #include <map>
 
 #include "answering.h"
+#include "host/flow_store.h"
 #include "host/jobs.h"
 #include "host/log.h"
 #include "observing.h"
@@ -103,8 +105,25 @@ class ShadowNode {
     }
   }
 
+  // From this very program: of the sizes that it has.
+  static void setFlow(const Value& flow) {
+    const i16 id = flow.at(1);
+    const std::string name = bytesOf(flow.at(2));
+    const auto& bytes = flow.at(3).get_binary();
+    if (flow.at(0).get<bool>()) {
+      FlowRule rule;
+      std::memcpy(&rule, bytes.data(), std::min(bytes.size(), sizeof rule));
+      host::setFlowRule(id, name, rule);
+    } else {
+      host::FlowPolicyPack pack{};
+      std::memcpy(pack.data(), bytes.data(), std::min(bytes.size(), pack.size()));
+      host::setFlowPolicy(id, name, pack);
+    }
+  }
+
   Value setUp(const Value& request) {
     play(request.at("chassis"));
+    for (const Value& flow : request.at("flows")) setFlow(flow);
     counter_.state.clear();
     for (const std::string words : request.at("lines")) {
       std::string text;

@@ -8,6 +8,7 @@
 #include "host/flow_store.h"
 #include "host/hex.h"
 #include "line_words.h"
+#include "note.h"
 
 namespace msand {
 
@@ -23,17 +24,25 @@ std::vector<std::string_view> linesOf(std::string_view configuration) {
   return lines;
 }
 
-// What the flow store keeps of an id, as it lies there.
-static std::string flowRuleBytes(i16 id) {
+static Snapshot::Flow ruleOf(const host::FlowEntry& entry) {
   FlowRule rule;
-  flowRuleGetPrfInfo(id, &rule);
-  return host::hexText({reinterpret_cast<const u8*>(&rule), sizeof rule});
+  flowRuleGetPrfInfo(entry.id, &rule);
+  const auto* const bytes = reinterpret_cast<const u8*>(&rule);
+  return {true, entry.id, entry.name, {bytes, bytes + sizeof rule}};
 }
-static std::string flowPolicyBytes(i16 id) {
-  u8 pack[kFlowPolicyPack] = {};
-  u32 length = sizeof pack;
-  fpGetSpcPrfPack(pack, &length, id);
-  return host::hexText(pack);
+static Snapshot::Flow policyOf(const host::FlowEntry& entry) {
+  std::vector<u8> pack(kFlowPolicyPack);
+  u32 length = kFlowPolicyPack;
+  fpGetSpcPrfPack(pack.data(), &length, entry.id);
+  return {false, entry.id, entry.name, std::move(pack)};
+}
+
+std::string flowDirective(const Snapshot::Flow& flow) {
+  const bool word =
+      !flow.name.empty() && std::ranges::none_of(flow.name, [](char letter) { return static_cast<u8>(letter) <= ' '; });
+  return fmt::format("{}flow-{} {} {} {}",
+                     word ? "" : "# What can't be told in a scenario: ", flow.isRule ? "rule" : "policy", flow.id,
+                     printable(flow.name), host::hexText(flow.bytes));
 }
 
 static std::string_view stateWord(host::CardState state) {
@@ -58,10 +67,8 @@ Snapshot snapshotOf(node::Node& node, const cards::DslCards* dsl) {
     if (dsl != nullptr && (type->families & (host::ADSL | host::VDSL)) != 0)
       addLines(snapshot.lines, *dsl, slot, type->ports);
   }
-  for (const host::FlowEntry& rule : host::flowRules())
-    snapshot.chassis.push_back(fmt::format("flow-rule {} {} {}", rule.id, rule.name, flowRuleBytes(rule.id)));
-  for (const host::FlowEntry& policy : host::flowPolicies())
-    snapshot.chassis.push_back(fmt::format("flow-policy {} {} {}", policy.id, policy.name, flowPolicyBytes(policy.id)));
+  for (const host::FlowEntry& rule : host::flowRules()) snapshot.flows.push_back(ruleOf(rule));
+  for (const host::FlowEntry& policy : host::flowPolicies()) snapshot.flows.push_back(policyOf(policy));
   snapshot.configuration = node.runningConfiguration();
   return snapshot;
 }

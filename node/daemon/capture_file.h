@@ -9,14 +9,10 @@
 #include <utility>
 
 #include "descriptor.h"
+#include "files.h"
 #include "messages/capture.h"
 
 namespace msand {
-
-struct CaptureSettings {
-  std::string folder;            // made when it is needed
-  std::size_t most = 64u << 20;  // bytes of a file
-};
 
 class CaptureFile {
  public:
@@ -25,7 +21,7 @@ class CaptureFile {
   CaptureFile(const CaptureFile&) = delete;
   CaptureFile& operator=(const CaptureFile&) = delete;
 
-  void configure(CaptureSettings settings) { settings_ = std::move(settings); }
+  void configure(FileSettings settings) { settings_ = std::move(settings); }
 
   // Begins with a file of this name, which replaces an older one; ends the one before. What to tell the operator.
   // Throws FileError, and std::invalid_argument for a name that is none.
@@ -43,7 +39,7 @@ class CaptureFile {
   void flushNowAndThen(const std::stop_token& stop);
   std::string told() const;
 
-  CaptureSettings settings_;
+  FileSettings settings_;
   std::atomic<bool> wanted_{false};
   std::mutex mutex_;  // what follows
   std::string path_;

@@ -38,7 +38,7 @@ struct Configuration {
   std::vector<SlotConfiguration> slots;  // ascending
   std::vector<Told> lines;               // behind DSL ports: what stands behind "chassis" at the terminal
   std::vector<Told> flow;                // flow rules and policies: what stands behind "flow" at the terminal
-  CaptureSettings capture;               // without a folder: beside the startup configuration
+  FileSettings capture;                  // without a folder: beside the startup configuration
   SnmpSettings snmp;                     // it listens nowhere: no agent
 };
 

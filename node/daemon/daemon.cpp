@@ -130,10 +130,10 @@ static void layLines(Operator& commands, const Configuration& configuration) {
 }
 
 static void setUpCaptures(const Configuration& configuration) {
-  CaptureSettings settings = configuration.capture;
+  FileSettings settings = configuration.capture;
   if (settings.folder.empty())
     settings.folder = (std::filesystem::path(configuration.startup).parent_path() / "captures").string();
-  sessionRecord().configure({settings.folder, settings.most});
+  sessionRecord().configure(settings);
   captureFile().configure(std::move(settings));
 }
 

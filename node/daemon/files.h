@@ -9,6 +9,12 @@
 
 namespace msand {
 
+// Where files go that an operator asks for, as captures and records.
+struct FileSettings {
+  std::string folder;            // made when it is needed
+  std::size_t most = 64u << 20;  // bytes of a file
+};
+
 // A file that can't be read or written; `code` is the errno, 0 if the system is not to blame.
 struct FileError : std::runtime_error {
   FileError(const std::string& path, const std::string& what, int errorCode = 0);

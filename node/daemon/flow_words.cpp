@@ -13,6 +13,7 @@
 #include "platform/tables.h"
 #include "platform_words.h"
 #include "session_record.h"
+#include "snapshot.h"
 
 namespace msand {
 
@@ -128,8 +129,8 @@ int nameTooLong(Vty* vty) {
   });
 }
 
-std::string recordedFlow(const char* word, i16 id, const std::string& name, host::Bytes bytes) {
-  return fmt::format("flow-{} {} {} {}", word, id, name, host::hexText(bytes));
+std::string recordedFlow(bool isRule, i16 id, const std::string& name, host::Bytes bytes) {
+  return flowDirective({isRule, id, name, {bytes.begin(), bytes.end()}});
 }
 
 int ruleCommand(const CommandElement*, Vty* vty, int argc, char** argv) {
@@ -148,9 +149,7 @@ int ruleCommand(const CommandElement*, Vty* vty, int argc, char** argv) {
   }
   return leave(vty, [=, id = numberOf<i16>(argv[0])](const PlatformCall&) {
     const Turn turn;
-    const Doing doing([&] {
-      return recordedFlow("rule", id, name, {reinterpret_cast<const u8*>(&rule), sizeof rule});
-    });
+    const Doing doing([&] { return recordedFlow(true, id, name, {reinterpret_cast<const u8*>(&rule), sizeof rule}); });
     host::setFlowRule(id, name, rule);
     return 0;
   });
@@ -164,7 +163,7 @@ int policyCommand(const CommandElement*, Vty* vty, int argc, char** argv) {
     return leave(vty, [](const PlatformCall& call) { return refuse(call, "up to 146 hexadecimal digits"); });
   return leave(vty, [=, id = numberOf<i16>(argv[0])](const PlatformCall&) {
     const Turn turn;
-    const Doing doing([&] { return recordedFlow("policy", id, name, pack); });
+    const Doing doing([&] { return recordedFlow(false, id, name, pack); });
     host::setFlowPolicy(id, name, pack);
     return 0;
   });

@@ -205,7 +205,7 @@ int writeCommand(const CommandElement*, Vty* vty, int argc, char** argv) {
   for (int i = 0; i < argc; ++i) {
     const std::string_view word = argv[i];
     if (word == "comment") {
-      words.comment = fmt::format("{}", fmt::join(argv + i + 1, argv + argc, " "));
+      words.comment = printable(fmt::format("{}", fmt::join(argv + i + 1, argv + argc, " ")));
       if (words.comment.size() > 1 && words.comment.front() == '"' && words.comment.back() == '"')
         words.comment = words.comment.substr(1, words.comment.size() - 2);
       break;

@@ -4,6 +4,7 @@
 #include <fmt/chrono.h>
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <chrono>
 #include <filesystem>
@@ -46,6 +47,7 @@ static std::string headOf(node::Node& node) {
   std::string text = fmt::format("# Recorded by msand {}, {:%Y-%m-%d %H:%M:%S} UTC.\n\n# The node at that time.\n",
                                  MSAN_VERSION, fmt::gmtime(std::chrono::system_clock::to_time_t(now)));
   for (const std::string& directive : snapshot.chassis) text += directive + '\n';
+  for (const Snapshot::Flow& flow : snapshot.flows) text += flowDirective(flow) + '\n';
   text += "recover on\n";
   for (const std::string_view line : linesOf(snapshot.configuration))
     if (!line.starts_with('!')) text += fmt::format("cli {}\n", line);
@@ -69,6 +71,8 @@ void SessionRecord::want(Sink sink) {
   ended_.clear();
   lastLine_.clear();
   recorder_.take();
+  const std::lock_guard lock(answersMutex_);
+  answers_.clear();
 }
 
 void SessionRecord::beginInto(Sink sink) {
@@ -138,6 +142,12 @@ void SessionRecord::answered(host::Link link, u16 slot, u16 id, host::Bytes answ
                   : fmt::format("answer {} {} {} {}\n", link == host::Link::gpon ? "gpon" : "gepon", slot, id, bytes);
 }
 
+// An answer may stand behind the line that asked: that is the one line end.
+static bool isTold(std::string_view directive) {
+  const std::size_t confirm = directive.rfind("\nconfirm ");
+  return std::ranges::none_of(directive.substr(0, confirm), [](char letter) { return static_cast<u8>(letter) < ' '; });
+}
+
 // A player's answers are there ahead of the directive that asks for them.
 void SessionRecord::note(std::string_view directive, const scenario::Outcome& outcome) {
   host::runJobs();
@@ -149,6 +159,15 @@ void SessionRecord::note(std::string_view directive, const scenario::Outcome& ou
     text.swap(answers_);
   }
   if (!wanted_) return;
+  // A line of a file can't hold it, and what came of it would be read as the one's ahead.
+  if (directive.starts_with('#')) {
+    append(fmt::format("{}\n", directive));
+    return;
+  }
+  if (!isTold(directive)) {
+    append(fmt::format("# What can't be told in a scenario: {}\n", printable(directive)));
+    return;
+  }
   text += fmt::format("{}\n", directive);
   const std::vector<std::string> record = scenario::recordOf(std::move(events), outcome);
   for (const std::string& line : record) text += line + '\n';

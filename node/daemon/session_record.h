@@ -12,20 +12,16 @@
 #include <utility>
 #include <vector>
 
+#include "files.h"
 #include "node.h"
 #include "scenario/outcome.h"
 #include "scenario/recorder.h"
 
 namespace msand {
 
-struct RecordSettings {
-  std::string folder;            // made when it is needed
-  std::size_t most = 64u << 20;  // bytes of a file
-};
-
 class SessionRecord {
  public:
-  void configure(RecordSettings settings) { settings_ = std::move(settings); }
+  void configure(FileSettings settings) { settings_ = std::move(settings); }
 
   // Begins with a file of this name, which replaces an older one; ends the one before. What stands at its head brings
   // the player to where the node is now. What to tell the operator. Throws FileError, and std::invalid_argument for a
@@ -57,7 +53,7 @@ class SessionRecord {
   void want(Sink sink);
   std::string told() const;
 
-  RecordSettings settings_;
+  FileSettings settings_;
   std::atomic<bool> wanted_{false};
   std::recursive_mutex turn_;  // of the one request that is under way while it is wanted; what follows is its own
   std::string path_;

@@ -86,14 +86,7 @@ int open(const char* path, int flags, ...) {
   return noted(counted(concerns(path), [&] { return real<int(const char*, int, ...)>("open")(path, flags, mode); }),
                path);
 }
-int open64(const char* path, int flags, ...) {
-  va_list arguments;
-  va_start(arguments, flags);
-  const mode_t mode = modeOf(flags, arguments);
-  va_end(arguments);
-  return noted(counted(concerns(path), [&] { return real<int(const char*, int, ...)>("open")(path, flags, mode); }),
-               path);
-}
+int open64(const char* path, int flags, ...) __attribute__((alias("open")));
 int mkstemp(char* path) {
   const bool concerned = concerns(path);
   return noted(counted(concerned, [&] { return real<int(char*)>("mkstemp")(path); }), path);

@@ -27,6 +27,8 @@ run ctl check - --messages <<<'set cid mode dtmf'
 expect "a good one, with its messages" '0 ngn 3087 000000010002 00*32
 1 line, all would be taken
 the voice side: 1 message, 38 bytes' "$code $(tr -d '\r' <<<"$out")"
+run ctl -c 'flow rule 8 name "of two"' -c 'check new.cfg'
+expectMatch "with a rule of two words" "*4 lines, 2 would not be taken*" "$out"
 expect "nothing of it is done" 0 "$(ctl -c 'show cid mode' | grep -c DTMF)"
 run ctl -c 'check open' -c 'set cid mode dtmf' -c write -c exit -c 'set cid mode fsk' -c 'check close' -c 'show cid mode'
 expectMatch "typed in the dark, up to exit" "*3 lines, all would be taken*the voice side: 1 message*FSK*" "$out"
