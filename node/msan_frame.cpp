@@ -220,6 +220,5 @@ int runProgram(int argc, char** argv) {
 }  // namespace
 
 int main(int argc, char** argv) {
-  output::keepStandardDescriptors();
-  return output::exitCode(runProgram(argc, argv), "msan-frame", kOutputLost);
+  return output::run("msan-frame", kOutputLost, kOutputLost, [&] { return runProgram(argc, argv); });
 }

@@ -105,6 +105,5 @@ int runProgram(int argc, char** argv) {
 }  // namespace
 
 int main(int argc, char** argv) {
-  output::keepStandardDescriptors();
-  return output::exitCode(runProgram(argc, argv), "msan-scenario", scenario::kOutputLost);
+  return output::run("msan-scenario", scenario::kNoNode, scenario::kOutputLost, [&] { return runProgram(argc, argv); });
 }

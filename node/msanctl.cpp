@@ -197,7 +197,6 @@ int runProgram(int argc, char** argv) {
 }  // namespace
 
 int main(int argc, char** argv) {
-  output::keepStandardDescriptors();
   std::setlocale(LC_CTYPE, "");
-  return output::exitCode(runProgram(argc, argv), "msanctl", kOutputLost);
+  return output::run("msanctl", kOutputLost, kOutputLost, [&] { return runProgram(argc, argv); });
 }

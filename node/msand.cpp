@@ -7,6 +7,7 @@
 
 #include "configuration.h"
 #include "daemon.h"
+#include "reserve.h"
 #include "shadow.h"
 #include "standard_output.h"
 
@@ -70,6 +71,7 @@ msand::Configuration configurationOf(const Options& options) {
 }
 
 int runProgram(int argc, char** argv) {
+  msand::keepReserve();
   Options options;
   CLI::App app("The node as a daemon: loads the module, holds the chassis, serves its operators.", "msand");
   declare(app, options);
@@ -100,6 +102,5 @@ int runProgram(int argc, char** argv) {
 }  // namespace
 
 int main(int argc, char** argv) {
-  output::keepStandardDescriptors();
-  return output::exitCode(runProgram(argc, argv), "msand", kFailed);
+  return output::run("msand", kFailed, kFailed, [&] { return runProgram(argc, argv); });
 }

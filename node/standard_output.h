@@ -7,6 +7,7 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
+#include <exception>
 #include <initializer_list>
 
 namespace output {
@@ -30,6 +31,19 @@ inline int exitCode(int code, const char* program, int lost) {
   std::fprintf(stderr, "%s: standard output can't be written%s%s\n", program, errno != 0 ? ": " : "",
                errno != 0 ? std::strerror(errno) : "");
   return lost;
+}
+
+// A program from its begin to its end: what nothing else has caught is told, and it failed.
+template <class Program>
+int run(const char* name, int failed, int lost, Program program) {
+  keepStandardDescriptors();
+  int code = failed;
+  try {
+    code = program();
+  } catch (const std::exception& error) {
+    std::fprintf(stderr, "%s: %s\n", name, error.what());
+  }
+  return exitCode(code, name, lost);
 }
 
 }  // namespace output

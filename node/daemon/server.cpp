@@ -13,6 +13,7 @@
 #include <utility>
 
 #include "note.h"
+#include "reserve.h"
 
 namespace msand {
 
@@ -112,6 +113,7 @@ void Server::run(int stop) {
     std::erase_if(sessions_, [](const auto& entry) { return entry.second->gone; });
     count_ = sessions_.size();
     beat();
+    renewReserve();
   }
   control(epoll_, EPOLL_CTL_DEL, stop, 0);
   door_.stop();

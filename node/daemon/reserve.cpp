@@ -1,0 +1,45 @@
+#include "reserve.h"
+
+#include <unistd.h>
+
+#include <atomic>
+#include <cstdlib>
+#include <new>
+#include <string_view>
+
+#include "note.h"
+
+namespace msand {
+
+static constexpr std::size_t kReserve = 1 << 20;
+
+static std::atomic<void*> reserve{nullptr};
+static std::atomic<bool> used{false};
+
+static void useReserve() {
+  if (void* const block = reserve.exchange(nullptr)) {
+    used = true;
+    return std::free(block);
+  }
+  // Several threads may come here at once, each with the block that another gave up.
+  if (used.exchange(false)) return;
+  constexpr std::string_view kWords = "msand: out of memory\n";
+  static_cast<void>(!write(STDERR_FILENO, kWords.data(), kWords.size()));
+  std::_Exit(1);
+}
+
+void keepReserve() {
+  reserve = std::malloc(kReserve);
+  std::set_new_handler(useReserve);
+}
+
+void renewReserve() {
+  if (reserve != nullptr) return;
+  if (void* const block = std::malloc(kReserve)) {
+    reserve = block;
+    used = false;
+    warn("memory was short; the reserve was used");
+  }
+}
+
+}  // namespace msand
