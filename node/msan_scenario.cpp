@@ -23,6 +23,7 @@ struct Options {
   bool explain = false;
   bool messages = false;
   std::string capture;
+  std::string calls;
 };
 
 std::string installedModule() {
@@ -42,6 +43,9 @@ void describe(CLI::App& app, Options& options) {
                            "With --rewrite: of all directives, not only of those that have expectations;\n"
                            "with --sweep: every point, not only the first of each site");
   auto* sweep = app.add_flag("--sweep", options.sweep, "Play again and again, each time with one more site failing");
+  app.add_option("--calls", options.calls, "With --sweep: write where in the module the failing calls return to")
+      ->type_name("FILE")
+      ->needs(sweep);
   auto* replay =
       app.add_flag("--replay", options.replay, "Compare the running configuration ahead of and behind a restart");
   auto* explain =
@@ -78,7 +82,7 @@ int run(const Options& options) {
   if (!options.capture.empty()) return scenario::captureFiles(module, scenarios, options.capture);
   if (options.messages) return scenario::holdFiles(module, scenarios);
   if (options.rewrite) return scenario::rewriteFiles(module, scenarios, options.all);
-  if (options.sweep) return scenario::sweepFiles(module, scenarios, options.all);
+  if (options.sweep) return scenario::sweepFiles(module, scenarios, {options.all, options.calls});
   if (options.replay) return scenario::replayFiles(module, scenarios);
   return scenario::playFiles(module, scenarios);
 }

@@ -42,8 +42,12 @@ int captureFiles(const std::string& module, const std::vector<Scenario>& scenari
 // directives without expectations, too. Prints what it changed. Standard input goes to standard output.
 int rewriteFiles(const std::string& module, const std::vector<Scenario>& scenarios, bool all);
 
-// Plays files with each failing site failing once, over all files together; `all`: every failure point.
-int sweepFiles(const std::string& module, const std::vector<Scenario>& scenarios, bool all);
+// Plays files with each failing site failing once, over all files together.
+struct SweepOptions {
+  bool all = false;   // every failure point
+  std::string calls;  // file for where in the module the calls return to that led to a failure point, hexadecimal
+};
+int sweepFiles(const std::string& module, const std::vector<Scenario>& scenarios, const SweepOptions& options);
 
 // Plays files and holds the running configuration against the one that it gives behind a restart.
 int replayFiles(const std::string& module, const std::vector<Scenario>& scenarios);

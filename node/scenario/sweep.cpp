@@ -2,6 +2,8 @@
 // processes, so that a crash ends a child alone. A child tells by shared memory where it is; after a crash, and after a
 // number of runs, a new one goes on with the next point. In a build that looks for leaks a child does so once at its
 // end, since a look takes long; when it finds any its runs are done again with a look behind each.
+//
+// What only comes once something has failed, undoing for instance, fails in a second round together with it.
 
 #include <fmt/format.h>
 #include <sys/mman.h>
@@ -12,6 +14,7 @@
 #include <atomic>
 #include <cerrno>
 #include <cstring>
+#include <fstream>
 #include <functional>
 #include <map>
 #include <numeric>
@@ -65,6 +68,8 @@ struct Swept {
   const std::string& module;
   const Scenario& scenario;
   const std::vector<FailurePoint>& points;
+  u32 number = 0;               // of the scenario
+  PointFile* behind = nullptr;  // takes what comes within a directive once its point has failed
 
   const FailurePoint* at(const Progress& progress) const {
     return progress.point == 0 ? nullptr : &points[progress.point - 1];
@@ -80,8 +85,10 @@ std::string pointOf(const Swept& swept, const Progress& at) {
     place = fmt::format("{}:{}: {}", scenario.name, directive.line, directive.text);
   }
   const FailurePoint* point = swept.at(at);
-  return point == nullptr ? fmt::format("{}: nothing failing", place)
-                          : fmt::format("{}: {} {}", place, kKinds[static_cast<int>(point->kind)], point->n);
+  if (point == nullptr) return fmt::format("{}: nothing failing", place);
+  const auto name = [](Order order) { return fmt::format("{} {}", kKinds[static_cast<int>(order.kind)], order.n); };
+  const std::string first = point->first.n != 0 ? name(point->first) + ", " : "";
+  return fmt::format("{}: {}{}", place, first, name(point->order));
 }
 
 void reportFailure(const Swept& swept, Progress& at, std::string_view why) {
@@ -131,6 +138,23 @@ std::string brokenRule(Stage& stage, const Blocks& fresh) {
   return {};
 }
 
+void arm(const Swept& swept, const FailurePoint& point, const u32 (&begin)[host::kFaults]) {
+  if (point.first.n != 0) host::failNth(point.first.kind, point.first.n);
+  host::failNth(point.order.kind, point.order.n);
+  if (swept.behind != nullptr) watchPoints(swept.module, begin, point.order);
+}
+
+bool passed(Order order, const u32 (&begin)[host::kFaults]) {
+  return host::operationsCounted(order.kind) - begin[static_cast<int>(order.kind)] >= order.n;
+}
+
+void keepWhatCameBehind(const Swept& swept, const FailurePoint& point) {
+  if (swept.behind == nullptr) return;
+  FoundPoints found = watchedPoints();
+  for (FailurePoint& one : found.points) one.first = point.order;
+  swept.behind->write(swept.number, found);
+}
+
 // One run with the progress' point failing, counted from the first directive on.
 std::string playOnce(const Swept& swept, Progress& at) {
   at.reached = false;
@@ -138,13 +162,16 @@ std::string playOnce(const Swept& swept, Progress& at) {
   Player player(swept.module);
   Blocks fresh = countBlocks();
   const FailurePoint* point = swept.at(at);
-  const u32 begin = point != nullptr ? host::operationsCounted(point->kind) : 0;
-  if (point != nullptr) host::failNth(point->kind, point->n);
+  u32 begin[host::kFaults];
+  for (int kind = 0; kind < host::kFaults; ++kind)
+    begin[kind] = host::operationsCounted(static_cast<host::Fault>(kind));
+  if (point != nullptr) arm(swept, *point, begin);
   for (const Directive& directive : swept.scenario.directives) {
     player.play(directive.action);
-    if (point != nullptr && !at.reached && host::operationsCounted(point->kind) - begin >= point->n) {
+    if (point != nullptr && !at.reached && passed(point->order, begin)) {
       at.reached = true;
       at.reachedIn = at.directive;
+      keepWhatCameBehind(swept, *point);
     }
     ++at.directive;
   }
@@ -156,7 +183,7 @@ std::string playOnce(const Swept& swept, Progress& at) {
 
 void count(const Swept& swept, Progress& at) {
   if (const FailurePoint* point = swept.at(at); point != nullptr && at.reached)
-    ++at.points[static_cast<int>(point->kind)];
+    ++at.points[static_cast<int>(point->order.kind)];
 }
 
 void lookForLeaks(const Progress& at) {
@@ -283,41 +310,26 @@ bool sweepFile(const Swept& swept) {
   return at.failures == 0;
 }
 
-// What each file is to fail at: of all files together each site once, or every point.
-std::vector<std::vector<FailurePoint>> choosePoints(const std::string& module, const std::vector<Scenario>& scenarios,
-                                                    bool all) {
-  std::vector<std::vector<FailurePoint>> chosen;
-  std::set<u64> sites;
-  std::size_t points = 0;
-  for (const Scenario& scenario : scenarios) {
-    chosen.push_back(findPoints(module, scenario));
-    points += chosen.back().size();
-    std::vector<FailurePoint> fresh = chosen.back();
-    keepNewSites(fresh, sites);
-    if (!all) chosen.back() = std::move(fresh);
-  }
-  fmt::print("{} sites, {} points in {} files\n", sites.size(), points, scenarios.size());
-  std::fflush(stdout);
-  return chosen;
-}
-
 // Files that all workers take from, the ones with most points first.
 struct Shared {
   std::atomic<std::size_t> next{0};
   std::atomic<std::size_t> passed{0};
 };
 
-}  // namespace
-
-int sweepFiles(const std::string& module, const std::vector<Scenario>& scenarios, bool all) {
-  const auto points = choosePoints(module, scenarios, all);
+// A round over all files: `points` of each fail; what comes behind them goes to `behind`. The number of files that
+// pass.
+std::size_t sweepRound(const std::string& module, const std::vector<Scenario>& scenarios,
+                       const std::vector<FoundPoints>& found, PointFile* behind) {
   std::vector<std::size_t> order(scenarios.size());
   std::iota(order.begin(), order.end(), std::size_t{0});
-  std::ranges::sort(order, std::greater{}, [&](std::size_t i) { return points[i].size(); });
+  std::ranges::sort(order, std::greater{}, [&](std::size_t i) { return found[i].points.size(); });
   SharedMemory<Shared> shared;
   const auto work = [&] {
-    for (std::size_t i; (i = (*shared).next++) < order.size();)
-      if (sweepFile({module, scenarios[order[i]], points[order[i]]})) ++(*shared).passed;
+    for (std::size_t i; (i = (*shared).next++) < order.size();) {
+      const std::size_t file = order[i];
+      const Swept swept{module, scenarios[file], found[file].points, static_cast<u32>(file), behind};
+      if (sweepFile(swept)) ++(*shared).passed;
+    }
   };
   std::fflush(nullptr);
   std::vector<pid_t> workers;
@@ -330,15 +342,59 @@ int sweepFiles(const std::string& module, const std::vector<Scenario>& scenarios
     }
     workers.push_back(worker);
   }
-  bool whole = true;
-  for (const pid_t worker : workers) {
-    int status = 0;
-    while (waitpid(worker, &status, 0) < 0 && errno == EINTR) continue;
-    whole = whole && status == 0;
+  for (const pid_t worker : workers)
+    while (waitpid(worker, nullptr, 0) < 0 && errno == EINTR) continue;
+  return (*shared).passed;
+}
+
+// What all files together know so far.
+struct Known {
+  std::set<u64> sites;
+  std::set<u64> calls;
+};
+
+// Leaves each file the points of sites that are new, and adds what is in it to what is known.
+void keepNew(std::vector<FoundPoints>& found, Known& known) {
+  for (FoundPoints& one : found) {
+    keepNewSites(one.points, known.sites);
+    known.calls.merge(one.calls);
   }
-  const std::size_t passed = (*shared).passed;
+}
+
+void writeCalls(const std::set<u64>& calls, const std::string& path) {
+  std::ofstream file(path);
+  for (const u64 call : calls) file << fmt::format("{:x}\n", call);
+  if (!file.flush()) throw std::runtime_error("can't write " + path);
+}
+
+}  // namespace
+
+int sweepFiles(const std::string& module, const std::vector<Scenario>& scenarios, const SweepOptions& options) {
+  std::vector<FoundPoints> found;
+  std::size_t points = 0;
+  for (const Scenario& scenario : scenarios) {
+    found.push_back(findPoints(module, scenario));
+    points += found.back().points.size();
+  }
+  Known known;
+  std::vector<FoundPoints> fresh = found;
+  keepNew(fresh, known);
+  fmt::print("{} sites, {} points in {} files\n", known.sites.size(), points, scenarios.size());
+  std::fflush(stdout);
+  PointFile behind;
+  const bool goOn = !options.all;
+  std::size_t passed = sweepRound(module, scenarios, options.all ? found : fresh, goOn ? &behind : nullptr);
+  if (goOn && passed == scenarios.size()) {
+    const std::size_t before = known.sites.size();
+    fresh = behind.read(scenarios.size());
+    keepNew(fresh, known);
+    fmt::print("{} sites more that come once something has failed\n", known.sites.size() - before);
+    std::fflush(stdout);
+    passed = sweepRound(module, scenarios, fresh, nullptr);
+  }
+  if (!options.calls.empty()) writeCalls(known.calls, options.calls);
   printCount(passed, scenarios.size() - passed);
-  return whole && passed == scenarios.size() ? kGood : kDiffers;
+  return passed == scenarios.size() ? kGood : kDiffers;
 }
 
 }  // namespace scenario

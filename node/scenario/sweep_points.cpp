@@ -2,13 +2,17 @@
 
 #include <dlfcn.h>
 #include <execinfo.h>
+#include <fcntl.h>
+#include <sys/mman.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
-#include <cstdio>
 #include <cstdlib>
+#include <exception>
+#include <optional>
 #include <system_error>
 #include <unordered_map>
 
@@ -25,10 +29,11 @@ constexpr unsigned kMostSeconds = 120;
 struct Watch {
   std::string module;
   u32 begin[host::kFaults] = {};
+  Order first;                             // not passed yet
   std::unordered_map<void*, u64> offsets;  // within the module by return address, 0 outside
-  std::vector<FailurePoint> points;
+  FoundPoints found;
 };
-Watch* watch = nullptr;
+std::optional<Watch> watch;
 
 u64 offsetInModule(void* address) {
   const auto [known, fresh] = watch->offsets.try_emplace(address, 0);
@@ -40,57 +45,109 @@ u64 offsetInModule(void* address) {
 }
 
 void note(host::Fault kind, u32 number) {
+  const u32 n = number - watch->begin[static_cast<int>(kind)];
+  if (watch->first.n != 0) {
+    if (kind == watch->first.kind && n == watch->first.n) watch->first.n = 0;
+    return;
+  }
   std::array<void*, kDeepest> frames;
   const int depth = backtrace(frames.data(), kDeepest);
   u64 site = static_cast<u64>(kind) + 1;
-  for (int i = 0; i < depth; ++i)
-    if (const u64 offset = offsetInModule(frames[static_cast<std::size_t>(i)]); offset != 0)
-      site = (site ^ offset) * 0x9e3779b97f4a7c15u + (site >> 29);
-  watch->points.push_back({kind, number - watch->begin[static_cast<int>(kind)], site});
+  for (int i = 0; i < depth; ++i) {
+    const u64 offset = offsetInModule(frames[static_cast<std::size_t>(i)]);
+    if (offset == 0) continue;
+    site = (site ^ offset) * 0x9e3779b97f4a7c15u + (site >> 29);
+    watch->found.calls.insert(offset);
+  }
+  watch->found.points.push_back({{kind, n}, {}, site});
 }
 
-std::vector<FailurePoint> play(const std::string& module, const Scenario& scenario) {
-  Watch mine{module, {}, {}, {}};
-  watch = &mine;
+FoundPoints play(const std::string& module, const Scenario& scenario) {
   Player player(module);
+  u32 begin[host::kFaults];
   for (int kind = 0; kind < host::kFaults; ++kind)
-    mine.begin[kind] = host::operationsCounted(static_cast<host::Fault>(kind));
-  host::watchFaults(note);
+    begin[kind] = host::operationsCounted(static_cast<host::Fault>(kind));
+  watchPoints(module, begin, {});
   for (const Directive& directive : scenario.directives) player.play(directive.action);
-  host::watchFaults(nullptr);
-  return std::move(mine.points);
+  return watchedPoints();
 }
 
-[[noreturn]] void playInChild(const std::string& module, const Scenario& scenario, std::FILE* to) {
+[[noreturn]] void playInChild(const std::string& module, const Scenario& scenario, PointFile& to) {
   alarm(kMostSeconds);
   try {
-    const std::vector<FailurePoint> points = play(module, scenario);
-    std::fwrite(points.data(), sizeof(FailurePoint), points.size(), to);
-    std::fflush(to);
+    to.write(0, play(module, scenario));
   } catch (const std::exception&) {
   }
   std::_Exit(0);
 }
 
+// What goes through a file: a point of a scenario, or a call (`order.n` 0) as its site.
+struct Item {
+  u32 scenario;
+  FailurePoint point;
+};
+
+[[noreturn]] void failed() { throw std::system_error(errno, std::generic_category(), "a file for a sweep's points"); }
+
 }  // namespace
 
-std::vector<FailurePoint> findPoints(const std::string& module, const Scenario& scenario) {
-  std::FILE* file = std::tmpfile();
-  if (file == nullptr) throw std::system_error(errno, std::generic_category(), "no file for the points of a sweep");
+FoundPoints findPoints(const std::string& module, const Scenario& scenario) {
+  PointFile file;
   std::fflush(nullptr);
   const pid_t child = fork();
   if (child < 0) throw std::system_error(errno, std::generic_category(), "fork");
   if (child == 0) playInChild(module, scenario, file);
   while (waitpid(child, nullptr, 0) < 0 && errno == EINTR) continue;
-  std::rewind(file);
-  std::vector<FailurePoint> points;
-  for (FailurePoint point; std::fread(&point, sizeof point, 1, file) == 1;) points.push_back(point);
-  std::fclose(file);
-  return points;
+  return std::move(file.read(1).front());
+}
+
+void watchPoints(const std::string& module, const u32 (&begin)[host::kFaults], Order first) {
+  watch.emplace();
+  watch->module = module;
+  watch->first = first;
+  std::ranges::copy(begin, watch->begin);
+  host::watchFaults(note);
+}
+
+FoundPoints watchedPoints() {
+  host::watchFaults(nullptr);
+  FoundPoints found;
+  if (watch) found = std::move(watch->found);
+  watch.reset();
+  return found;
 }
 
 void keepNewSites(std::vector<FailurePoint>& points, std::set<u64>& sites) {
   std::erase_if(points, [&](const FailurePoint& point) { return !sites.insert(point.site).second; });
+}
+
+PointFile::PointFile() : file_(memfd_create("points", MFD_CLOEXEC)) {
+  if (file_ < 0 || fcntl(file_, F_SETFL, O_APPEND) != 0) failed();
+}
+
+PointFile::~PointFile() { close(file_); }
+
+void PointFile::write(u32 scenario, const FoundPoints& found) {
+  std::vector<Item> items;
+  for (const FailurePoint& point : found.points) items.push_back({scenario, point});
+  for (const u64 call : found.calls) items.push_back({scenario, {{}, {}, call}});
+  const auto size = static_cast<ssize_t>(items.size() * sizeof(Item));
+  if (::write(file_, items.data(), static_cast<std::size_t>(size)) != size) failed();
+}
+
+std::vector<FoundPoints> PointFile::read(std::size_t scenarios) {
+  std::vector<FoundPoints> found(scenarios);
+  std::vector<Item> items(static_cast<std::size_t>(lseek(file_, 0, SEEK_END)) / sizeof(Item));
+  const auto size = static_cast<ssize_t>(items.size() * sizeof(Item));
+  if (pread(file_, items.data(), static_cast<std::size_t>(size), 0) != size) failed();
+  for (const Item& item : items) {
+    FoundPoints& mine = found.at(item.scenario);
+    if (item.point.order.n != 0)
+      mine.points.push_back(item.point);
+    else
+      mine.calls.insert(item.point.site);
+  }
+  return found;
 }
 
 }  // namespace scenario

@@ -73,6 +73,13 @@ int goDeaf() {
   return 0;
 }
 
+// Where nothing can be had a card is told; deaf if it can't be.
+int undo() {
+  void* const block = take(8, 8);
+  mpuFree(block);
+  return block == nullptr ? goDeaf() : 0;
+}
+
 int change() {
   changed = true;
   return 0;
@@ -97,6 +104,7 @@ int run(const CommandElement*, Vty* vty, int, char** argv) {
   if (std::strcmp(argv[0], "hold") == 0) return hold();
   if (std::strcmp(argv[0], "open") == 0) return open();
   if (std::strcmp(argv[0], "deaf") == 0) return goDeaf();
+  if (std::strcmp(argv[0], "undo") == 0) return undo();
   if (std::strcmp(argv[0], "change") == 0) return change();
   if (std::strcmp(argv[0], "print") == 0) return print(vty);
   return 0;

@@ -90,10 +90,10 @@ TEST(ScenarioPlaying, OrdersOfFaultsAddUp) {
 }
 
 int sweepAll(const std::string& module, const std::vector<scenario::Scenario>& scenarios) {
-  return scenario::sweepFiles(module, scenarios, true);
+  return scenario::sweepFiles(module, scenarios, {.all = true, .calls = {}});
 }
 int sweepSites(const std::string& module, const std::vector<scenario::Scenario>& scenarios) {
-  return scenario::sweepFiles(module, scenarios, false);
+  return scenario::sweepFiles(module, scenarios, {});
 }
 
 TEST(ScenarioSweep, FindsEachBrokenRuleAtItsPoint) {
@@ -128,6 +128,13 @@ TEST(ScenarioSweep, FailsEachSiteOnce) {
   const Seen seen = run(sweepSites, "cli do deaf\ncli do deaf\ncli do deaf\n");
   EXPECT_THAT(seen.text, HasSubstr("1 sites, 3 points in 1 files\n"));
   EXPECT_THAT(seen.text, HasSubstr("file: 1 points reached (card send 1) in 2 runs\n"));
+}
+
+TEST(ScenarioSweep, FailsWhatComesOnlyOnceSomethingHasFailed) {
+  const Seen seen = run(sweepSites, "save\ncli do undo\nsave\n");
+  EXPECT_EQ(seen.result, kDiffers);
+  EXPECT_THAT(seen.text, HasSubstr("1 sites more that come once something has failed\n"));
+  EXPECT_THAT(seen.text, HasSubstr("file:2: cli do undo: alloc 1, card send 1: the node does not answer"));
 }
 
 TEST(ScenarioReplay, ShowsWhatARestartChanges) {
