@@ -201,6 +201,7 @@ constexpr Function kFunctions[] = {
     STD(std_snmp_policy_next_pvc_get, "slot port pvc >slot >port >pvc"),
     STD(stdmib_get_first_obj, ">slot >port"),
     STD(stdmib_get_next_obj, "slot port >slot >port"),
+    STD(stdmib_get_port_fdb, "slot port >addresses=100 <>length"),
 };
 
 constexpr i64 kLeastNumber = -0x80000000ll;

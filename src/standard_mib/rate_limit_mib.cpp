@@ -97,7 +97,7 @@ int std_snmp_rate_prf_delete_by_id(u16 id) {
 }
 
 const char* std_snmp_get_rate_prf_name_by_id(u16 id) {
-  static thread_local char gRateLimitName[kRateName + 1];
+  static char gRateLimitName[kRateName + 1];
   PortRatePrf profile;
   if (get_rate_limit_profile_byid(id, &profile) != 0) return nullptr;
   std::memcpy(gRateLimitName, profile.name, sizeof gRateLimitName);

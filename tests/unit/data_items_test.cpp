@@ -76,69 +76,6 @@ TEST_F(DataItems, AProfileIsBoundOnEveryPortAndItsChangeReachesThemAll) {
   EXPECT_EQ(std_snmp_rate_prf_delete_by_id(1), -1);
 }
 
-TEST_F(DataItems, ProfilesAsTheStandardAgentSeesThem) {
-  card(1, "adsl16");
-  card(3, "eth8");
-  EXPECT_EQ(std_snmp_rate_prf_id_assign(), 1);
-  EXPECT_EQ(std_snmp_rate_prf_add(256, "last"), 0);
-  EXPECT_EQ(std_snmp_rate_prf_add(1, "last"), -1);
-  EXPECT_EQ(std_snmp_rate_prf_add(0, "none"), -1);
-  EXPECT_EQ(std_snmp_rate_prf_add(1, "a12345678901234567890"), -52);
-  EXPECT_EQ(std_snmp_rate_prf_add(1, "one"), 0);
-  EXPECT_EQ(std_snmp_rate_prf_name_mod(1, "last"), -1);
-  EXPECT_EQ(std_snmp_rate_prf_name_mod(1, "uno"), 0);
-  EXPECT_STREQ(std_snmp_get_rate_prf_name_by_id(1), "uno");
-  EXPECT_EQ(std_snmp_get_rate_prf_name_by_id(2), nullptr);
-  EXPECT_EQ(std_snmp_get_next_rate_prf(0), 1);
-  EXPECT_EQ(std_snmp_get_next_rate_prf(1), 256);
-  EXPECT_EQ(std_snmp_get_next_rate_prf(256), -1);
-  // A rate of 0 is refused, which nobody is told.
-  EXPECT_EQ(std_snmp_rate_prf_rate_set(1, 1, 2000), 0);
-  EXPECT_EQ(std_snmp_rate_prf_rate_set(1, 1, 0), 0);
-  EXPECT_EQ(std_snmp_rate_prf_rate_get(1, 1), 2000);
-  EXPECT_EQ(std_snmp_rate_prf_rate_get(1, 0), 0);
-  EXPECT_EQ(std_snmp_rate_prf_attach_by_name(1, 16, "uno"), 0);
-  EXPECT_EQ(std_snmp_rate_prf_attach_by_id(1, 17, 1), -1);
-  u32 rate = 0;
-  EXPECT_EQ(get_port_rate_limit_info(1, 16, 1, &rate), 0);
-  EXPECT_EQ(rate, 2000U);
-  EXPECT_EQ(get_port_rate_limit_info(1, 16, 0, &rate), 0);
-  EXPECT_EQ(rate, 64U);
-  EXPECT_EQ(get_port_rate_limit_info(1, 16, 2, &rate), -9);
-  u16 slot = 0, port = 0, id = 0;
-  EXPECT_EQ(std_snmp_get_attach_bw_next_prfid(0, 0, &slot, &port, &id), 0);
-  EXPECT_EQ(slot * 100 + port * 10 + id, 100 + 160 + 1);
-  EXPECT_EQ(std_snmp_get_attach_bw_next_prfid(1, 16, &slot, &port, &id), 0);
-  EXPECT_EQ(slot * 100 + port * 10 + id, 300 + 10 + 0);
-  EXPECT_EQ(std_snmp_get_attach_bw_next_prfid(3, 8, &slot, &port, &id), -2);
-}
-
-// Two PVCs with an address each, and a third whose second address is cut off.
-TEST_F(DataItems, AddressesOfALineAsTheStandardAgentSeesThem) {
-  card(1, "adsl16");
-  std::vector<u8> answer(24), wanted;
-  answer.insert(answer.end(), {0, 3});
-  for (u8 pvc = 0; pvc < 3; ++pvc) {
-    answer.insert(answer.end(), {0, pvc, 0, 9, 0, u8(pvc == 2 ? 2 : 1), 1, 2, 3, 4, 5, pvc, 0, 100});
-    answer.resize(answer.size() + 8);
-    wanted.insert(wanted.end(), {1, 2, 3, 4, 5, pvc, 0, 100});
-  }
-  answer.resize(answer.size() + 15);
-  host::queueAnswer(host::Link::gpon, 1, kLineMacMessage, answer);
-  std::vector<u8> found(100);
-  u32 length = 100;
-  EXPECT_EQ(stdmib_get_port_fdb(1, 1, found.data(), &length), 0);
-  found.resize(length);
-  EXPECT_EQ(found, wanted);
-  EXPECT_LT(stdmib_get_port_fdb(1, 17, found.data(), &length), 0);
-  u16 slot = 0, port = 0;
-  EXPECT_EQ(stdmib_get_first_obj(&slot, &port), 0);
-  EXPECT_EQ(slot * 100 + port, 101);
-  EXPECT_EQ(stdmib_get_next_obj(1, 16, &slot, &port), -2);
-  EXPECT_EQ(stdmib_get_next_obj(1, 17, &slot, &port), -3);
-  EXPECT_EQ(stdmib_get_next_obj(2, 1, &slot, &port), -102);
-}
-
 // Ports 2/2 and 2/16 are in ATM mode; the others of a VDSL card carry packets.
 TEST_F(DataItems, PoliciesAsTheStandardAgentSeesThem) {
   card(1, "adsl16");
