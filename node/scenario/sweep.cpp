@@ -316,10 +316,10 @@ struct Shared {
   std::atomic<std::size_t> passed{0};
 };
 
-// A round over all files: `points` of each fail; what comes behind them goes to `behind`. The number of files that
-// pass.
+// A round over files: the points of each fail, those of the first behind a run with nothing failing; what comes behind
+// them goes to `behind`. The number of files that pass.
 std::size_t sweepRound(const std::string& module, const std::vector<Scenario>& scenarios,
-                       const std::vector<FoundPoints>& found, PointFile* behind) {
+                       const std::vector<FoundPoints>& found, PointFile* behind, bool first) {
   std::vector<std::size_t> order(scenarios.size());
   std::iota(order.begin(), order.end(), std::size_t{0});
   std::ranges::sort(order, std::greater{}, [&](std::size_t i) { return found[i].points.size(); });
@@ -328,7 +328,7 @@ std::size_t sweepRound(const std::string& module, const std::vector<Scenario>& s
     for (std::size_t i; (i = (*shared).next++) < order.size();) {
       const std::size_t file = order[i];
       const Swept swept{module, scenarios[file], found[file].points, static_cast<u32>(file), behind};
-      if (sweepFile(swept)) ++(*shared).passed;
+      if ((found[file].points.empty() && !first) || sweepFile(swept)) ++(*shared).passed;
     }
   };
   std::fflush(nullptr);
@@ -383,14 +383,14 @@ int sweepFiles(const std::string& module, const std::vector<Scenario>& scenarios
   std::fflush(stdout);
   PointFile behind;
   const bool goOn = !options.all;
-  std::size_t passed = sweepRound(module, scenarios, options.all ? found : fresh, goOn ? &behind : nullptr);
+  std::size_t passed = sweepRound(module, scenarios, options.all ? found : fresh, goOn ? &behind : nullptr, true);
   if (goOn && passed == scenarios.size()) {
     const std::size_t before = known.sites.size();
     fresh = behind.read(scenarios.size());
     keepNew(fresh, known);
     fmt::print("{} sites more that come once something has failed\n", known.sites.size() - before);
     std::fflush(stdout);
-    passed = sweepRound(module, scenarios, fresh, nullptr);
+    passed = sweepRound(module, scenarios, fresh, nullptr, false);
   }
   if (!options.calls.empty()) writeCalls(known.calls, options.calls);
   printCount(passed, scenarios.size() - passed);
