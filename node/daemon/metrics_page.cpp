@@ -1,5 +1,7 @@
 #include "metrics_page.h"
 
+#include <malloc.h>
+
 #include "host/database.h"
 #include "host/pool.h"
 #include "messages/layout.h"
@@ -83,6 +85,9 @@ void addNode(MetricsPage& page, double uptime, std::size_t terminals) {
   addCards(page);
   page.family("msan_pool_used_bytes", "gauge", "Memory of the pools that the module has taken and not given back.");
   page.sample("", host::poolInUse());
+  const struct mallinfo2 heap = mallinfo2();
+  page.family("msan_heap_used_bytes", "gauge", "Memory of the whole process that is in use, but for the database.");
+  page.sample("", heap.uordblks + heap.hblkhd);
   const host::DatabaseSize size = host::databaseSize();
   page.family("msan_database_used_bytes", "gauge", "Size of the database, with all overhead.");
   page.sample("", size.used);
