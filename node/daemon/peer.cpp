@@ -35,6 +35,13 @@ static bool isMember(int socket, gid_t primary, gid_t of) {
   return std::ranges::find(groups, of) != groups.end();
 }
 
+Peer peerAt(int socket) {
+  ucred peer{0, kUnknown, kUnknown};
+  socklen_t size = sizeof peer;
+  getsockopt(socket, SOL_SOCKET, SO_PEERCRED, &peer, &size);
+  return {peer.pid, peer.uid};
+}
+
 std::string strangerAt(int socket, const Operators& operators) {
   ucred peer{};
   socklen_t size = sizeof peer;

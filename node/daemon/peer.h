@@ -16,6 +16,16 @@ struct Operators {
 // By its name. Nothing if there is none, or if it is the one that stands for those who can't be told apart.
 std::optional<gid_t> findGroup(const std::string& name);
 
+struct Peer {
+  pid_t process = 0;
+  uid_t user = 0;
+  bool operator==(const Peer&) const = default;
+};
+
+// As the kernel noted it when the peer connected; of one that it does not tell, process 0 of a user that can't be told
+// apart.
+Peer peerAt(int socket);
+
 // As the kernel noted it when the peer connected. Empty if it may; else who it is, to be logged.
 std::string strangerAt(int socket, const Operators& operators);
 

@@ -8,59 +8,18 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
-#include <deque>
 #include <system_error>
 #include <utility>
 
 #include "note.h"
 #include "reserve.h"
+#include "server_session.h"
 
 namespace msand {
 
 using Clock = std::chrono::steady_clock;
 
-constexpr std::chrono::milliseconds kTick{500};              // how often terminals that do not read are looked at
-constexpr std::size_t kMostPending = 4 * wire::kMaxRequest;  // bytes of a terminal's requests
-
-struct Server::Session {
-  explicit Session(int descriptor) : socket(descriptor) {}
-
-  // run()'s thread only
-  Descriptor socket;
-  wire::FrameReader reader{wire::kMaxRequest};
-  u32 watched = 0;                            // events that epoll waits for
-  bool inputEnded = false;                    // nothing more is taken off the socket
-  Clock::time_point progress = Clock::now();  // when it took something last
-  Clock::time_point heard = Clock::now();     // when something came from it last
-  bool gone = false;
-
-  // the door's thread only
-  Terminal terminal;
-  std::string prompt;
-
-  // under the lock
-  struct Request {
-    wire::Kind kind;
-    std::string line;
-  };
-  std::deque<Request> requests;
-  std::size_t pending = 0;  // their bytes
-  TraceForm shown = TraceForm::off;
-  Shares::Time had{0};   // of the node's time, with its last request; while one is ready, as it entered
-  bool posted = false;   // is in ready_, or the door runs a request of it
-  bool ended = false;    // nothing is run any more; the connection ends when all is sent
-  bool dropped = false;  // the connection ends now
-  bool marked = false;   // is in changed_
-  std::string output;
-  std::size_t sent = 0;
-
-  std::size_t unsent() const { return output.size() - sent; }
-  void forgetRequests() {
-    requests.clear();
-    pending = 0;
-  }
-  bool takesMore() const { return requests.size() < wire::kAhead && pending < kMostPending; }
-};
+constexpr int kAtOnce = 16;  // connections that are accepted ahead of what the terminals want
 
 static Descriptor check(int descriptor) {
   if (descriptor < 0) throw std::system_error(errno, std::generic_category(), "msand: no descriptor");
@@ -110,8 +69,10 @@ void Server::run(int stop) {
     settleChanged();
     disconnectStalled();
     disconnectDeafest();
+    disconnectHoarders();
     std::erase_if(sessions_, [](const auto& entry) { return entry.second->gone; });
     count_ = sessions_.size();
+    spare_.giveBack();
     beat();
     renewReserve();
   }
@@ -121,7 +82,7 @@ void Server::run(int stop) {
 }
 
 void Server::handle(int descriptor, u32 events) {
-  if (descriptor == listener_) return acceptAll();
+  if (descriptor == listener_) return acceptSome();
   if (descriptor == wake_.get()) {
     eventfd_t count = 0;
     eventfd_read(wake_.get(), &count);
@@ -136,7 +97,7 @@ void Server::handle(int descriptor, u32 events) {
 }
 
 int Server::timeout() const {
-  const bool waits = acceptPaused_ || std::ranges::any_of(sessions_, [](const auto& entry) {
+  const bool waits = acceptPaused_ || spare_.waits() || std::ranges::any_of(sessions_, [](const auto& entry) {
                        return (entry.second->watched & EPOLLOUT) != 0;
                      });
   auto longest = waits ? std::min(kTick, limits_.patience) : std::chrono::milliseconds::max();
@@ -158,8 +119,9 @@ void Server::beat() {
 
 // --- connections
 
-void Server::acceptAll() {
-  while (true) {
+// Who comes again and again must not keep this thread from those who are here.
+void Server::acceptSome() {
+  for (int i = 0; i < kAtOnce; ++i) {
     const int descriptor = accept4(listener_, nullptr, nullptr, SOCK_NONBLOCK | SOCK_CLOEXEC);
     if (descriptor < 0) {
       if (errno == EINTR || errno == ECONNABORTED) continue;
@@ -168,6 +130,7 @@ void Server::acceptAll() {
     }
     const auto session = std::make_shared<Session>(descriptor);
     if (!admits(session->socket)) continue;
+    join(*session);
     makeRoom();
     if (!tryControl(epoll_, EPOLL_CTL_ADD, descriptor, 0)) continue;
     sessions_.insert_or_assign(descriptor, session);
@@ -210,55 +173,15 @@ void Server::disconnect(const SessionPtr& session) {
     session->dropped = true;
     session->forgetRequests();
     unsent_ -= session->unsent();
+    kept_ -= std::exchange(session->kept, 0);
     session->output = {};
     session->sent = 0;
     std::erase(tracing_, session);
     countTracing();
   }
   session->socket.reset();
+  spare_.left();
   pauseAccepting(false);
-}
-
-void Server::disconnectStalled() {
-  const auto now = Clock::now();
-  for (const auto& [descriptor, session] : sessions_)
-    if (!session->gone && (session->watched & EPOLLOUT) != 0 && now - session->progress > limits_.patience)
-      disconnect(session);
-  if (now - pausedAt_ >= kTick) pauseAccepting(false);
-}
-
-// While too much is unsent over all, nothing further is run; it is those who read nothing that make room for the rest.
-void Server::disconnectDeafest() {
-  while (true) {
-    SessionPtr deafest;
-    {
-      const std::lock_guard lock(mutex_);
-      if (unsent_ <= limits_.all) {
-        for (; held_ != 0; --held_) door_.post([this] { serveNext(); });
-        return;
-      }
-      for (const auto& [descriptor, session] : sessions_)
-        if (session->unsent() != 0 && (!deafest || session->progress < deafest->progress)) deafest = session;
-    }
-    note(fmt::format("a terminal that does not read is disconnected: {} MiB wait for all of them", limits_.all >> 20));
-    disconnect(deafest);
-  }
-}
-
-// One that waits for an answer goes only if all do.
-void Server::makeRoom() {
-  const auto present = [](const auto& entry) { return !entry.second->gone; };
-  if (static_cast<std::size_t>(std::ranges::count_if(sessions_, present)) < limits_.terminals) return;
-  const auto rank = [](const Session& one) { return std::pair(one.posted, std::max(one.heard, one.progress)); };
-  SessionPtr silent;
-  {
-    const std::lock_guard lock(mutex_);
-    for (const auto& [descriptor, session] : sessions_)
-      if (!session->gone && (!silent || rank(*session) < rank(*silent))) silent = session;
-    refuse(*silent, "there are too many terminals, and this one was silent for longest");
-  }
-  send(*silent);
-  disconnect(silent);
 }
 
 void Server::sayGoodbye() {
@@ -280,7 +203,6 @@ void Server::receive(Session& session) {
   std::array<char, 65536> bytes;
   const ssize_t got = recv(session.socket.get(), bytes.data(), bytes.size(), 0);
   if (got > 0) {
-    session.heard = Clock::now();
     session.reader.feed({bytes.data(), static_cast<std::size_t>(got)});
   } else if (got == 0 || (errno != EAGAIN && errno != EINTR)) {
     session.inputEnded = true;
@@ -298,6 +220,7 @@ void Server::takeRequests(const SessionPtr& session) {
     }
     using enum wire::Kind;
     if (frame->kind == line || frame->kind == ask || frame->kind == screen || frame->kind == file) {
+      session->asked = Clock::now();
       session->requests.push_back({frame->kind, std::string(frame->payload)});
       session->pending += frame->payload.size();
     } else {
@@ -417,19 +340,29 @@ void Server::schedule(const SessionPtr& session) {
   if (session->posted || session->ended || session->dropped || session->requests.empty()) return;
   if (session->unsent() >= limits_.slow) return;
   session->posted = true;
-  session->had = shares_.entered(session->had);
+  Party& party = *session->party;
+  session->had = party.shares.entered(session->had);
+  if (party.posted++ == 0) party.had = shares_.entered(party.had);
   ready_.push_back(session);
   door_.post([this] { serveNext(); });
 }
 
-// Among equals, the one that has waited for longest.
+// The first of a process among its own, then the first process. Among equals, the one that has waited for longest.
 Server::SessionPtr Server::takeNext() {
-  const auto first = std::ranges::min_element(ready_, {}, [this](const SessionPtr& session) {
-    return session->requests.empty() ? session->had : shares_.expected(session->had, session->requests.front().line);
+  const auto cost = [this](const Session& one) {
+    return one.requests.empty() ? Shares::Time{0} : long_.cost(one.requests.front().line);
+  };
+  for (const SessionPtr& session : ready_) session->party->first = nullptr;
+  for (const SessionPtr& session : ready_) {
+    const Session*& first = session->party->first;
+    if (first == nullptr || session->had + cost(*session) < first->had + cost(*first)) first = session.get();
+  }
+  const auto next = std::ranges::min_element(ready_, {}, [&](const SessionPtr& session) {
+    return session->party->first == session.get() ? session->party->had + cost(*session) : Shares::Time::max();
   });
-  const SessionPtr next = *first;
-  ready_.erase(first);
-  return next;
+  const SessionPtr taken = *next;
+  ready_.erase(next);
+  return taken;
 }
 
 void Server::serveNext() {
@@ -448,13 +381,14 @@ void Server::serveNext() {
 }
 
 // False: it is too much, and the session ends.
-static bool takePiece(Terminal& terminal, std::string_view piece) {
+bool Server::Session::takePiece(std::string_view piece) {
+  constexpr std::size_t kOfName = 100;  // what a name takes beside its letters
   const std::size_t end = std::min(piece.find('\n'), piece.size());
-  std::size_t size = piece.size();
-  for (const auto& [name, bytes] : terminal.files) size += bytes.size();
-  terminal.ended = size > wire::kMaxFiles;
-  if (!terminal.ended)
-    terminal.files[std::string(piece.substr(0, end))] += piece.substr(std::min(end + 1, piece.size()));
+  const std::string_view bytes = piece.substr(std::min(end + 1, piece.size()));
+  const auto [file, isNew] = terminal.files.try_emplace(std::string(piece.substr(0, end)));
+  files += bytes.size() + (isNew ? end + kOfName : 0);
+  terminal.ended = files > wire::kMaxFiles;
+  if (!terminal.ended) file->second += bytes;
   return !terminal.ended;
 }
 
@@ -464,6 +398,7 @@ void Server::serveOne(const SessionPtr& session) {
     const std::lock_guard lock(mutex_);
     if (session->requests.empty()) {
       session->posted = false;
+      --session->party->posted;
       return changed(session);
     }
     request = std::move(session->requests.front());
@@ -476,7 +411,7 @@ void Server::serveOne(const SessionPtr& session) {
   if (request.kind == wire::Kind::screen) {
     terminal.screen = wire::readScreen(request.line).value_or(terminal.screen);
   } else if (request.kind == wire::Kind::file) {
-    if (!takePiece(terminal, request.line)) wire::appendFrame(frames, wire::Kind::bye, "files of more than 16 MiB");
+    if (!session->takePiece(request.line)) wire::appendFrame(frames, wire::Kind::bye, "files of more than 16 MiB");
   } else if (request.kind == wire::Kind::ask) {
     const std::string rows = service_.suggest(terminal, request.line);
     wire::appendFrame(frames, wire::Kind::suggestions, std::string_view(rows).substr(0, wire::kMaxFrame - 1));
@@ -484,6 +419,7 @@ void Server::serveOne(const SessionPtr& session) {
     std::string text;
     const wire::Result result = service_.run(terminal, request.line, text);
     terminal.files.clear();
+    session->files = 0;
     frames.reserve(text.size() + text.size() / wire::kMaxFrame * 8 + 256);
     wire::appendFrames(frames, wire::Kind::text, text);
     std::string prompt = service_.prompt(terminal);
@@ -497,8 +433,15 @@ void Server::serveOne(const SessionPtr& session) {
 
   const std::lock_guard lock(mutex_);
   session->posted = false;
-  session->had = shares_.charge(session->had, request.line, Clock::now() - begin);
+  Party& party = *session->party;
+  const Shares::Time took = Clock::now() - begin;
+  session->had = party.shares.charge(session->had, took);
+  party.had = shares_.charge(party.had, took);
+  --party.posted;
+  long_.note(request.line, took);
   if (session->dropped) return;
+  kept_ += session->files - session->kept;
+  session->kept = session->files;
   append(*session, std::move(frames));
   if (terminal.ended) {
     session->ended = true;

@@ -2,9 +2,10 @@
 // Serves the operator's socket: many terminals, one command at a time over all of them.
 //
 // One thread (the one that calls run) moves bytes, the door's thread runs the requests. A terminal's requests are run
-// in their order; over the terminals, those who had less of the node's time are first. A terminal that leaves loses the
-// requests that have not begun. One that does not read what it is sent is disconnected, the others and the node do not
-// wait for it.
+// in their order; over the processes at the other ends, and the terminals of each, those who had less of the node's
+// time are first. A terminal that leaves loses the requests that have not begun. One that does not read what it is sent
+// is disconnected, the others and the node do not wait for it. Where all together want more than there is, it is the
+// terminals of whoever has most that go.
 
 #include <atomic>
 #include <chrono>
@@ -20,14 +21,16 @@
 #include "peer.h"
 #include "service.h"
 #include "shares.h"
+#include "spare.h"
 
 namespace msand {
 
 struct Limits {
-  std::size_t slow = 256 * 1024;       // unsent bytes from which on a terminal's next request waits
-  std::size_t most = 4 * 1024 * 1024;  // unsent bytes from which on a further trace line disconnects it
-  std::size_t all = 32 * 1024 * 1024;  // unsent bytes of all: above, those who took none for longest are disconnected
-  std::size_t terminals = 256;         // for one more, the one that was silent for longest is disconnected
+  std::size_t slow = 256 * 1024;         // unsent bytes from which on a terminal's next request waits
+  std::size_t most = 4 * 1024 * 1024;    // unsent bytes from which on a further trace line disconnects it
+  std::size_t all = 32 * 1024 * 1024;    // unsent bytes of all: above, those who took none for longest are disconnected
+  std::size_t files = 64 * 1024 * 1024;  // bytes of files of all that wait for their lines: above, who has most goes
+  std::size_t terminals = 256;           // for one more, one that was silent for longest is disconnected
   std::chrono::milliseconds patience{30000};  // without a byte taken, while some wait
 };
 
@@ -59,12 +62,14 @@ class Server : public TraceSink {
 
  private:
   struct Session;
+  struct Party;
   using SessionPtr = std::shared_ptr<Session>;
 
   // On the thread of run():
   void handle(int descriptor, u32 events);
-  void acceptAll();
+  void acceptSome();
   bool admits(const Descriptor& socket) const;
+  void join(Session& session);
   void pauseAccepting(bool pause);
   void receive(Session& session);
   void takeRequests(const SessionPtr& session);
@@ -75,6 +80,7 @@ class Server : public TraceSink {
   void settleChanged();
   void disconnectStalled();
   void disconnectDeafest();
+  void disconnectHoarders();
   void makeRoom();
   void disconnect(const SessionPtr& session);
   void sayGoodbye();
@@ -106,12 +112,15 @@ class Server : public TraceSink {
   std::chrono::milliseconds interval_{0};
   std::function<void()> alive_;
   std::chrono::steady_clock::time_point beaten_{};
+  SpareMemory spare_;
 
   std::mutex mutex_;               // what follows, and the sessions' shared part
   std::vector<SessionPtr> ready_;  // those with a request that is not under way yet, in their order
   std::size_t held_ = 0;           // of these, how many are not posted, since too much is unsent
-  Shares shares_;
+  Shares shares_;                  // of the processes
+  LongLines long_;
   std::size_t unsent_ = 0;  // bytes, of all
+  std::size_t kept_ = 0;    // bytes of files, of all
   std::string announced_;   // frames for all
   std::vector<SessionPtr> changed_;
   std::vector<SessionPtr> tracing_;

@@ -6,19 +6,26 @@ namespace msand {
 
 constexpr Shares::Time kLong = std::chrono::milliseconds(2);
 constexpr std::size_t kMostLines = 64;
+constexpr std::size_t kMostLetters = 256;
 
-Shares::Time Shares::expected(Time entered, std::string_view line) const {
-  const auto found = long_.find(line);
-  return found == long_.end() ? entered : entered + found->second;
+Shares::Time Shares::charge(Time entered, Time took) {
+  now_ = std::max(now_, entered);
+  return entered + took;
 }
 
-Shares::Time Shares::charge(Time entered, std::string_view line, Time took) {
-  now_ = std::max(now_, entered);
-  if (took >= kLong) {
-    if (long_.size() >= kMostLines) long_.clear();
-    long_.insert_or_assign(std::string(line), took);
+Shares::Time LongLines::cost(std::string_view line) const {
+  const auto found = line.size() <= kMostLetters ? lines_.find(line) : lines_.end();
+  return found == lines_.end() ? Shares::Time{0} : found->second;
+}
+
+void LongLines::note(std::string_view line, Shares::Time took) {
+  if (line.size() > kMostLetters) return;
+  if (took < kLong) {
+    if (const auto found = lines_.find(line); found != lines_.end()) lines_.erase(found);
+    return;
   }
-  return entered + took;
+  if (lines_.size() >= kMostLines) lines_.clear();
+  lines_.insert_or_assign(std::string(line), took);
 }
 
 }  // namespace msand
