@@ -261,9 +261,10 @@ void Agent::Running::listen(const std::string& address) {
 
 // Who may ask is the configuration's business alone: the library's own check would read the files of another access
 // control for each message.
-int Agent::Running::admit(netsnmp_session*, netsnmp_transport*, void* address, int size) {
+int Agent::Running::admit(netsnmp_session*, netsnmp_transport* transport, void* address, int size) {
   snmp_increment_statistic(STAT_SNMPINPKTS);
-  return theAgent == nullptr || theAgent->knocking.hears(address, size) ? 1 : 0;
+  if (theAgent == nullptr) return 1;
+  return theAgent->streams.hears(transport) && theAgent->knocking.hears(address, size) ? 1 : 0;
 }
 
 int Agent::Running::receive(int operation, netsnmp_session* session, int id, netsnmp_pdu* pdu, void*) {
@@ -284,6 +285,7 @@ void Agent::Running::serve(int thread) {
     do {
       agent_check_and_process(road.hasWork() ? 0 : 1);
       knocking.settle();
+      streams.giveBack();
       if (standard) standard->reads.work();
       notifications.send();
     } while (!stopped && road.work(turns, thread));

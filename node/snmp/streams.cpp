@@ -4,11 +4,14 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <utility>
 
 namespace msand {
 
 constexpr std::size_t kMostStreams = 64;
 constexpr std::size_t kMostUnsent = 1u << 20;  // of one stream: its answers, which it does not take
+constexpr std::size_t kMostDeaf = 24;          // streams that have such; the library watches 32 sockets for us, no more
+constexpr std::size_t kSpent = 1u << 16;
 
 Streams* Streams::theStreams = nullptr;
 
@@ -24,9 +27,6 @@ void Streams::watch(netsnmp_transport& listener) {
   listener.f_send = send;
   listener.f_close = close;
 }
-
-// Both directions end; the library reads that, and closes the session when it is not busy with others.
-static void shutDown(int socket) { shutdown(socket, SHUT_RDWR); }
 
 // As much as the peer takes now.
 static std::size_t sendNow(int socket, std::span<const u8> bytes, bool& failed) {
@@ -50,23 +50,65 @@ int Streams::accept(netsnmp_transport* listener) {
   return socket;
 }
 
-// One more than there may be: the one that was silent for longest makes room.
+// Of the chosen streams of the address that has most of those, the one of least rank; none if none is chosen.
+template <class Choice, class Rank>
+Streams::Place Streams::ofMost(Choice choice, Rank rank) {
+  std::map<WrongKeys::Source, std::size_t> of;
+  for (const auto& [socket, stream] : streams_) of[stream.from] += choice(stream) ? 1 : 0;
+  Place found = streams_.end();
+  const auto isAhead = [&](const Stream& one, const Stream& other) {
+    return of[one.from] != of[other.from] ? of[one.from] > of[other.from] : rank(one) < rank(other);
+  };
+  for (Place at = streams_.begin(); at != streams_.end(); ++at)
+    if (choice(at->second) && (found == streams_.end() || isAhead(at->second, found->second))) found = at;
+  return found;
+}
+
+// Both directions end; the library reads that, and closes the session when it is not busy with others.
+void Streams::end(int socket, Stream& stream) {
+  stream.ends = true;
+  forgetUnsent(socket, stream);
+  shutdown(socket, SHUT_RDWR);
+}
+
+void Streams::forgetUnsent(int socket, Stream& stream) {
+  if (!stream.unsent.empty()) unregister_writefd(socket);
+  stream.unsent = {};
+  stream.sent = 0;
+}
+
+static WrongKeys::Source sourceOf(int socket) {
+  sockaddr_storage address{};
+  socklen_t size = sizeof address;
+  if (getpeername(socket, reinterpret_cast<sockaddr*>(&address), &size) != 0) return {};
+  return WrongKeys::sourceOf(&address, size);
+}
+
+// One more than there may be: one that has asked for nothing for longest makes room.
 void Streams::add(int socket, const Library& library) {
-  const auto open = std::ranges::count_if(streams_, [](const auto& one) { return !one.second.ends; });
+  const auto isOpen = [](const Stream& one) { return !one.ends; };
+  const auto open = std::ranges::count_if(streams_, [&](const auto& one) { return isOpen(one.second); });
   if (static_cast<std::size_t>(open) >= kMostStreams) {
-    const auto rank = [](const auto& one) { return one.second.ends ? ~u64{0} : one.second.used; };
-    const auto silent = std::ranges::min_element(streams_, {}, rank);
-    silent->second.ends = true;
-    shutDown(silent->first);
+    const Place silent = ofMost(isOpen, [](const Stream& one) { return one.used; });
+    end(silent->first, silent->second);
   }
-  streams_[socket] = {&library, ++uses_, false, {}, 0};
+  Stream& stream = streams_[socket] = {};
+  stream.library = &library;
+  stream.from = sourceOf(socket);
+  stream.used = ++uses_;
+}
+
+bool Streams::hears(const netsnmp_transport* transport) const {
+  const auto found = transport == nullptr ? streams_.end() : streams_.find(transport->sock);
+  return found == streams_.end() || !found->second.ends;
 }
 
 int Streams::receive(netsnmp_transport* transport, void* bytes, int size, void** address, int* length) {
   const auto found = theStreams->streams_.find(transport->sock);
   if (found == theStreams->streams_.end()) return -1;
   Stream& stream = found->second;
-  stream.used = ++theStreams->uses_;
+  // Who sends a request byte by byte is no busier for it.
+  if (!std::exchange(stream.asking, true)) stream.used = ++theStreams->uses_;
   return stream.library->receive(transport, bytes, size, address, length);
 }
 
@@ -79,33 +121,51 @@ int Streams::send(netsnmp_transport* transport, const void* bytes, int size, voi
 
 bool Streams::send(int socket, Stream& stream, std::span<const u8> bytes) {
   if (stream.ends) return false;
+  stream.asking = false;
+  stream.used = ++uses_;
   bool failed = false;
   const bool waits = !stream.unsent.empty();
   if (!waits) bytes = bytes.subspan(sendNow(socket, bytes, failed));
-  if (failed || stream.unsent.size() - stream.sent + bytes.size() > kMostUnsent) {
-    stream.ends = true;
-    shutDown(socket);
+  if (failed || stream.waiting() + bytes.size() > kMostUnsent) {
+    end(socket, stream);
     return false;
   }
   if (bytes.empty()) return true;
   stream.unsent.insert(stream.unsent.end(), bytes.begin(), bytes.end());
-  if (!waits)
-    register_writefd(
-        socket, [](int ready, void* of) { static_cast<Streams*>(of)->sendMore(ready); }, this);
-  return true;
+  if (waits) return true;
+  stream.took = uses_;
+  return waitToSend(socket);
+}
+
+// False: it is this one that has to go.
+bool Streams::waitToSend(int socket) {
+  const auto isDeaf = [](const Stream& one) { return !one.ends && one.waiting() != 0; };
+  const auto deaf = std::ranges::count_if(streams_, [&](const auto& one) { return isDeaf(one.second); });
+  if (static_cast<std::size_t>(deaf) > kMostDeaf) {
+    const Place longest = ofMost(isDeaf, [](const Stream& one) { return one.took; });
+    end(longest->first, longest->second);
+    if (longest->first == socket) return false;
+  }
+  const auto more = [](int ready, void* of) { static_cast<Streams*>(of)->sendMore(ready); };
+  return register_writefd(socket, more, this) == FD_REGISTERED_OK;
 }
 
 void Streams::sendMore(int socket) {
   Stream& stream = streams_.at(socket);
   bool failed = false;
-  stream.sent += sendNow(socket, std::span(stream.unsent).subspan(stream.sent), failed);
-  if (!failed && stream.sent < stream.unsent.size()) return;
-  stream.unsent = {};
-  stream.sent = 0;
-  unregister_writefd(socket);
-  if (!failed) return;
-  stream.ends = true;
-  shutDown(socket);
+  const std::size_t sent = sendNow(socket, std::span(stream.unsent).subspan(stream.sent), failed);
+  stream.sent += sent;
+  if (sent != 0) stream.took = ++uses_;
+  if (!failed && stream.waiting() != 0) {
+    if (stream.sent < kSpent) return;
+    stream.unsent.erase(stream.unsent.begin(), stream.unsent.begin() + static_cast<std::ptrdiff_t>(stream.sent));
+    stream.sent = 0;
+    return;
+  }
+  if (failed)
+    end(socket, stream);
+  else
+    forgetUnsent(socket, stream);
 }
 
 int Streams::close(netsnmp_transport* transport) {
@@ -115,8 +175,9 @@ int Streams::close(netsnmp_transport* transport) {
   const auto found = theStreams->streams_.find(socket);
   if (found == theStreams->streams_.end()) return -1;  // the library closes some twice
   const auto closeIt = found->second.library->close;
-  if (!found->second.unsent.empty()) unregister_writefd(socket);
+  forgetUnsent(socket, found->second);
   theStreams->streams_.erase(found);
+  theStreams->spare_.left();
   return closeIt(transport);
 }
 
