@@ -5,6 +5,7 @@
 #include <charconv>
 #include <chrono>
 #include <filesystem>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -20,6 +21,7 @@ namespace msand {
 namespace {
 
 constexpr std::size_t kMaxFile = 16 << 20;
+constexpr std::size_t kMostOpen = 8;  // shadows of terminals: each is a process with a node in it
 
 int refuse(const PlatformCall& call, const std::string& why) {
   call.text += why + "\r\n";
@@ -67,7 +69,12 @@ int tellOutcome(const PlatformCall& call, const Changes::Checked& checked, std::
 }
 
 int openShadow(const PlatformCall& call) {
+  static std::vector<std::weak_ptr<Shadow>> open;
+  std::erase_if(open, [](const auto& shadow) { return shadow.expired(); });
+  if (open.size() >= kMostOpen)
+    return refuse(call, fmt::format("{} terminals try lines in the dark already", kMostOpen));
   call.terminal.shadow = call.node.changes().shadow();
+  open.push_back(call.terminal.shadow);
   call.text += "lines are tried in the dark from now on: \"check close\" ends it\r\n";
   return 0;
 }
