@@ -141,5 +141,5 @@ int msan_slave_flush() {
 
 int msan_get_attribute(u16 slot, u16 port, u32 attribute, void* data, u32 length) {
   const ObjIndex object{0, port == 0 ? kSlotLevel : kPortLevel, {1, slot, port}};
-  return getObjAttrDataByCondition(&object, attribute, data, 0, static_cast<i32>(length), 0);
+  return getObjAttrDataByCondition(&object, attribute, data, 0, static_cast<i32>(length));
 }

@@ -7,6 +7,7 @@
 #include "combo/profile/profile_relation.h"
 #include "common/interface_list.h"
 #include "common/msan_init.h"
+#include "common/report.h"
 #include "common/trace.h"
 #include "data/loop/loop_detect.h"
 #include "data/mac/port_mac_limit.h"
@@ -17,7 +18,6 @@
 #include "data/slot/port_isolate.h"
 #include "data/slot/storm_suppression.h"
 #include "data/vlan/port_vlan.h"
-#include "platform/database.h"
 #include "platform/log.h"
 #include "platform/objects.h"
 #include "ppda/volt_current.h"
@@ -214,9 +214,9 @@ int msan_cfg_sync_trigger(const LIST* list, u16 id, int origin, int kind) {
   for (; node != nullptr; node = lstNext(node)) {
     u16 slot = 0;
     if (slotOf(node, kind, slot, where) != 0) return -1;
-    if (last != 0 && slot != last) trigger_obj_crc(last, 0, 0, id, origin);
+    if (last != 0 && slot != last) reportChange(last, id, origin);
     last = slot;
   }
-  trigger_obj_crc(last, 0, 0, id, origin);
+  reportChange(last, id, origin);
   return 0;
 }

@@ -37,7 +37,7 @@ enum AttributeError : int { kReadWithOffset = -53, kNoSuchAttribute = -54 };
 // 0, the code of the attribute's function, of the object model, or one of the codes named above and in msan_obj.h.
 // `extra` is for attributes that ask for it.
 int setObjAttrDataByCondition(const ObjIndex* handle, u32 attribute, const void* data, i32 offset, i32 length);
-int getObjAttrDataByCondition(const ObjIndex* handle, u32 attribute, void* data, u32 offset, i32 length, u32 extra);
+int getObjAttrDataByCondition(const ObjIndex* handle, u32 attribute, void* data, u32 offset, i32 length, u32 extra = 0);
 
 // Removes what a slot that has lost its card type holds: its ports, then the slot itself. 0, -1, or -2 without a tree.
 int delObjAttrBySlot(u16 slot);

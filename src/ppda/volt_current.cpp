@@ -193,11 +193,11 @@ int vdistrib_pots_voltcurrentx(LIST* addresses, const PotsFeed* record, SnmpErrI
   DataList list;
   if (vset_pots_voltcurrent_list(addresses, record, list) != 0) return -1;
   if (vSetObjManageData(kPotsPort, list) != 0) {
-    vSetErrorInfo(kNotStored, nullptr, 0, err);
+    vSetErrorInfo(kNotStored, err);
     return -1;
   }
   msan_cfg_sync_trigger(list, kFeedMessage, 3, kDataNodeList);
-  if (const u16 code = buildAndSend(list)) vSetErrorInfo(code, nullptr, 0, err);
+  if (const u16 code = buildAndSend(list)) vSetErrorInfo(code, err);
   return 0;
 }
 
@@ -233,7 +233,7 @@ static int answerAndDump(u16 id, const SnmpErrInfo& err, u8* reply, u32* replyLe
 
 static int answerFailed(u16 id, u8* reply, u32* replyLen) {
   SnmpErrInfo err;
-  vSetErrorInfo(kStepFailed, nullptr, 0, &err);
+  vSetErrorInfo(kStepFailed, &err);
   return answerAndDump(id, err, reply, replyLen);
 }
 

@@ -54,7 +54,7 @@ int msan_cli_show_pots_voltage_current_config_func(const CommandElement*, Vty* v
 static bool readPort(u16 slot, u16 port, PotsFeed& record) {
   ObjIndex object;
   return SlotNoPortConvertObjIndex(slot, port, 0, &object) == 0 &&
-         getObjAttrDataByCondition(&object, kFeedAttribute, &record, 0, sizeof record, 0) == 0;
+         getObjAttrDataByCondition(&object, kFeedAttribute, &record, 0, sizeof record) == 0;
 }
 
 int show_pots_voltcurrent_by_slot(u16 slot, Vty* vty) {

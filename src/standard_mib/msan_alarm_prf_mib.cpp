@@ -4,7 +4,7 @@
 
 #include "common/interface_list.h"
 #include "common/obj_attributes.h"
-#include "platform/database.h"
+#include "common/report.h"
 #include "standard_mib/profiles.h"
 #include "voice/alarm/alarm_attach.h"
 #include "voice/alarm/ngn_alarm_prof.h"
@@ -106,7 +106,7 @@ int std_attach_dsl_alarm_prf_by_id(u16 slot, u16 port, u16 id) {
   }
   // It is stored: a message that fails is repaired when the card returns.
   attach_alarm_prf_adapt(nodes, 1);
-  trigger_obj_crc(slot, 0, 0, alarmKind.attachId, kStandardMib);
+  reportChange(slot, alarmKind.attachId, kStandardMib);
   return 0;
 }
 

@@ -18,7 +18,7 @@ int std_snmp_data_port_enable_get(u16 slot, u16 port, u8* value) {
   ObjIndex object;
   u8 stored = 0;
   if (objectOf(slot, port, &object) != 0 ||
-      getObjAttrDataByCondition(&object, kPortEnableAttribute, &stored, 0, sizeof stored, 0) != 0) {
+      getObjAttrDataByCondition(&object, kPortEnableAttribute, &stored, 0, sizeof stored) != 0) {
     return -1;
   }
   *value = stored;

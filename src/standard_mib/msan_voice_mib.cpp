@@ -15,7 +15,7 @@ static constexpr int kNoSlot = -3, kNoPort = -5, kNoCard = -18, kNullCardType = 
 // Reads the record of a port of a POTS card.
 static int readPort(u16 slot, u16 port, ObjIndex* object, VoicePort* record) {
   if (!potsPortsOf(slot) || SlotNoPortConvertObjIndex(slot, port, 0, object) != 0) return -1;
-  return getObjAttrDataByCondition(object, kVoicePortAttribute, record, 0, sizeof *record, 0) == 0 ? 0 : -1;
+  return getObjAttrDataByCondition(object, kVoicePortAttribute, record, 0, sizeof *record) == 0 ? 0 : -1;
 }
 
 int std_snmp_pots_port_enable_set(u16 slot, u16 port, u8 value) {

@@ -3,10 +3,10 @@
 #include <cstring>
 #include <span>
 
+#include "common/report.h"
 #include "data/rate/port_rate_bind.h"
 #include "data/rate/port_rate_profile.h"
 #include "msan/standard_mib.h"
-#include "platform/database.h"
 #include "platform/objects.h"
 
 // --- Profiles ---
@@ -29,7 +29,7 @@ int std_snmp_rate_prf_id_assign() {
 
 static int write(const PortRatePrf& profile) {
   const int code = gpon_set_port_rate_profile_base(profile, true);
-  if (code == 0) trigger_obj_crc(kNodeReport, 0, 0, kRateProfileMessage, kByOperator);
+  if (code == 0) reportChange(kNode, kRateProfileMessage, kByOperator);
   return code;
 }
 

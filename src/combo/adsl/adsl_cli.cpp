@@ -10,10 +10,10 @@
 #include "combo/adsl/adsl_words.h"
 #include "combo/pvc/pvc_profile.h"
 #include "common/commands.h"
+#include "common/report.h"
 #include "platform/command_line.h"
-#include "platform/database.h"
 
-static void reportChange(const ProfileKind& kind) { trigger_obj_crc(9, 0, 0, kind.writeId, 3); }
+static void reportChange(const ProfileKind& kind) { reportChange(kNode, kind.writeId, 3); }
 
 // --- Commands of both kinds ---
 

@@ -41,7 +41,7 @@ static int showPort(Vty* vty, const CliAddr* address) {
   u8 flag = 0;
   if (checkObjErr(kPortEnableMessage, kPortEnableAttribute, &port, kAnyCard, &err) != 0)
     return complain(vty, "checkObjErr failed!");
-  if (getObjAttrDataByCondition(&port, kPortEnableAttribute, &flag, 0, 1, 0) != 0)
+  if (getObjAttrDataByCondition(&port, kPortEnableAttribute, &flag, 0, 1) != 0)
     return complain(vty, "getObjAttrDataByCondition failed!");
   static constexpr Word words[] = {{"disable", 0}, {"enable", 1}};
   vty_out(vty, "%-12d %-12d%-12s\r\n", address->slot, address->port, textOf(words, flag, "--"));

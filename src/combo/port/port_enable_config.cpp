@@ -26,7 +26,7 @@ int msan_init_data_port_enable_config() {
 
 // The port's stored byte. 0, or the store's code.
 static int readFlag(const ObjIndex* port, u8* flag) {
-  return getObjAttrDataByCondition(port, kPortEnableAttribute, flag, 0, 1, 0);
+  return getObjAttrDataByCondition(port, kPortEnableAttribute, flag, 0, 1);
 }
 
 int is_data_port_enable(ObjIndex port) {

@@ -8,8 +8,8 @@
 #include "common/interface_list.h"
 #include "common/msan_init.h"
 #include "common/obj_attributes.h"
+#include "common/report.h"
 #include "platform/command_line.h"
-#include "platform/database.h"
 #include "platform/log.h"
 
 int walkPorts(std::span<const u16> types, u16 slot, LIST* list) {
@@ -20,7 +20,7 @@ int walkPorts(std::span<const u16> types, u16 slot, LIST* list) {
 
 int attachedProfile(const ProfileKind& kind, const ObjIndex* port, u16* id) {
   *id = kDefaultProfile;
-  return getObjAttrDataByCondition(port, kind.attribute, id, 0, sizeof *id, 0);
+  return getObjAttrDataByCondition(port, kind.attribute, id, 0, sizeof *id);
 }
 
 int addPortNode(LIST* list, SnmpErrInfo* err, const ObjIndex& port, u16 id) {
@@ -57,7 +57,7 @@ int attachPorts(const ProfileKind& kind, SnmpErrInfo* err, LIST* list, u16 count
   for (u32 i = 0; i < count; ++i, at = lstNext(at)) {
     const auto* node = dataOf<AdslPortPrfNode>(at);
     if (setObjAttrDataByCondition(&node->port, kind.attribute, &node->prfId, 0, sizeof node->prfId) != 0) return -1;
-    if (node->port.addr[1] != slot) trigger_obj_crc(node->port.addr[1], 0, 0, kind.attachId, 0);
+    if (node->port.addr[1] != slot) reportChange(node->port.addr[1], kind.attachId, 0);
     slot = node->port.addr[1];
   }
   // What the cards did not get they get when they return.

@@ -6,10 +6,9 @@
 #include "combo/profile/profile_kind.h"
 #include "common/interface_list.h"
 #include "common/msan_init.h"
+#include "common/report.h"
 #include "platform/command_line.h"
-#include "platform/database.h"
 
-static constexpr u16 kNode = 9;      // the whole node, in a report of a change
 static constexpr int kOperator = 3;  // origin of a report
 
 std::optional<u32> numberOf(const char* text) {
@@ -100,7 +99,7 @@ int cliAddProfile(const ProfileKind& kind, Vty* vty, int argc, char** argv) {
   }
   SnmpErrInfo err;
   if (kind.write(kind, &err, &record, 1) != 0) return complain(vty, kind.texts.addFailed, err.errCode);
-  trigger_obj_crc(kNode, 0, 0, kind.writeId, kOperator);
+  reportChange(kNode, kind.writeId, kOperator);
   return 0;
 }
 
@@ -114,7 +113,7 @@ int cliDeleteProfile(const ProfileKind& kind, Vty* vty, int argc, char** argv) {
     const bool byId = isWord("id", argv[0]);
     return complain(vty, byId ? kind.texts.deleteFailedById : kind.texts.deleteFailedByName, err.errCode);
   }
-  trigger_obj_crc(kNode, 0, 0, kind.writeId, kOperator);
+  reportChange(kNode, kind.writeId, kOperator);
   return 0;
 }
 
@@ -175,7 +174,7 @@ int cliSelectProfile(const ProfileKind& kind, Vty* vty, int argc, char** argv) {
 
 int finishEdit(const ProfileKind& kind, Vty* vty, int result, const SnmpErrInfo& err) {
   if (result != 0) return complain(vty, "failed,error code is ", err.errCode);
-  trigger_obj_crc(kNode, 0, 0, kind.writeId, kOperator);
+  reportChange(kNode, kind.writeId, kOperator);
   return 0;
 }
 
@@ -217,7 +216,7 @@ int cliAttachProfile(const ProfileKind& kind, Vty* vty, int argc, char** argv) {
   if (attachPorts(kind, &err, nodes, static_cast<u16>(lstCount(nodes))) != 0) {
     return complain(vty, kind.texts.attachFailed, err.errCode);
   }
-  if (kind.reportsAttachment) trigger_obj_crc(kNode, 0, 0, kind.attachId, kOperator);
+  if (kind.reportsAttachment) reportChange(kNode, kind.attachId, kOperator);
   return 0;
 }
 

@@ -7,12 +7,11 @@
 #include "combo/profile/profile_kind.h"
 #include "common/interface_list.h"
 #include "common/msan_init.h"
-#include "platform/database.h"
+#include "common/report.h"
 #include "platform/log.h"
 
 static constexpr u32 kArea = 32;       // where a request's count stands
 static constexpr u32 kReplyArea = 36;  // and a reply's
-static constexpr u16 kNode = 9;        // the whole node, in a report of a change
 static constexpr u32 kReadItem = 20;
 
 static int answerError(const SnmpCall& call, const SnmpErrInfo& err) {
@@ -92,7 +91,7 @@ int snmpWriteProfiles(const ProfileKind& kind, const SnmpCall& call) {
   if (decodeAll(kind, call, &err, from, records.get(), count) != 0) return answerError(call, err);
   const ProfileLock lock(kind);
   const int result = kind.write(kind, &err, reinterpret_cast<ProfileHead*>(records.get()), static_cast<u16>(count));
-  if (result == 0 || kind.reportsFailure) trigger_obj_crc(kNode, 0, 0, kind.writeId, 1);
+  if (result == 0 || kind.reportsFailure) reportChange(kNode, kind.writeId, 1);
   return result == 0 ? answerSuccess(call) : answerError(call, err);
 }
 
@@ -114,7 +113,7 @@ int snmpDeleteProfiles(const ProfileKind& kind, const SnmpCall& call) {
   }
   const ProfileLock lock(kind);
   const int result = deleteBatch(kind, &err, ids, static_cast<u16>(count));
-  if (result == 0 || kind.reportsFailure) trigger_obj_crc(kNode, 0, 0, kind.writeId, 1);
+  if (result == 0 || kind.reportsFailure) reportChange(kNode, kind.writeId, 1);
   return result == 0 ? answerSuccess(call) : answerError(call, err);
 }
 

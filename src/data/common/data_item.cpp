@@ -4,7 +4,7 @@
 #include <bitset>
 
 #include "common/obj_attributes.h"
-#include "platform/database.h"
+#include "common/report.h"
 #include "platform/log.h"
 #include "platform/objects.h"
 #include "voice/common/voice_msc.h"
@@ -46,7 +46,7 @@ void ChangedSlots::addChange(u16 slot) {
 }
 
 void ChangedSlots::report(u16 id, int origin) const {
-  for (u32 i = 0; i < count_; ++i) trigger_obj_crc(slots_[i], 0, 0, id, origin);
+  for (u32 i = 0; i < count_; ++i) reportChange(slots_[i], id, origin);
 }
 
 template <void (ChangedSlots::*Add)(u16 slot)>
@@ -102,7 +102,7 @@ int checkObject(const DataItem& item, const void* record, SnmpErrInfo* err) {
 
 int readRecord(const DataItem& item, void* record) {
   return getObjAttrDataByCondition(&objectOf(record), item.attribute, item.kept.valueOf(record), 0,
-                                   static_cast<i32>(item.kept.valueBytes), 0);
+                                   static_cast<i32>(item.kept.valueBytes));
 }
 
 static int getRecord(const DataItem& item, void* record, SnmpErrInfo* err) {

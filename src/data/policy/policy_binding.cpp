@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "platform/database.h"
+#include "common/report.h"
 #include "platform/flow_store.h"
 #include "platform/objects.h"
 
@@ -120,7 +120,7 @@ void reportPolicies(LIST* records, u16, int origin) {
   u16 last = 0;
   for (NODE* cell = lstFirst(records); cell != nullptr; cell = lstNext(cell)) {
     const u16 slot = dataOf<const ObjIndex>(cell)->addr[1];
-    if (slot != last) trigger_obj_crc(slot, 0, 0, kReported, origin);
+    if (slot != last) reportChange(slot, kReported, origin);
     last = slot;
   }
 }

@@ -89,7 +89,7 @@ static int save(const PolicyRecord* record) {
 
 // A port without a row has no bindings.
 static int get(PolicyRecord* record, SnmpErrInfo*) {
-  getObjAttrDataByCondition(&record->object, kPortPolicyAttribute, &record->rows[0], 0, sizeof record->rows[0], 0);
+  getObjAttrDataByCondition(&record->object, kPortPolicyAttribute, &record->rows[0], 0, sizeof record->rows[0]);
   return 0;
 }
 

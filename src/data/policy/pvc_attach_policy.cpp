@@ -157,7 +157,7 @@ static int save(const PolicyRecord* record) {
 static int get(PolicyRecord* record, SnmpErrInfo*) {
   for (u16 pvc = 0; pvc < kPvcRows; ++pvc) {
     PvcPolicyRow row{pvc, {}};
-    if (getObjAttrDataByCondition(&record->object, kPvcPolicyAttribute, &row, 0, sizeof row, 0) != 0) return -1;
+    if (getObjAttrDataByCondition(&record->object, kPvcPolicyAttribute, &row, 0, sizeof row) != 0) return -1;
     record->rows[pvc] = row.bound;
   }
   return 0;

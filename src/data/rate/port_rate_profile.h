@@ -13,7 +13,6 @@ inline constexpr u16 kMostRateProfile = 256;
 inline constexpr u32 kRateName = 20;  // characters
 inline constexpr char kDefaultRateName[] = "PORTRATE.PRF";
 inline constexpr u16 kRateProfileMessage = 34609, kRateProfileDeletion = 34610;
-inline constexpr u16 kNodeReport = 9;  // the slot in whose name a change of profiles is reported
 
 enum RateError : int {
   kRateId = -10,  // above the highest

@@ -3,10 +3,10 @@
 #include <cstring>
 
 #include "common/commands.h"
+#include "common/report.h"
 #include "data/common/terminal.h"
 #include "data/rate/port_rate_bind.h"
 #include "data/rate/port_rate_profile.h"
-#include "platform/database.h"
 
 static bool isDefaultName(const char* name) { return bep_StrCmp(name, kDefaultRateName) == 0; }
 static const char* switchWord(u8 status) { return textOf(kSwitchWords, status == 1, "disable"); }
@@ -34,7 +34,7 @@ int cli_set_rate_limit_prf_func(const CommandElement*, Vty* vty, int argc, char*
   if (const int code = gpon_set_port_rate_profile_base(profile, port_rate_prf_is_modify(profile.id, profile))) {
     return refuse(vty, "set port rate limit profile error: %d.\n\r", code);
   }
-  trigger_obj_crc(kNodeReport, 0, 0, kRateProfileMessage, 3);
+  reportChange(kNode, kRateProfileMessage, 3);
   vty_out(vty, "set port rate limit profile ok!\n\r");
   return 0;
 }
@@ -73,7 +73,7 @@ int cli_del_rate_limit_prf_func(const CommandElement*, Vty* vty, int argc, char*
     return 0;
   }
   if (code != 0) return refuse(vty, "\r\n del failed of ret :%d \r\n", code);
-  trigger_obj_crc(kNodeReport, 0, 0, kRateProfileMessage, 3);
+  reportChange(kNode, kRateProfileMessage, 3);
   vty_out(vty, "delete rate limit profile completed.\r\n");
   return 0;
 }

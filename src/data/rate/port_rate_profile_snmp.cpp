@@ -7,9 +7,9 @@
 #include <algorithm>
 #include <cstring>
 
+#include "common/report.h"
 #include "data/rate/port_rate_bind.h"
 #include "data/rate/port_rate_profile.h"
-#include "platform/database.h"
 
 static constexpr u32 kCount = 32;  // offset in a request, u16
 static constexpr u32 kBody = 34;
@@ -92,7 +92,7 @@ static int carryOut(u16 id, WireIn frame, u32 width, u8* reply, u32* replyLen, C
   }
   *replyLen = answer.end();
   if (!changed) return -1;
-  trigger_obj_crc(kNodeReport, 0, 0, kRateProfileMessage, 1);
+  reportChange(kNode, kRateProfileMessage, 1);
   return 0;
 }
 

@@ -1,6 +1,7 @@
 #include "data/raw/card_work_mode.h"
 
 #include "common/commands.h"
+#include "common/report.h"
 #include "common/store.h"
 #include "data/common/terminal.h"
 #include "platform/tables.h"
@@ -83,7 +84,7 @@ static int setMode(const u8* at) {
   u32 id = 0;
   if (omSlot2ObjId(record.slot, &id) != 0 || set_card_work_mode_db(id, record.mode) != 0) return -1;
   send_card_work_mode(record);
-  trigger_obj_crc(record.slot, 0, 0, kMessage, 1);
+  reportChange(record.slot, kMessage, 1);
   return 0;
 }
 

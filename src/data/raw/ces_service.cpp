@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "common/commands.h"
+#include "common/report.h"
 #include "common/store.h"
 #include "data/common/terminal.h"
 #include "platform/tables.h"
@@ -106,7 +107,7 @@ static int setService(const u8* at) {
   const auto record = rawRecord<CesServiceRecord>(at);
   if (set_ces_service_db(&record) != 0) return -1;
   send_ces_service(record);
-  trigger_obj_crc(record.slot, 0, 0, kMessage, 1);
+  reportChange(record.slot, kMessage, 1);
   return 0;
 }
 

@@ -4,13 +4,13 @@
 
 #include "common/commands.h"
 #include "common/msan_init.h"
+#include "common/report.h"
 #include "common/store.h"
 #include "data/common/cards.h"
 #include "data/common/terminal.h"
 #include "platform/tables.h"
 
 static constexpr u16 kMessage = 2864, kDeletion = 2865;
-static constexpr u16 kReportedSlot = 9;  // of all changes
 static constexpr u16 kOneSlave = 1;
 static constexpr int kNotAPair = -7;
 
@@ -120,7 +120,7 @@ static int deletePair(const u8* at) {
 }
 
 // A deletion is a change of the pairs, too.
-static void report() { trigger_obj_crc(kReportedSlot, 0, 0, kMessage, 1); }
+static void report() { reportChange(kNode, kMessage, 1); }
 
 static constexpr RawSet set{kMessage, 2, sizeof(MpairRecord), kMpairs, checkRaw, setPair, report};
 static constexpr RawSet deletion{kDeletion, 2, 2, kMpairs, nullptr, deletePair, report};

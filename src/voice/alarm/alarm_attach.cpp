@@ -6,8 +6,8 @@
 #include "common/commands.h"
 #include "common/interface_list.h"
 #include "common/obj_attributes.h"
+#include "common/report.h"
 #include "platform/cards.h"
-#include "platform/database.h"
 #include "platform/objects.h"
 #include "voice/alarm/alarm_area.h"
 #include "voice/alarm/ngn_alarm_prof.h"
@@ -91,7 +91,7 @@ static int snmp_set_adsl_prf_attach(u16 messageId, u8, u8* data, i32 length, u8*
       return answerError(messageId, err, reply, replyLen);
     }
     sendAlarm(slot, port, record);
-    trigger_obj_crc(slot, 0, 0, kAttach, 1);
+    reportChange(slot, kAttach, 1);
   }
   return answerSuccess(reply, replyLen);
 }
@@ -159,7 +159,7 @@ static int attach_alarm_prf_Func(const CommandElement*, Vty* vty, int argc, char
     AlarmPrfRecord record;
     if (bind(&err, address.slot, address.port, id, &record) != 0) return -1;
     if (sendAlarm(address.slot, address.port, record) < 0) return -1;
-    trigger_obj_crc(address.slot, 0, 0, kAttach, 3);
+    reportChange(address.slot, kAttach, 3);
   }
   return 0;
 }

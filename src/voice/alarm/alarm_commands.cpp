@@ -2,11 +2,10 @@
 
 #include "common/commands.h"
 #include "common/obj_attributes.h"
-#include "platform/database.h"
+#include "common/report.h"
 #include "voice/alarm/alarm_area.h"
 #include "voice/alarm/ngn_alarm_prof.h"
 
-static constexpr u16 kNode = 9;
 static constexpr int kOperator = 3;
 
 // --- Messages ---
@@ -56,7 +55,7 @@ static int setThreshold(u32 number, Vty* vty, int argc, char** argv) {
   if (modify_spc_alarm_prf_para(&err, &values, number) != 0) {
     return complain(vty, "modify_spc_alarm_prf_para failed,error code is ", err.errCode);
   }
-  trigger_obj_crc(kNode, 0, 0, alarmKind.writeId, kOperator);
+  reportChange(kNode, alarmKind.writeId, kOperator);
   return 0;
 }
 

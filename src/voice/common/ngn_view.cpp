@@ -186,7 +186,7 @@ static int encodeLocations(const PortView& view, LIST* list, PoolBytes& request,
   const u32 bytes = 4 + kLocation * static_cast<u32>(lstCount(list));
   request = zeroed(bytes, view.names.at("get_*"));
   if (request != nullptr && nEncodePortLocationHandle(list, WireOut(request.get(), bytes), length) == 0) return 0;
-  vSetErrorInfo(kEncodeFailed, nullptr, 0, err);
+  vSetErrorInfo(kEncodeFailed, err);
   return -1;
 }
 
@@ -203,7 +203,7 @@ static int askPorts(const PortView& view, LIST* list, PoolBytes& answer, WireIn*
   if (!answered) return -1;
   const auto all = unitsOf(WireIn(answer.get(), *answered), view.unit, count);
   if (!all || all->empty()) {
-    vSetErrorInfo(kParseFailed, nullptr, 0, err);
+    vSetErrorInfo(kParseFailed, err);
     return -1;
   }
   *units = *all;

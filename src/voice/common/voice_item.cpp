@@ -4,7 +4,7 @@
 
 #include "common/memory.h"
 #include "common/msan_init.h"
-#include "platform/database.h"
+#include "common/report.h"
 #include "platform/log.h"
 #include "platform/wrappers.h"
 #include "voice/common/voice_msc.h"
@@ -13,7 +13,6 @@
 // forwarded ahead of the configuration area.
 static constexpr u32 kLabelAt = 36;
 static constexpr u32 kReplyArea = 36;  // of a GET's reply: what stood at 32 in a request
-static constexpr u16 kNodeSlot = 9;    // reported for items of the whole node
 static constexpr u16 kSendSlot = 18;   // for the trace lines of a message to the NGN side
 namespace {
 enum Origin { kSnmp = 1, kCommand = 3 };
@@ -104,7 +103,7 @@ int answerError(const SnmpCall& call, const SnmpErrInfo& err, const char* why, W
 
 int answerFailed(const SnmpCall& call, const char* why, Where where) {
   SnmpErrInfo err;
-  vSetErrorInfo(kStepFailed, nullptr, 0, &err);
+  vSetErrorInfo(kStepFailed, &err);
   return answerError(call, err, why, where);
 }
 
@@ -166,7 +165,7 @@ int snmpSet(const VoiceItem& item, const SnmpCall& call) {
   DataList list;
   if (acceptSet(item, call, list, where) != 0) return -1;
   if (setUnits(item, list) != 0) return answerFailed(call, "set configuration failed", where);
-  if (item.reportsFirst) trigger_obj_crc(kNodeSlot, 0, 0, item.id, kSnmp);
+  if (item.reportsFirst) reportChange(kNode, item.id, kSnmp);
   u16 code = 0;
   if (item.forward != Forward::asItCame) {
     code = encodeAndSend(item, static_cast<LIST*>(list), where);
@@ -181,7 +180,7 @@ int snmpSet(const VoiceItem& item, const SnmpCall& call) {
   if (code != 0)
     printTrace(where, "build MSC msg 0x%04X failed", item.id);
   else if (!item.reportsFirst)
-    trigger_obj_crc(kNodeSlot, 0, 0, item.id, kSnmp);
+    reportChange(kNode, item.id, kSnmp);
   return 0;
 }
 
@@ -256,12 +255,12 @@ int storeAndSend(const VoiceItem& item, const void* cfg, SnmpErrInfo* err) {
   const Where where = item.at(item.names->distributeX);
   if (inRecoverConfProcess() != 1 && checkItem(item, cfg, err) != 0) return -1;
   if (storeItem(item, cfg) != 0) {
-    vSetErrorInfo(kNotStored, nullptr, 0, err);
+    vSetErrorInfo(kNotStored, err);
     printTrace(where, "set %s configuration failed", item.words);
     return -1;
   }
-  if (item.reportsFirst) trigger_obj_crc(kNodeSlot, 0, 0, item.id, kCommand);
-  if (const u16 code = encodeAndSend(item, cfg, where)) vSetErrorInfo(code, nullptr, 0, err);
+  if (item.reportsFirst) reportChange(kNode, item.id, kCommand);
+  if (const u16 code = encodeAndSend(item, cfg, where)) vSetErrorInfo(code, err);
   return 0;
 }
 
@@ -305,7 +304,7 @@ int finishSet(Vty* vty, const VoiceItem& item, int result, const SnmpErrInfo& er
   const int code = static_cast<i16>(err.errCode);
   vty_out(vty, "\r\n %s %s(%d). \r\n", done, result == -1 ? "failed" : "successfully", code);
   if (result == -1) return -1;
-  if (!item.reportsFirst) trigger_obj_crc(kNodeSlot, 0, 0, item.id, kCommand);
+  if (!item.reportsFirst) reportChange(kNode, item.id, kCommand);
   return 0;
 }
 
@@ -324,7 +323,7 @@ int distributeErase(Vty* vty, const VoiceItem& item, int argc, char** argv) {
     vty_out(vty, "\r\n %s %s configuration failed. \r\n", argv[0], item.viewWords);
     return -1;
   }
-  const auto report = [&] { trigger_obj_crc(kNodeSlot, 0, 0, item.id, kCommand); };
+  const auto report = [&] { reportChange(kNode, item.id, kCommand); };
   if (item.reportsFirst && erases) report();
   vty_out(vty, "\r\n %s %s configuration successfully. \r\n", argv[0], item.viewWords);
   if (!item.reportsFirst) report();

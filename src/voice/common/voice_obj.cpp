@@ -76,7 +76,7 @@ static int isValid(int (*optionOf)(u16, u32*), u16 id, u16 kind, u16 slot, u16 p
   }
   ObjIndex object;
   if (SlotNoPortConvertObjIndex(slot, port == kAllPorts ? u16{0} : port, 0, &object) != 0) {
-    vSetErrorInfo(kStepFailed, nullptr, 0, err);
+    vSetErrorInfo(kStepFailed, err);
     return 0;
   }
   u32 option = 0;
@@ -116,7 +116,7 @@ static int objectOf(u16 slot, u16 port, ObjIndex* object, Where where) {
 static int readNode(DataNode& node, u32 offset, u8* data, Where where) {
   ObjIndex object;
   if (objectOf(node.slot, node.port, &object, where) != 0) return -1;
-  if (getObjAttrDataByCondition(&object, node.msgId, data, offset, static_cast<i32>(node.dataLen), 0) != 0) {
+  if (getObjAttrDataByCondition(&object, node.msgId, data, offset, static_cast<i32>(node.dataLen)) != 0) {
     printTrace(where, "get slot %d port %d OBJM data failed", node.slot, node.port);
     return -1;
   }
@@ -241,7 +241,7 @@ static int readObjects(LIST* objects, u32 attribute, u32 offset, u32 size, LIST*
   for (NODE* cell = lstFirst(objects); cell != nullptr; cell = lstNext(cell), at = lstNext(at)) {
     const auto* object = dataOf<const ObjIndex>(cell);
     auto* node = static_cast<DataNode*>(at);
-    if (getObjAttrDataByCondition(object, attribute, node->data, offset, static_cast<i32>(size), 0) != 0) {
+    if (getObjAttrDataByCondition(object, attribute, node->data, offset, static_cast<i32>(size)) != 0) {
       trace("get slot %d port %d OBJM data failed", object->addr[1], object->addr[2]);
       return -1;
     }

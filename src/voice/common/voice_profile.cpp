@@ -6,6 +6,7 @@
 #include "common/memory.h"
 #include "common/msan_init.h"
 #include "common/obj_attributes.h"
+#include "common/report.h"
 #include "platform/log.h"
 #include "platform/wrappers.h"
 #include "voice/common/voice_msc.h"
@@ -14,7 +15,6 @@
 
 static constexpr u32 kArea = 32;       // of a request
 static constexpr u32 kReplyArea = 36;  // of a reply
-static constexpr u16 kNodeSlot = 9;    // reported for what belongs to the whole node
 static constexpr u16 kSendSlot = 18;   // a card, or a trace line's
 static constexpr u32 kPortRecord = 228;
 namespace {
@@ -35,7 +35,7 @@ static VoiceProfileHead* headOf(NODE* node) { return recordOf<VoiceProfileHead>(
 static bool sameName(const char* a, const char* b) { return std::memcmp(a, b, kProfileName) == 0; }
 
 static int failed(SnmpErrInfo* err, u16 code) {
-  vSetErrorInfo(code, nullptr, 0, err);
+  vSetErrorInfo(code, err);
   return -1;
 }
 
@@ -218,7 +218,7 @@ static int checkDeletes(const VoiceProfiles& kind, LIST* list, SnmpErrInfo* err)
 
 // --- Messages ---
 
-static void report(const VoiceProfiles& kind, Origin origin) { trigger_obj_crc(kNodeSlot, 0, 0, kind.item.id, origin); }
+static void report(const VoiceProfiles& kind, Origin origin) { reportChange(kNode, kind.item.id, origin); }
 
 // A payload to the NGN side, or to the card that some kinds tell. 0, or the code of the step that failed.
 static u16 sendPayload(const VoiceProfiles& kind, const u8* payload, u32 length, bool toCard) {

@@ -24,7 +24,7 @@ static int ncheck_register_mgc(const MGCRegister* order, SnmpErrInfo* err) {
     return -1;
   }
   if (order->option == kRegister && order->address[0] == '\0') {
-    vSetErrorInfo(65415, nullptr, 0, err);
+    vSetErrorInfo(65415, err);
     trace("MGC register address is NULL");
     return -1;
   }
@@ -38,7 +38,7 @@ static int nsnmp_register_mgc(u16 id, u8, u8* data, i32 length, u8* reply, u32* 
 static int nregister_mgc(const MGCRegister* order, SnmpErrInfo* err) {
   if (ncheck_register_mgc(order, err) != 0) return -1;
   const u16 code = encodeAndSend(mgcRegister, order, Where::here());
-  if (code != 0) vSetErrorInfo(code, nullptr, 0, err);
+  if (code != 0) vSetErrorInfo(code, err);
   return code == kEncodeFailed ? -1 : 0;
 }
 

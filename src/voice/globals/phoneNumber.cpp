@@ -43,7 +43,7 @@ static constexpr Word typeWords[] = {{"a", 0}, {"b", 1}, {"c", 2}, {"d", 3}, {"e
 static int nCheckPHNNumber(const PHNNumber* cfg, SnmpErrInfo* err) {
   const auto length = static_cast<u16>(strnlen(cfg->phnNumber, sizeof cfg->phnNumber));
   if (length == 0) {
-    vSetErrorInfo(65416, nullptr, 0, err);
+    vSetErrorInfo(65416, err);
     trace("telephone number is NULL");
     return -1;
   }
@@ -55,7 +55,7 @@ static int nCheckPHNNumber(const PHNNumber* cfg, SnmpErrInfo* err) {
       trace("invalid POTS/IPT telephone number: %.20s", cfg->phnNumber);
       return -1;
     default:
-      vSetErrorInfo(kStepFailed, nullptr, 0, err);
+      vSetErrorInfo(kStepFailed, err);
       trace("check POTS/IPT telephone number failed");
       return -1;
   }
@@ -145,11 +145,11 @@ static int distribNumbersX(const VoiceItem& item, LIST* numbers, SnmpErrInfo* er
   const Where where = item.at(item.names->distributeX);
   if (inRecoverConfProcess() != 1 && checkUnits(item, numbers, err) != 0) return -1;
   if (setUnits(item, numbers) != 0) {
-    vSetErrorInfo(kNotStored, nullptr, 0, err);
+    vSetErrorInfo(kNotStored, err);
     printTrace(where, "set %s configuration failed", item.words);
     return -1;
   }
-  if (const u16 code = encodeAndSend(item, numbers, where)) vSetErrorInfo(code, nullptr, 0, err);
+  if (const u16 code = encodeAndSend(item, numbers, where)) vSetErrorInfo(code, err);
   return 0;
 }
 

@@ -3,6 +3,7 @@
 #include "common/memory.h"
 #include "common/msan_init.h"
 #include "common/obj_attributes.h"
+#include "common/report.h"
 #include "platform/log.h"
 #include "platform/tables.h"
 #include "voice/common/voice_item.h"
@@ -123,11 +124,11 @@ static u16 sendToAll(const PotsGeneral& cfg) {
 int distrib_pots_general_parax(const PotsGeneral* cfg, SnmpErrInfo* err) {
   if (inRecoverConfProcess() != 1 && check_pots_general_para(cfg, err) != 0) return -1;
   if (storeItem(potsGeneral, cfg) != 0) {
-    vSetErrorInfo(kNotStored, nullptr, 0, err);
+    vSetErrorInfo(kNotStored, err);
     trace("set POTS general para configuration failed");
     return -1;
   }
-  if (const u16 code = sendToAll(*cfg)) vSetErrorInfo(code, nullptr, 0, err);
+  if (const u16 code = sendToAll(*cfg)) vSetErrorInfo(code, err);
   return 0;
 }
 
@@ -214,7 +215,7 @@ static int snmp_set_pots_general_para(u16 id, u8, u8* data, i32 length, u8* repl
     return answerSuccess(call, 0);
   }
   answerSuccess(call, 0);
-  trigger_obj_crc(9, 0, 0, kMessage, 1);
+  reportChange(kNode, kMessage, 1);
   return 0;
 }
 

@@ -2,8 +2,8 @@
 // blank ahead.
 
 #include "common/commands.h"
+#include "common/report.h"
 #include "common/words.h"
-#include "platform/database.h"
 #include "voice/common/voice_item.h"
 #include "voice/globals/potsGeneral.h"
 
@@ -32,7 +32,7 @@ static int setPart(Vty* vty, int argc, int quantity, const char* word, Change ch
   vty_out(vty, "\r\n set POTS general para configuration involves %s %s(%d). \r\n", word,
           result == -1 ? "failed" : "successfully", static_cast<i16>(err.errCode));
   if (result == -1) return -1;
-  trigger_obj_crc(9, 0, 0, kMessage, 3);
+  reportChange(kNode, kMessage, 3);
   return 0;
 }
 
@@ -87,13 +87,13 @@ static int cli_distribute_pots_general_para_config_func(const CommandElement*, V
   vty_out(vty, "\r\n distribute slot %d POTS general para configuration %s. \r\n", slot,
           result == 0 ? "successfully" : "failed");
   if (result != 0) return -1;
-  trigger_obj_crc(9, 0, 0, kMessage, 3);
+  reportChange(kNode, kMessage, 3);
   return 0;
 }
 
 static int cli_erase_pots_general_para_config_func(const CommandElement*, Vty* vty, int, char**) {
   if (erase_pots_general_para() != 0) return refuse(vty, "erase POTS general para configuration failed");
-  trigger_obj_crc(9, 0, 0, kMessage, 3);
+  reportChange(kNode, kMessage, 3);
   vty_out(vty, "\r\n erase POTS general para configuration successfully. \r\n");
   return 0;
 }

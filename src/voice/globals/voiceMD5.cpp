@@ -43,7 +43,7 @@ static int nCheckVoiceMD5(const VoiceMD5* cfg, SnmpErrInfo* err) {
   const int base = validKey(cfg->exchangedBase, kBase);
   const int prime = base == 1 ? validKey(cfg->exchangedPrime, kPrime) : 1;
   if (base == -1 || prime == -1) {
-    vSetErrorInfo(kStepFailed, nullptr, 0, err);
+    vSetErrorInfo(kStepFailed, err);
     trace("invalid check para");
     return -1;
   }
@@ -53,7 +53,7 @@ static int nCheckVoiceMD5(const VoiceMD5* cfg, SnmpErrInfo* err) {
     return -1;
   }
   if (prime == 0) {
-    vSetErrorInfo(65410, nullptr, 0, err);
+    vSetErrorInfo(65410, err);
     trace("invalid exchanged prime: %.256s", cfg->exchangedPrime);
     return -1;
   }

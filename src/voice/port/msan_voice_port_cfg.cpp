@@ -39,7 +39,7 @@ static int ncheck_voiceport(const VoicePort* record, SnmpErrInfo* err) {
   if (record->DSPProfileID >= kProfiles) return failedId(err, 65413, record->DSPProfileID);
   const int valid = is_valid_dsp_profile(record->DSPProfileID);
   if (valid == -1) {
-    vSetErrorInfo(kStepFailed, nullptr, 0, err);
+    vSetErrorInfo(kStepFailed, err);
     return -1;
   }
   if (valid == 0) return failedId(err, 65412, record->DSPProfileID);
@@ -107,7 +107,7 @@ static int checkNumbers(LIST* list, SnmpErrInfo* err) {
     vSetErrorInfo(65414, number, sizeof number, err);
     trace("slot %d port %d user number is duplicate", slot, port);
   } else {
-    vSetErrorInfo(kStepFailed, nullptr, 0, err);
+    vSetErrorInfo(kStepFailed, err);
   }
   return -1;
 }
@@ -176,10 +176,10 @@ int nset_voiceport_datalistc(const VoicePort* from, LIST* list) {
 int ndistrib_voiceportx(LIST* list, SnmpErrInfo* err) {
   if (inRecoverConfProcess() != 1 && checkPorts(voicePorts, list, err) != 0) return -1;
   if (nSetObjManageData(kPotsPort, 0, list) != 0) {
-    vSetErrorInfo(kNotStored, nullptr, 0, err);
+    vSetErrorInfo(kNotStored, err);
     return -1;
   }
-  if (const u16 code = sendPorts(voicePorts, list)) vSetErrorInfo(code, nullptr, 0, err);
+  if (const u16 code = sendPorts(voicePorts, list)) vSetErrorInfo(code, err);
   return 0;
 }
 
@@ -208,7 +208,7 @@ int distrib_voiceport() {
 // Writes a record that keeps the enabling alone. 0, 1 when it can't be read, -1 when it can't be written.
 static int eraseObject(const ObjIndex* object) {
   VoicePort record;
-  if (getObjAttrDataByCondition(object, kVoicePortAttribute, &record, 0, sizeof record, 0) != 0) return 1;
+  if (getObjAttrDataByCondition(object, kVoicePortAttribute, &record, 0, sizeof record) != 0) return 1;
   VoicePort empty;
   empty.enable = record.enable;
   return setObjAttrDataByCondition(object, kVoicePortAttribute, &empty, 0, sizeof empty) == 0 ? 0 : -1;

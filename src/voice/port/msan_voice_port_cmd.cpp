@@ -4,6 +4,7 @@
 
 #include "common/commands.h"
 #include "common/obj_attributes.h"
+#include "common/report.h"
 #include "voice/common/ngn_view.h"
 #include "voice/port/msan_voice_port_cfg.h"
 #include "voice/profiles/ngn_dsp.h"
@@ -166,7 +167,7 @@ static int cli_distribute_erase_voice_port_config_func(const CommandElement*, Vt
   const int result = erases ? nerase_voiceport(slot) : ndistrib_voiceport(slot);
   vty_out(vty, "\r\n %s slot %d voice port configuration %s. \r\n", argv[0], slot,
           result == 0 ? "successfully" : "failed");
-  if (result == 0) trigger_obj_crc(slot, 0, 0, voicePorts.id, 3);
+  if (result == 0) reportChange(slot, voicePorts.id, 3);
   return result;
 }
 

@@ -58,11 +58,11 @@ int get_voice_port_enable_objdata(u32, LIST* list) {
 int distrib_voice_port_enable(LIST* list, SnmpErrInfo* err) {
   if (inRecoverConfProcess() != 1 && checkPorts(ports, list, err) != 0) return -1;
   if (set_voice_port_enable_objdata(0, list) != 0) {
-    vSetErrorInfo(kNotStored, nullptr, 0, err);
+    vSetErrorInfo(kNotStored, err);
     return -1;
   }
   msan_cfg_sync_trigger(list, kMessage, 3, kDataNodeList);
-  if (const u16 code = sendPorts(ports, list)) vSetErrorInfo(code, nullptr, 0, err);
+  if (const u16 code = sendPorts(ports, list)) vSetErrorInfo(code, err);
   return 0;
 }
 

@@ -8,6 +8,7 @@
 #include "common/commands.h"
 #include "common/msan_init.h"
 #include "common/obj_attributes.h"
+#include "common/report.h"
 #include "common/store.h"
 #include "platform/log.h"
 #include "platform/ngn.h"
@@ -124,7 +125,7 @@ static int storeNumber(u16 slot, u16 port, const char* number) {
 static int loadNumber(u16 slot, u16 port, char* number) {
   ObjIndex object;
   if (const int code = SlotNoPortConvertObjIndex(slot, port, 0, &object)) return code;
-  return getObjAttrDataByCondition(&object, kSelfPortAttribute, number, 0, kSelfNumber, 0);
+  return getObjAttrDataByCondition(&object, kSelfPortAttribute, number, 0, kSelfNumber);
 }
 
 // --- Send ---
@@ -245,7 +246,7 @@ static int nsnmp_set_voice_self_port(u16 id, u8, u8* data, i32 length, u8* reply
   }
   writeNgnCmd(kMessage, 0, data + kArea, static_cast<u32>(length) - kArea, 0, 0, 0, 0);
   answerSuccess(call, 0);
-  if (count != 0) trigger_obj_crc(slot, 0, 0, kMessage, 1);
+  if (count != 0) reportChange(slot, kMessage, 1);
   return 0;
 }
 
@@ -307,7 +308,7 @@ static int cli_set_voice_self_port_func(const CommandElement*, Vty* vty, int arg
   if (const int code = setObjAttrDataByCondition(&object, kSelfPortAttribute, number, 0, kSelfNumber))
     return failedStep(vty, "setObjAttrDataByCondition", code);
   ndistrib_voice_self_port(slot, port);
-  trigger_obj_crc(slot, 0, 0, kMessage, 3);
+  reportChange(slot, kMessage, 3);
   return 0;
 }
 
@@ -318,7 +319,7 @@ static int cli_show_voice_self_port_func(const CommandElement*, Vty* vty, int ar
   if (const int code = SlotNoPortConvertObjIndex(slot, static_cast<u16>(bep_atoiEx(argv[1])), 0, &object))
     return failedStep(vty, "SlotNoPortConvertObjIndex", code);
   char number[kSelfNumber] = {};
-  if (const int code = getObjAttrDataByCondition(&object, kSelfPortAttribute, number, 0, kSelfNumber, 0))
+  if (const int code = getObjAttrDataByCondition(&object, kSelfPortAttribute, number, 0, kSelfNumber))
     return failedStep(vty, "getObjAttrDataByCondition", code);
   vty_out(vty, "\r\nphoneNum = %.32s .\r\n", number);
   return 0;

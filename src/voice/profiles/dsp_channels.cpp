@@ -19,7 +19,7 @@ static constexpr u32 kAnswer = kBlock + kChannel * kMostChannels;
 static constexpr u32 kCountAt = 24, kChannelsAt = 26;  // in a card's answer
 
 static int failed(SnmpErrInfo* err, u16 code) {
-  vSetErrorInfo(code, nullptr, 0, err);
+  vSetErrorInfo(code, err);
   return -1;
 }
 

@@ -49,7 +49,7 @@ static int checkNumber(const SipCallProfile* profile, SnmpErrInfo* err) {
   const int valid = length == 0 ? 1 : nIsValidString(profile->fwdNumber, length, gCriteriaSIPNumber);
   if (valid == 1) return 0;
   if (valid == -1)
-    vSetErrorInfo(kStepFailed, nullptr, 0, err);
+    vSetErrorInfo(kStepFailed, err);
   else
     vSetErrorInfo(65404, profile->fwdNumber, kNumber, err);
   trace("invalid forward number: %.32s", profile->fwdNumber);

@@ -31,7 +31,7 @@ static constexpr std::size_t kEnds = 3, kSteps = 4;
 
 static int ncheck_rtp_profile(const RtpResource* cfg, SnmpErrInfo* err) {
   if (cfg->nameFixed[0] == '\0') {
-    vSetErrorInfo(65416, nullptr, 0, err);
+    vSetErrorInfo(65416, err);
     trace("the fixed part of the name is NULL");
     return -1;
   }

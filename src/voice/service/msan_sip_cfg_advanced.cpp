@@ -32,14 +32,14 @@ static constexpr Word headWords[] = {{"asserted", 0}, {"from", 1}};
 static int checkUri(const SipAdvanced* cfg, SnmpErrInfo* err) {
   const std::size_t length = strnlen(cfg->conferenceURI, sizeof cfg->conferenceURI);
   if (length == 0) {
-    vSetErrorInfo(65415, nullptr, 0, err);
+    vSetErrorInfo(65415, err);
     trace("the conference URI is NULL");
     return -1;
   }
   const int valid = nIsValidString(cfg->conferenceURI, static_cast<u16>(length), gCriteriaConfURI);
   if (valid == 1) return 0;
   if (valid == -1)
-    vSetErrorInfo(kStepFailed, nullptr, 0, err);
+    vSetErrorInfo(kStepFailed, err);
   else
     vSetErrorInfo(65414, cfg->conferenceURI, sizeof cfg->conferenceURI, err);
   trace("invalid conference URI: %.64s", cfg->conferenceURI);

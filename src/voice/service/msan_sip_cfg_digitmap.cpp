@@ -38,13 +38,13 @@ static constexpr Table<SIPDigitMapCfg> table{"SIPDigitMapCfg", "treeIdx", SIPDig
 static int ncheck_sipdigitmap(const SipDigitMap* cfg, SnmpErrInfo* err) {
   const std::string_view map = textOf(*cfg);
   if (map.empty()) {
-    vSetErrorInfo(65406, nullptr, 0, err);
+    vSetErrorInfo(65406, err);
     trace("the SIP digital map is NULL");
     return -1;
   }
   const int valid = nIsValidString(map.data(), static_cast<u16>(map.size()), gCriteriaDigitMap);
   if (valid == 1) return 0;
-  vSetErrorInfo(valid == -1 ? u32{kStepFailed} : 65405, nullptr, 0, err);
+  vSetErrorInfo(valid == -1 ? u32{kStepFailed} : 65405, err);
   trace("invalid SIP digital map");
   return -1;
 }

@@ -133,7 +133,7 @@ static int nsnmp_set_ngn_protocol_type(u16 id, u8, u8* data, i32 length, u8* rep
   if (const int code = db_set_ngn_protocol_type(type)) return answerCode(call, kNotStored, code, where);
   if (set_voice_module_mode(old, type, 1) < 0) {
     SnmpErrInfo err;
-    vSetErrorInfo(kNotStored, nullptr, 0, &err);
+    vSetErrorInfo(kNotStored, &err);
     if (db_set_ngn_protocol_type(old) != 0) trace("take back NGN protocol type failed");
     return answerError(call, err, "set voice module mode failed", where);
   }

@@ -5,6 +5,7 @@
 
 #include "common/memory.h"
 #include "common/msan_init.h"
+#include "common/report.h"
 #include "common/store.h"
 #include "platform/cards.h"
 #include "platform/objects.h"
@@ -14,7 +15,6 @@
 #include "voice/service/ngn_vo_common.h"
 #include "voice/service/ngn_vo_gated.h"
 
-static constexpr u16 kNodeSlot = 9;
 static constexpr u32 kMessage = 4 + kVoiceIpUnit;
 namespace {
 enum Origin { kSnmp = 1, kCommand = 3 };
@@ -228,7 +228,7 @@ static GatedResult sendChanged(const VoiceIp& record, const VoiceIp& old) {
 }
 
 static int failedCode(SnmpErrInfo* err, u16 code, int result) {
-  vSetErrorInfo(code, nullptr, 0, err);
+  vSetErrorInfo(code, err);
   return result;
 }
 
@@ -237,7 +237,7 @@ int distrib_voice_ipx(const VoiceIp* record, SnmpErrInfo* err) {
   VoiceIp old;
   if (get_voice_ip(&old) != 0) return -1;
   if (set_voice_ip(record) != 0) return failedCode(err, kNotStored, -1);
-  trigger_obj_crc(kNodeSlot, 0, 0, kVoiceIpMessage, kCommand);
+  reportChange(kNode, kVoiceIpMessage, kCommand);
   const GatedResult sent = sendChanged(*record, old);
   if (sent.code == 0) return 0;
   // A list of slots that can't be had is no failure any more.
@@ -254,7 +254,7 @@ int distrib_voice_ip() {
 
 int erase_voice_ip() {
   if (init_voice_ip() != 0 || distrib_voice_ip() != 0) return -1;
-  trigger_obj_crc(kNodeSlot, 0, 0, kVoiceIpMessage, kCommand);
+  reportChange(kNode, kVoiceIpMessage, kCommand);
   return 0;
 }
 
@@ -277,10 +277,10 @@ static int snmp_set_voice_ip(u16 id, u8, u8* data, i32 length, u8* reply, u32* r
   if (check_voice_ip(&record, &err) != 0) return answerError(call, err, "check configuration failed", where);
   if (get_voice_ip(&old) != 0 || set_voice_ip(&record) != 0)
     return answerFailed(call, "set configuration failed", where);
-  trigger_obj_crc(kNodeSlot, 0, 0, kVoiceIpMessage, kSnmp);
+  reportChange(kNode, kVoiceIpMessage, kSnmp);
   const GatedResult sent = sendChanged(record, old);
   if (sent.takenBack) {
-    vSetErrorInfo(static_cast<u16>(sent.sent), nullptr, 0, &err);
+    vSetErrorInfo(static_cast<u16>(sent.sent), &err);
     return answerError(call, err, "send MSC msg 0x%04X failed", where);
   }
   if (sent.code != 0) printTrace(where, "build MSC msg 0x%04X failed", id);

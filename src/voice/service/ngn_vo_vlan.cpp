@@ -5,6 +5,7 @@
 #include "common/commands.h"
 #include "common/memory.h"
 #include "common/msan_init.h"
+#include "common/report.h"
 #include "common/store.h"
 #include "common/words.h"
 #include "platform/cards.h"
@@ -16,7 +17,6 @@
 #include "voice/service/ngn_vo_gated.h"
 
 static constexpr u16 kRtpVlanMessage = 2851;
-static constexpr u16 kNodeSlot = 9;
 static constexpr u16 kTypes = 2, kRtp = 1;
 static constexpr u32 kShortUnit = 46;  // the NGN side's; a manager's is `shape.unit`
 static constexpr u32 kMessage = 2 + kTypes * kShortUnit;
@@ -122,7 +122,7 @@ static GatedResult sendRows(const Rows& old) {
 }
 
 static int failed(SnmpErrInfo* err, u16 code, int result) {
-  vSetErrorInfo(code, nullptr, 0, err);
+  vSetErrorInfo(code, err);
   return result;
 }
 
@@ -131,7 +131,7 @@ int distrib_voice_vlanx(const VoiceVlan* record, SnmpErrInfo* err) {
   Rows old;
   if (getRows(old) != 0) return -1;
   if (set_voice_vlan(*record) != 0) return failed(err, kNotStored, -1);
-  trigger_obj_crc(kNodeSlot, 0, 0, kVoiceVlanMessage, kCommand);
+  reportChange(kNode, kVoiceVlanMessage, kCommand);
   const GatedResult sent = sendRows(old);
   return sent.code == 0 ? 0 : failed(err, sent.code, sent.takenBack ? -1 : 0);
 }
@@ -143,7 +143,7 @@ int distrib_voice_vlan() {
 
 int erase_voice_vlan() {
   if (init_voice_vlan(0) != 0 || init_voice_vlan(kRtp) != 0) return -1;
-  trigger_obj_crc(kNodeSlot, 0, 0, kVoiceVlanMessage, kCommand);
+  reportChange(kNode, kVoiceVlanMessage, kCommand);
   return 0;
 }
 
@@ -165,10 +165,10 @@ static int snmp_set_voice_vlan(u16 id, u8, u8* data, i32 length, u8* reply, u32*
   for (const VoiceVlan& row : rows)
     if (checkRecord(fields, &row, &err) != 0) return answerError(call, err, "check configuration failed", where);
   if (getRows(old) != 0 || setRows(rows) != 0) return answerFailed(call, "set configuration failed", where);
-  trigger_obj_crc(kNodeSlot, 0, 0, kVoiceVlanMessage, kSnmp);
+  reportChange(kNode, kVoiceVlanMessage, kSnmp);
   const GatedResult sent = sendRows(old);
   if (sent.takenBack) {
-    vSetErrorInfo(static_cast<u16>(sent.sent), nullptr, 0, &err);
+    vSetErrorInfo(static_cast<u16>(sent.sent), &err);
     return answerError(call, err, "send MSC msg 0x%04X failed", where);
   }
   if (sent.code != 0) printTrace(where, "build MSC msg 0x%04X failed", id);

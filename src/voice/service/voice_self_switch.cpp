@@ -4,13 +4,13 @@
 
 #include "common/commands.h"
 #include "common/msan_init.h"
+#include "common/report.h"
 #include "common/words.h"
 #include "platform/ngn.h"
 #include "voice/common/number_message.h"
 #include "voice/service/ngndb.h"
 
 static constexpr u16 kMessage = 3109;
-static constexpr u16 kNodeSlot = 9;
 static constexpr u16 kEnable = 1, kDisable = 2;
 static constexpr Word shownWords[] = {{"enable", kEnable}, {"disable", kDisable}};
 
@@ -33,7 +33,7 @@ static int cli_set_voice_self_switch_func(const CommandElement*, Vty* vty, int a
     return -1;
   }
   ndistrib_voice_self_switch();
-  trigger_obj_crc(kNodeSlot, 0, 0, kMessage, 3);
+  reportChange(kNode, kMessage, 3);
   return 0;
 }
 
@@ -62,7 +62,7 @@ static int nsnmp_set_voice_self_switch(u16 id, u8, u8* data, i32 length, u8* rep
   if (const int code = db_set_voice_self_switch(value)) return answerCode(call, kNotStored, code, where);
   answerSuccess(call, 0);
   ndistrib_voice_self_switch();
-  trigger_obj_crc(kNodeSlot, 0, 0, kMessage, 1);
+  reportChange(kNode, kMessage, 1);
   return 0;
 }
 

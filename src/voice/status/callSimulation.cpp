@@ -39,13 +39,13 @@ static std::string_view textOf(const CallOutStart& record) {
 int check_call_out_start(const CallOutStart* record, SnmpErrInfo* err) {
   const std::string_view number = textOf(*record);
   if (number.empty()) {
-    vSetErrorInfo(65415, nullptr, 0, err);
+    vSetErrorInfo(65415, err);
     trace("the telephone number is NULL");
     return -1;
   }
   const int valid = nIsValidString(number.data(), static_cast<u16>(number.size()), gCriteriaSIMNumber);
   if (valid == -1) {
-    vSetErrorInfo(kStepFailed, nullptr, 0, err);
+    vSetErrorInfo(kStepFailed, err);
     trace("check telephone number validity failed");
     return -1;
   }
@@ -78,7 +78,7 @@ static int checkDuplicates(LIST* list, SnmpErrInfo* err) {
     vSetErrorInfo(65413, number, sizeof number, err);
     trace("port %d/%d telephone number is duplicate", slot, port);
   } else {
-    vSetErrorInfo(kStepFailed, nullptr, 0, err);
+    vSetErrorInfo(kStepFailed, err);
   }
   return -1;
 }

@@ -81,7 +81,7 @@ static int vdistrib_test112(LIST* addresses, const Test112* record, SnmpErrInfo*
       checkPorts(ports, list, err) != 0)
     return -1;
   if (vbuild_test112_mscpacket(list) == 0) return 0;
-  vSetErrorInfo(kBuildFailed, nullptr, 0, err);
+  vSetErrorInfo(kBuildFailed, err);
   return -1;
 }
 

@@ -63,7 +63,7 @@ static int nsnmp_register_user(u16 id, u8, u8* data, i32 length, u8* reply, u32*
 int nregister_user(LIST* list, SnmpErrInfo* err) {
   if (inRecoverConfProcess() != 1 && checkPorts(ports, list, err) != 0) return -1;
   const u16 code = sendPorts(ports, list);
-  if (code != 0) vSetErrorInfo(code, nullptr, 0, err);
+  if (code != 0) vSetErrorInfo(code, err);
   return 0;
 }
 

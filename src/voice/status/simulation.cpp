@@ -66,7 +66,7 @@ int snmpSimulate(const Simulation& simulation, const SnmpCall& call) {
 // --- Commands ---
 
 static int failed(u16 code, SnmpErrInfo* err) {
-  vSetErrorInfo(code, nullptr, 0, err);
+  vSetErrorInfo(code, err);
   return -1;
 }
 
