@@ -55,8 +55,11 @@ void Connection::send() {
   while (!rest.empty()) {
     const ssize_t sent = ::send(socket_.get(), rest.data(), rest.size(), MSG_NOSIGNAL);
     if (sent < 0 && errno == EINTR) continue;
-    // What the node said before it went is still to be read; receive() finds the end.
-    if (sent < 0) break;
+    // What the node has said is still to be read; receive() finds the end, which comes when nothing more can.
+    if (sent < 0) {
+      shutdown(socket_.get(), SHUT_WR);
+      break;
+    }
     rest.remove_prefix(static_cast<std::size_t>(sent));
   }
   posted_.clear();
