@@ -1,0 +1,58 @@
+// What handlers of messages give shows in the gateway's trace alone.
+
+#include "common/debug_control.h"
+#include "common/msan_snmp.h"
+#include "common/wire.h"
+#include "host/agent.h"
+#include "host/chassis.h"
+#include "module_fixture.h"
+#include "msan/entries.h"
+
+namespace {
+
+// The messages that were handled, as the gateway traces it.
+class Handled : public host::Observer {
+ public:
+  Handled() { host::observe(this); }
+  ~Handled() override { host::observe(nullptr); }
+  void log(i32, std::string_view text) override { failed = failed || text.find("process failed!") != text.npos; }
+  bool failed = false;
+};
+
+class Handlers : public ModuleTest {
+ protected:
+  // The messages of which a request of so many equal bytes is answered with an error by a handler that gives success,
+  // or the other way round.
+  static std::string differing(u32 bytes, u8 byte) {
+    Handled handled;
+    std::string ids;
+    for (const host::Announced& message : host::announcedMessages()) {
+      SnmpMsgEntry row;
+      EXPECT_EQ(getSnmpMsgInfo(message.id, &row), 0);
+      for (const bool asks : {false, true}) {
+        if (asks ? row.msgGetMethod == nullptr : row.msgSetMethod == nullptr) continue;
+        std::vector<u8> frame(bytes, byte);
+        handled.failed = false;
+        const auto answer = asks ? host::agentGet(message.id, &frame) : host::agentSet(message.id, true, &frame);
+        const u32 head = answer.reply && answer.reply->size() >= 4 ? getNumber(answer.reply->data(), 4) : 0;
+        const bool refused = !answer.reply || (asks ? head == 0x41 : head != 1);
+        if (refused != handled.failed) ids += std::to_string(message.id) + (asks ? "? " : " ");
+      }
+    }
+    return ids;
+  }
+};
+
+TEST_F(Handlers, FailWithWhatTheyRefuse) {
+  for (const auto& [slot, type] : {std::pair<u16, const char*>{1, "adsl16"}, {2, "vdsl16"}, {3, "pots32"}}) {
+    host::authorise(slot, *host::findCardType(type));
+    msan_card_auth_init_db(slot);
+  }
+  msanSetDebugControl(0, 0, 65535);
+  for (const u32 bytes : {3, 33, 36, 57, 100, 3000})
+    for (const int byte : {0, 1, 255})
+      EXPECT_EQ(differing(bytes, static_cast<u8>(byte)), "") << bytes << " of " << byte;
+  host::clearChassis();
+}
+
+}  // namespace
