@@ -110,9 +110,12 @@ const Message* findNamed(const Book& book, std::string_view text, u16& id) {
 }
 
 std::vector<u8> questionOf(const Message& message, const Json& values) {
+  constexpr std::size_t kEnvelope = 32;  // some kinds of profiles refuse a question without it
   const Layout* const layout = message.find(Road::get);
   std::vector<std::string> unused;
-  return layout == nullptr ? std::vector<u8>() : fromJson(*layout, values, unused);
+  std::vector<u8> question = layout == nullptr ? std::vector<u8>() : fromJson(*layout, values, unused);
+  if (question.empty()) question.resize(kEnvelope);
+  return question;
 }
 
 Json readReply(const Book& book, const Message& message, Road road, Bytes bytes, const Json& only) {

@@ -35,6 +35,8 @@ expect "what was not told stays" "0 rfc2833Neg auto
 rfc2198Neg manual
 rfc2833PTDefault 97
 rfc2198PTDefault 96" "$code $out"
+frames get vdslVnProfiles
+expectMatch "a kind of profiles that refuses an empty question" "0 *DEFVDVN*" "$code $out"
 frames set 3082 rfc2833pt=5 --json
 expect "a refusal in JSON" '1 {"error":{"code":-122,"meaning":"outofrange,intheorderofthefields","message":3082,"value":5}}' \
   "$code $(tr -d ' \n' <<<"$out")"
