@@ -34,6 +34,7 @@ struct Kind {
 };
 
 std::mutex mutex;
+u64 changes = 0;
 std::vector<Kind>& kinds() {
   static std::vector<Kind> all;
   return all;
@@ -56,6 +57,7 @@ i16 withProfile(i16 type, i16 id, Use use) {
 }
 
 i16 storeItem(Profile& profile, const void* data, u16 size) {
+  ++changes;
   const u8* from = static_cast<const u8*>(data);
   profile.item.assign(from, from + size);
   return 0;
@@ -79,6 +81,7 @@ i16 prfCreate(i16 type, const char* name, i16 id) {
   if (kind == nullptr || name == nullptr || id < 0 || static_cast<std::size_t>(id) >= kind->profiles.size() ||
       kind->find(id) != nullptr || !kind->ids.emplace(nameOf(name), id).second)
     return kRefused;
+  ++changes;
   kind->profiles[static_cast<std::size_t>(id)] = Profile{std::string(nameOf(name)), {}};
   return 0;
 }
@@ -108,6 +111,7 @@ i16 prfModifyItem(i16 type, i16 id, i16 item, const void* data, u16 size) {
 
 i16 prfDel(i16 type, i16 id) {
   return withProfile(type, id, [=](Kind& kind, const Profile& profile) -> i16 {
+    ++changes;
     kind.ids.erase(profile.name);
     kind.profiles[static_cast<std::size_t>(id)].reset();
     kind.lowestFree = std::min(kind.lowestFree, static_cast<std::size_t>(id));
@@ -160,6 +164,7 @@ i16 prfNameModify(i16 type, const char* name, i16 id) {
     const std::string_view wanted = nameOf(name);
     if (wanted == profile.name) return 0;
     if (!kind.ids.emplace(wanted, id).second) return kRefused;
+    ++changes;
     kind.ids.erase(profile.name);
     profile.name = wanted;
     return 0;
@@ -220,6 +225,11 @@ int del_comm_profile_base(const CommProfile* profile) {
 }
 
 namespace host {
+
+u64 profileChanges() {
+  const std::lock_guard lock(mutex);
+  return changes;
+}
 
 bool listProfiles(i16 type, std::vector<StoredProfile>& profiles) {
   const std::lock_guard lock(mutex);

@@ -17,6 +17,9 @@ struct StoredProfile {
 // The profiles of a kind by id. False if there is no such kind.
 bool listProfiles(i16 type, std::vector<StoredProfile>& profiles);
 
+// Grows with each profile that is made, changed or removed.
+u64 profileChanges();
+
 // Forgets all kinds, for the unloading of a module.
 void clearProfiles();
 
