@@ -1,10 +1,12 @@
 #include "fuzz_node.h"
 
+#include <fmt/format.h>
 #include <unistd.h>
 
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
+#include <thread>
 
 #include "host/database.h"
 #include "host/flow_store.h"
@@ -12,6 +14,7 @@
 #include "host/log.h"
 #include "host/observer.h"
 #include "host/pool.h"
+#include "requests.h"
 
 namespace fuzz {
 
@@ -66,32 +69,57 @@ node::Node& theNode() { return fixture().node; }
 
 void holdMessage(messages::Road road, u16 id, messages::Bytes bytes, messages::Fault worst) {
   const auto wrong = messages::check(messages::book(), road, id, bytes, worst);
-  if (wrong.empty()) return;
-  // Not through stderr, which is captured.
-  for (const std::string& why : wrong)
-    dprintf(STDERR_FILENO, "%s %u is not as described: %s\n", std::string(roadName(road)).c_str(), id, why.c_str());
-  std::abort();
+  if (!wrong.empty()) fail(fmt::format("{} {} is not as described: {}", roadName(road), id, fmt::join(wrong, "\n")));
+}
+
+bool isAtRest() {
+  return host::poolInUse() == fixture().poolInUse && host::openTransactions() == 0 && host::openConnections() == 0;
 }
 
 void checkAtRest() {
   host::runJobs();
-  const u64 left = host::poolInUse() - fixture().poolInUse;
-  const u32 transactions = host::openTransactions();
-  const u32 connections = host::openConnections();
-  if (left == 0 && transactions == 0 && connections == 0) return;
-
-  // Not through stderr, which is captured.
-  dprintf(STDERR_FILENO, "left: %u transactions, %u connections, %lld bytes of the pool; all blocks:\n", transactions,
-          connections, static_cast<long long>(left));
+  if (isAtRest()) return;
+  std::string why =
+      fmt::format("left: {} transactions, {} connections, {} bytes of the pool; all blocks:", host::openTransactions(),
+                  host::openConnections(), static_cast<i64>(host::poolInUse() - fixture().poolInUse));
   for (const auto& block : host::liveBlocks())
-    dprintf(STDERR_FILENO, "  %s:%d %u bytes\n", block.file.c_str(), block.line, block.size);
+    why += fmt::format("\n  {}:{} {} bytes", block.file, block.line, block.size);
+  fail(why);
+}
+
+std::string setUp() {
+  std::string text;
+  for (const auto& [slot, type] : kCards) text += fmt::format("card {0} auth {1}\ncard {0} up\n", slot, type);
+  return text + "flow-rule 1 r\n";
+}
+
+std::string restartNode(const std::string& startup, const std::function<void(const node::FailedLine&)>& failed) {
+  forgetPieces();
+  theNode().restart(startup, failed);
+  host::runJobs();
+  return theNode().runningConfiguration();
+}
+
+void (*onFailure)(const std::string& why) = nullptr;
+
+void fail(const std::string& why) {
+  if (onFailure != nullptr) onFailure(why);
+  dprintf(STDERR_FILENO, "%s\n", why.c_str());
   std::abort();
 }
 
-}  // namespace fuzz
-
-// Ahead of all inputs, so that the fuzzer counts what they reach in the module, too.
-extern "C" int LLVMFuzzerInitialize(int*, char***) {
-  fuzz::theNode();
-  return 0;
+Folder::Folder() {
+  path = std::filesystem::temp_directory_path() / "msan-fuzz-XXXXXX";
+  if (mkdtemp(path.data()) == nullptr) fail(path + ": can't be made");
 }
+
+bool comesTrue(const std::function<bool()>& what) {
+  constexpr int kTries = 5000;
+  for (int i = 0; i < kTries; ++i) {
+    if (what()) return true;
+    std::this_thread::sleep_for(std::chrono::milliseconds(1));
+  }
+  return what();
+}
+
+}  // namespace fuzz

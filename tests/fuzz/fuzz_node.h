@@ -1,6 +1,10 @@
 #pragma once
 // The node that a fuzz target feeds.
 
+#include <filesystem>
+#include <functional>
+#include <string>
+
 #include "messages/decode.h"
 #include "node.h"
 
@@ -20,5 +24,30 @@ void holdMessage(messages::Road road, u16 id, messages::Bytes bytes, messages::F
 
 // Ends an input: whatever it was, no transaction, connection or pool block may be left. Aborts with what there is.
 void checkAtRest();
+bool isAtRest();
+
+// Tells why, not through stderr, which is captured, and aborts.
+[[noreturn]] void fail(const std::string& why);
+extern void (*onFailure)(const std::string& why);  // is told ahead of that
+
+// The directives that bring a scenario's node to where this one begins.
+std::string setUp();
+
+// Restarts the node, pieces forgotten; its running configuration then.
+std::string restartNode(const std::string& startup, const std::function<void(const node::FailedLine&)>& failed);
+
+// --- for targets with threads of the daemon's own
+
+// A folder for what an input makes the daemon write; it goes when the process ends as it should.
+struct Folder {
+  Folder();
+  ~Folder() { std::filesystem::remove_all(path); }
+  Folder(const Folder&) = delete;
+  Folder& operator=(const Folder&) = delete;
+  std::string path;
+};
+
+// Waits for what other threads bring about, for 5 s at most.
+bool comesTrue(const std::function<bool()>& what);
 
 }  // namespace fuzz

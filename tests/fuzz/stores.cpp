@@ -26,20 +26,28 @@ static u64 rowsDigest() {
   return digest;
 }
 
-u64 storesDigest() {
-  static u64 at = 0, rows = 0;
-  if (const u64 now = host::databaseChanges(); now != at || rows == 0) {
-    at = now;
-    rows = rowsDigest();
-  }
-  u64 digest = rows;
-  std::vector<host::StoredProfile> profiles;
-  for (i16 kind = 0; host::listProfiles(kind, profiles); ++kind)
+static u64 profilesDigest() {
+  u64 digest = 0;
+  for (i16 kind = 0;; ++kind) {
+    std::vector<host::StoredProfile> profiles;
+    if (!host::listProfiles(kind, profiles)) return digest;
     for (const host::StoredProfile& profile : profiles) {
       mix(digest, profile.name);
       mix(digest, {reinterpret_cast<const char*>(profile.item.data()), profile.item.size()});
     }
-  return digest;
+  }
+}
+
+StoreChanges storeChanges() { return {host::databaseChanges(), host::profileChanges()}; }
+
+u64 storesDigest() {
+  static StoreChanges at;
+  static u64 rows = rowsDigest(), profiles = profilesDigest();
+  const StoreChanges now = storeChanges();
+  if (now.rows != at.rows) rows = rowsDigest();
+  if (now.profiles != at.profiles) profiles = profilesDigest();
+  at = now;
+  return rows ^ profiles;
 }
 
 }  // namespace fuzz

@@ -1,12 +1,20 @@
 #pragma once
-// What the module has stored, in one number.
+// What the module has stored.
 
 #include "platform/types.h"
 
 namespace fuzz {
 
-// Of rows of all tables and profiles of all kinds; equal contents give equal numbers. Where nothing was committed since
-// the last call, the rows are not read again.
+// Grow with what is written; while both stand, nothing has changed.
+struct StoreChanges {
+  u64 rows = 0;
+  u64 profiles = 0;
+  bool operator==(const StoreChanges&) const = default;
+};
+StoreChanges storeChanges();
+
+// Of rows of all tables and profiles of all kinds; equal contents give equal numbers. What has not been written since
+// the last call is not read again.
 u64 storesDigest();
 
 }  // namespace fuzz

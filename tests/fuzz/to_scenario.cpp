@@ -51,7 +51,7 @@ int main(int argc, char** argv) {
   if (argc != 3) return 2;
   std::ifstream in(argv[2], std::ios::binary);
   const std::string input{std::istreambuf_iterator<char>(in), {}};
-  for (const auto& [slot, type] : fuzz::kCards) fmt::print("card {} auth {}\ncard {} up\n", slot, type, slot);
+  fmt::print("{}", fuzz::setUp());
   const std::string_view target = argv[1];
   if (target == "startup") fmt::print("recover on\n");
   target == "frames" ? tellFrames(input) : tellLines(input);
