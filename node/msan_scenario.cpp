@@ -41,7 +41,8 @@ void describe(CLI::App& app, Options& options) {
   auto* rewrite = app.add_flag("--rewrite", options.rewrite, "Write the record into the file as its expectations");
   auto* all = app.add_flag("--all", options.all,
                            "With --rewrite: of all directives, not only of those that have expectations;\n"
-                           "with --sweep: every point, not only the first of each site");
+                           "with --sweep: every point, not only the first of each site;\n"
+                           "with --replay: also what the cards are told");
   auto* sweep = app.add_flag("--sweep", options.sweep, "Play again and again, each time with one more site failing");
   app.add_option("--calls", options.calls, "With --sweep: write where in the module the failing calls return to")
       ->type_name("FILE")
@@ -56,7 +57,7 @@ void describe(CLI::App& app, Options& options) {
           ->type_name("FILE");
   CLI::Option* const modes[] = {record, rewrite, sweep, replay, explain, messages, capture};
   for (auto* const one : modes)
-    if (one != rewrite && one != sweep) all->excludes(one);
+    if (one != rewrite && one != sweep && one != replay) all->excludes(one);
   for (auto* const one : modes)
     for (auto* const other : modes)
       if (one != other) one->excludes(other);
@@ -69,8 +70,8 @@ void describe(CLI::App& app, Options& options) {
 int run(const Options& options) {
   bool bad = (options.record || options.explain) && options.files.size() != 1;
   if (bad) std::fputs("--record and --explain take one file\n", stderr);
-  if (options.all && !options.rewrite && !options.sweep) {
-    std::fputs("--all goes with --rewrite or --sweep\n", stderr);
+  if (options.all && !options.rewrite && !options.sweep && !options.replay) {
+    std::fputs("--all goes with --rewrite, --sweep or --replay\n", stderr);
     bad = true;
   }
   const auto scenarios = scenario::loadScenarios(options.files, bad);
@@ -83,7 +84,7 @@ int run(const Options& options) {
   if (options.messages) return scenario::holdFiles(module, scenarios);
   if (options.rewrite) return scenario::rewriteFiles(module, scenarios, options.all);
   if (options.sweep) return scenario::sweepFiles(module, scenarios, {options.all, options.calls});
-  if (options.replay) return scenario::replayFiles(module, scenarios);
+  if (options.replay) return scenario::replayFiles(module, scenarios, options.all);
   return scenario::playFiles(module, scenarios);
 }
 

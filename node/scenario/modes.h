@@ -49,8 +49,9 @@ struct SweepOptions {
 };
 int sweepFiles(const std::string& module, const std::vector<Scenario>& scenarios, const SweepOptions& options);
 
-// Plays files and holds the running configuration against the one that it gives behind a restart.
-int replayFiles(const std::string& module, const std::vector<Scenario>& scenarios);
+// Plays files and holds the running configuration against the one that it gives behind a restart; `all`: also what the
+// cards are told when they come up.
+int replayFiles(const std::string& module, const std::vector<Scenario>& scenarios, bool all);
 
 // The lines of a file with the records of its directives as expectations; comments stay. Expectations that are met stay
 // as they are; directives without any get theirs when `all` is set.

@@ -34,7 +34,7 @@ template <class Mode>
 Seen run(Mode mode, std::string_view text) {
   testing::internal::CaptureStdout();
   Seen seen;
-  seen.result = mode(FAULTY_MODULE, {read(text)});
+  seen.result = mode(FAULTY_MODULE, std::vector{read(text)});
   seen.text = testing::internal::GetCapturedStdout();
   return seen;
 }
@@ -138,8 +138,9 @@ TEST(ScenarioSweep, FailsWhatComesOnlyOnceSomethingHasFailed) {
 }
 
 TEST(ScenarioReplay, ShowsWhatARestartChanges) {
-  EXPECT_EQ(run(scenario::replayFiles, "cli do nothing\nfault alloc 1\n").text, "1 passed, 0 failed\n");
-  const Seen seen = run(scenario::replayFiles, "cli do change\n");
+  const auto replay = [](const auto& module, const auto& files) { return scenario::replayFiles(module, files, false); };
+  EXPECT_EQ(run(replay, "cli do nothing\nfault alloc 1\n").text, "1 passed, 0 failed\n");
+  const Seen seen = run(replay, "cli do change\n");
   EXPECT_EQ(seen.result, kDiffers);
   EXPECT_THAT(seen.text, HasSubstr(" do nothing\n-do something\n-no command\n"));
   EXPECT_THAT(seen.text, HasSubstr("startup line 3 failed: no command\n"));
