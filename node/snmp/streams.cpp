@@ -1,5 +1,7 @@
 #include "streams.h"
 
+#include <netinet/in.h>
+#include <netinet/tcp.h>
 #include <sys/socket.h>
 
 #include <algorithm>
@@ -84,6 +86,17 @@ static WrongKeys::Source sourceOf(int socket) {
   return WrongKeys::sourceOf(&address, size);
 }
 
+// A manager whose machine has gone without a word is noticed, whatever it has asked.
+static void watchPeer(int socket) {
+  constexpr struct {
+    int level, option, value;
+  } kOptions[] = {{SOL_SOCKET, SO_KEEPALIVE, 1},
+                  {IPPROTO_TCP, TCP_KEEPIDLE, 10},  // seconds
+                  {IPPROTO_TCP, TCP_KEEPINTVL, 10},
+                  {IPPROTO_TCP, TCP_KEEPCNT, 3}};
+  for (const auto& [level, option, value] : kOptions) setsockopt(socket, level, option, &value, sizeof value);
+}
+
 // One more than there may be: one that has asked for nothing for longest makes room.
 void Streams::add(int socket, const Library& library) {
   const auto isOpen = [](const Stream& one) { return !one.ends; };
@@ -96,6 +109,7 @@ void Streams::add(int socket, const Library& library) {
   stream.library = &library;
   stream.from = sourceOf(socket);
   stream.used = ++uses_;
+  watchPeer(socket);
 }
 
 bool Streams::hears(const netsnmp_transport* transport) const {
