@@ -2,6 +2,8 @@
 # Clients that want everything, at both doors of a full chassis: greedy.sh PROGRAMS SECONDS, in two rounds. Others are served
 # meanwhile, nobody of them is turned out, and when the clients have gone the node is as it was.
 . "$(dirname "${BASH_SOURCE[0]}")/../programs/snmp_common.sh"
+# Whatever else the machine does is not what is measured.
+renice -n -10 $$ >/dev/null 2>&1 || true
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/../.." && pwd)
 g++ -std=c++20 -O1 -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Werror -I "$root/node/daemon" -I "$root/platform/include" \
   "$root/tests/doors/greedy.cpp" "$root/node/daemon/protocol.cpp" -o "$folder/greedy"
@@ -20,11 +22,14 @@ descriptors() { find "/proc/$node/fd" -mindepth 1 | wc -l; }
 resident() { awk '/^RssAnon/ { print $2 }' "/proc/$node/status"; }
 used() { ctl -c 'show metrics' | tr -d '\r' | awk '/^msan_heap_used_bytes/ { print int($2 / 1024) }'; }
 round() {
-  local try
+  local try left
   "$folder/greedy" "$socket" "$snmp" "$(($1))" 500 100 || bad=1
-  for ((try = 0; try < 100; ++try)); do
-    [ "$(descriptors)" = "$open" ] && break
-    sleep 0.1
+  # Those that had not been let in when they left are still to come and go; some of them leave without a word.
+  for ((try = 0; try < 40; ++try)); do
+    sleep 0.5
+    left=$(descriptors)
+    sleep 0.2
+    [ "$left" = "$open" ] && [ "$(descriptors)" = "$open" ] && break
   done
   expect "descriptors behind it" "$open" "$(descriptors)"
   sleep 1
