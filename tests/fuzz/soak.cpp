@@ -21,6 +21,7 @@
 #include "replay.h"
 #include "scenario/directives.h"
 #include "steps.h"
+#include "stores.h"
 
 namespace {
 
@@ -48,9 +49,13 @@ void count(const fuzz::Step& step) {
 
 // --- in the batch's process
 
+// What is not understood does nothing. A refused list is left out: what stands ahead of a bad place may stay.
 void runLine(int level, const std::string& line) {
   Vty vty;
-  host::runLine(vty, level, line);
+  const fuzz::StoreChanges changes = fuzz::storeChanges();
+  const host::LineOutcome outcome = host::runLine(vty, level, line);
+  if (outcome.result != host::LineResult::ran && changes != fuzz::storeChanges())
+    fuzz::fail("is not understood, and something was written: " + line);
   if (vty.yes != nullptr) host::answerQuestion(vty, true);
 }
 
@@ -178,7 +183,7 @@ void findMore(const std::string& folder, Steps steps, Totals& all) {
   all.add();
   if (why.empty() || all.found[kindOf(why)]++ != 0) return;
   steps.resize(std::min<std::size_t>(steps.size(), told->at + 1));
-  steps = cutDown(std::move(steps), why, Clock::now() + std::chrono::seconds(60));
+  steps = cutDown(std::move(steps), why, Clock::now() + std::chrono::seconds(120));
   const std::string file = fmt::format("{}/{}.scn", folder, all.found.size());
   writeScenario(file, why, steps);
   fmt::print("{}: {} steps: {}\n", file, steps.size(), why);
