@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <regex>
+#include <set>
 #include <string_view>
 #include <vector>
 
@@ -14,35 +15,41 @@ namespace fuzz {
 
 namespace {
 
-// Lines that a start refuses or does not bring back, and why that is as it should be (docs/limits.md).
-enum class Then : u8 { goesOn, spoilsIfRefused, spoils };  // lines behind it concern something else
+// Lines that do not come back, and why that is as it should be (docs/limits.md).
+enum class Then : u8 {
+  refused,           // and so there is none afterwards
+  changed,           // it may be executed, and there is another one afterwards, or none
+  spoiledIfRefused,  // lines behind it concern something else
+  spoiled,           // in any case
+};
 struct Loss {
   const char* line;  // a regular expression
   const char* why;
-  Then then = Then::goesOn;
+  Then then = Then::refused;
 };
 constexpr Loss kLosses[] = {
     {R"(^(add|set) \w+ profile (?!id \d+ *$|[!-~]+ +id \d+ *$))", "a profile's name is none that a line can have",
-     Then::spoils},
-    {R"(^set rate-limit id \d+ name (?![!-~]+ us-status ))", "the same", Then::spoils},
+     Then::spoiled},
+    {R"(^set rate-limit id \d+ name (?![!-~]+ us-status ))", "the same", Then::spoiled},
     {"^attach rate-limit profile ", "the port's profile has gone, while the slot had no card"},
-    {"^add alarm profile ", "two alarm profiles have one name", Then::spoilsIfRefused},
+    {"^add alarm profile ", "two alarm profiles have one name", Then::spoiledIfRefused},
     {"^set dsp profile (0|id 0) ", "DSP profile 0 is printed, and can't be configured"},
-    {"^set dsp profile \\d+ name", "a DSP profile has a name that another one had at first"},
+    {"^set dsp profile \\d+ name", "a DSP profile has a name that another one had at first", Then::changed},
     {"^set sip user call profile (0|id 0) ", "call profile 0 is printed, and can't be configured"},
     {"^set sip user call profile id \\d+ call-forward telephone-number $", "a call profile has no forward number"},
-    {"^set voice (signalling|rtpstream|rtp|media|vlan|ip|dns|pppoe|dhcp|gateway) ", "the protocol is none, or was"},
+    {"^set voice (signalling|rtpstream|rtp|media|vlan|ip|dns|pppoe|dhcp|gateway) ", "the protocol is none, or was",
+     Then::changed},
     {"^attach \\w+ profile id \\d+ interface", "a port is given a profile that there is not"},
     {"^add (unicast|multicast) ", "the cos of a service, or its rule, is none that a command takes",
-     Then::spoilsIfRefused},
-    {"^attach vlan profile defVlanPrf ", "services of a mode that there is not print nothing"},
+     Then::spoiledIfRefused},
+    {"^attach vlan profile defVlanPrf ", "services of a mode that there is not print nothing", Then::changed},
     {"^set vdslvn para ", "a level of virtual noise above -40"},
-    {"^set vdslpbo para ", "numbers of power back-off are cut when they are read"},
-    {"^set adsl pvcNo ", "a circuit that any may be, repeats, or is where circuit 0 is at first"},
-    {"^set adsl SnrmMargin ", "margins are typed in whole dB"},
+    {"^set vdslpbo para ", "numbers of power back-off are cut when they are read", Then::changed},
+    {"^set adsl pvcNo ", "a circuit that any may be, repeats, or is where circuit 0 is at first", Then::changed},
+    {"^set adsl SnrmMargin ", "margins are typed in whole dB", Then::changed},
     {"^set isolation ", "the slot has another card now"},
     {"^set dsl mpair ", "the slot has another card now"},
-    {"^set fax event notify ", "VBD stands behind an event that is off"},
+    {"^set fax event notify ", "VBD stands behind an event that is off", Then::changed},
 };
 
 std::string withoutIndent(const std::string& line) {
@@ -73,28 +80,41 @@ std::vector<std::string> linesOf(std::string_view text) {
   return lines;
 }
 
+bool is(const std::string& line, Then then) {
+  const Loss* const loss = lossOf(line);
+  return loss != nullptr && loss->then == then;
+}
+
+void dropChanged(std::vector<std::string>& lines, const std::vector<std::string>& others) {
+  const std::set<std::string> known(others.begin(), others.end());
+  std::erase_if(lines, [&](const std::string& line) { return !known.contains(line) && is(line, Then::changed); });
+}
+
 }  // namespace
 
 std::string replay() {
   const std::string before = theNode().runningConfiguration();
   std::vector<std::string> had = linesOf(before);
-  bool spoiled = std::ranges::any_of(had, [](const std::string& line) {
-    const Loss* const loss = lossOf(line);
-    return loss != nullptr && loss->then == Then::spoils;
-  });
+  bool spoiled = std::ranges::any_of(had, [](const std::string& line) { return is(line, Then::spoiled); });
+  std::set<std::string> refused;
   std::string why;
   const std::string after = restartNode(before, [&](const node::FailedLine& failed) {
-    const Loss* const loss = lossOf(withoutIndent(failed.command));
-    spoiled = spoiled || (loss != nullptr && loss->then == Then::spoilsIfRefused);
-    if (spoiled || loss != nullptr || !why.empty()) return;
+    const std::string line = withoutIndent(failed.command);
+    refused.insert(line);
+    spoiled = spoiled || is(line, Then::spoiledIfRefused);
+    if (spoiled || lossOf(line) != nullptr || !why.empty()) return;
     const bool unknown = failed.outcome.result != host::LineResult::ran;
-    why = fmt::format("replay: {}: {}: {}", unknown ? host::wordsOf(failed.outcome.result) : "refused", failed.command,
+    why = fmt::format("replay: {}: {}: {}", unknown ? host::wordsOf(failed.outcome.result) : "refused", line,
                       failed.printed);
   });
   if (!why.empty() || spoiled) return why;
   std::vector<std::string> has = linesOf(after);
-  std::erase_if(had, lossOf);
-  std::erase_if(has, lossOf);
+  const auto wasRefused = [&](const std::string& line) { return refused.contains(line); };
+  std::erase_if(had, wasRefused);
+  std::erase_if(has, wasRefused);
+  const std::vector<std::string> all = had;
+  dropChanged(had, has);
+  dropChanged(has, all);
   const auto [one, other] = std::ranges::mismatch(had, has);
   if (one == had.end() && other == has.end()) return "";
   return fmt::format("replay: differs: {} | {}", one == had.end() ? "nothing" : *one,
