@@ -21,10 +21,10 @@ set interface 1/1-32 enable
 set interface 4/1-64 enable
 TEXT
 
-# rounds WORK: WORK N again and again until `end`; what was told last is in $folder/last.WORK
+# rounds WORK: WORK N again and again until `end`, once at least; what was told last is in $folder/last.WORK
 rounds() {
-  local round
-  for ((round = 1; SECONDS < end; ++round)); do "$1" $round || [ $strict = no ] || return 1; done
+  local round=0
+  while [ $round = 0 ] || ((SECONDS < end)); do "$1" $((++round)) || [ $strict = no ] || return 1; done
   echo "$1: $round rounds"
 }
 # together WORK...: all at once, and a terminal that is shown what they do and does not read it
