@@ -52,6 +52,7 @@ TEST_F(Handlers, FailWithWhatTheyRefuse) {
   for (const u32 bytes : {3, 33, 36, 57, 100, 3000})
     for (const int byte : {0, 1, 255})
       EXPECT_EQ(differing(bytes, static_cast<u8>(byte)), "") << bytes << " of " << byte;
+  msanSetDebugControl(0, 0, 0);
   host::clearChassis();
 }
 

@@ -29,7 +29,10 @@ class NullArguments : public ModuleTest {
     host::authorise(5, *host::findCardType("adsl32-pots"));
     msanSetDebugControl(5, 0, 65535);
   }
-  ~NullArguments() override { host::clearChassis(); }
+  ~NullArguments() override {
+    msanSetDebugControl(5, 0, 0);
+    host::clearChassis();
+  }
 
   // How many of the results are -1, and how many lines were traced.
   std::string refused(const std::vector<int>& results) {

@@ -29,32 +29,6 @@ std::string bytesComplaint(std::string_view text) {
   return complaint([&] { parseBytes(text); });
 }
 
-TEST(ScenarioBytes, EachKindOfWord) {
-  EXPECT_THAT(parseBytes("00aB7f"), ElementsAre(0x00, 0xab, 0x7f));
-  EXPECT_THAT(parseBytes("ff*3 01"), ElementsAre(0xff, 0xff, 0xff, 0x01));
-  EXPECT_THAT(parseBytes("u8:255 u16:258 u32:0x01020304"), ElementsAre(255, 1, 2, 1, 2, 3, 4));
-  EXPECT_THAT(parseBytes("le16:258 le32:0x01020304"), ElementsAre(2, 1, 4, 3, 2, 1));
-  EXPECT_THAT(parseBytes("i32:-2 i32:1"), ElementsAre(0xff, 0xff, 0xff, 0xfe, 0, 0, 0, 1));
-  EXPECT_THAT(parseBytes("mac:02-00-00-00-0a-Ff"), ElementsAre(2, 0, 0, 0, 10, 255));
-  EXPECT_THAT(parseBytes("ip:10.0.255.1"), ElementsAre(10, 0, 255, 1));
-}
-
-TEST(ScenarioBytes, TextsKeepTheirBlanksAndArePadded) {
-  EXPECT_THAT(parseBytes("\"a b\""), ElementsAre('a', ' ', 'b'));
-  EXPECT_THAT(parseBytes("\"ab\":4 01"), ElementsAre('a', 'b', 0, 0, 1));
-  EXPECT_THAT(parseBytes("\"\":2"), ElementsAre(0, 0));
-  EXPECT_THAT(bytesComplaint("\"abc\":2"), HasSubstr("longer than 2"));
-  EXPECT_THAT(bytesComplaint("\"abc"), HasSubstr("closing quote"));
-  EXPECT_THAT(bytesComplaint("\"abc\"x"), HasSubstr("behind a text"));
-}
-
-TEST(ScenarioBytes, NothingIsADashOnly) {
-  EXPECT_TRUE(parseBytes("-").empty());
-  EXPECT_THAT(bytesComplaint(""), HasSubstr("missing"));
-  EXPECT_THAT(bytesComplaint("- 00"), HasSubstr("beside -"));
-  EXPECT_NE(bytesComplaint("00 -"), "none");
-}
-
 TEST(ScenarioBytes, WhatDoesNotFitIsRefused) {
   for (const char* text :
        {"0", "00*", "0*4", "000*4", "00*-1", "u8:256", "u16:65536", "u32:4294967296", "u8:-1", "u8:", "i32:-2147483649",

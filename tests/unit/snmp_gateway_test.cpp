@@ -229,14 +229,6 @@ TEST_F(DebugTest, WordsBySubAreaAndLevel) {
   typed(DEBUG_NODE, "set msan debug off level buf");
   typed(DEBUG_NODE, "set msan debug off module voice cmdid 3087");
   EXPECT_EQ(words(), "0/0 0/0 0/0 0/0 0/0 3087/0 0/0 0/0 0/0 0/0 ") << "an id counts whatever off said";
-  EXPECT_EQ(typed(DEBUG_NODE, "show msan debug print"),
-            "module     func   buf    \r\n"
-            "common     0      0      \r\n"
-            "combo      0      0      \r\n"
-            "data       0      0      \r\n"
-            "multicast  0      0      \r\n"
-            "ppda       0      0      \r\n"
-            "voice      3087   0      \r\n = 0");
   EXPECT_EQ(typed(DEBUG_NODE, "set msan debug on module nowhere"), "Error: wrong module. \r\n = -1");
   EXPECT_EQ(typed(DEBUG_NODE, "set msan debug on level deep"), "Error: wrong level. \r\n = -1");
   msanSetDebugControl(6, 0, 9);

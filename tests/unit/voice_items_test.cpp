@@ -30,12 +30,6 @@ u16 codeFor(int (*check)(const R*, SnmpErrInfo*), const R& cfg) {
   return check(&cfg, &err) == 0 ? 0 : err.errCode;
 }
 
-TEST(CidMode, TwoModes) {
-  for (const u16 mode : std::initializer_list<u16>{0, 1, 2, 3}) {
-    EXPECT_EQ(codeFor(cidMode, CIDMode{mode}), mode == 1 || mode == 2 ? 0 : 65416) << mode;
-  }
-}
-
 TEST(Rfc2833, PayloadTypesLeaveOutOneTo95) {
   for (const auto& [value, good] :
        {std::pair<u16, bool>{0, true}, {1, false}, {95, false}, {96, true}, {127, true}, {128, false}}) {
@@ -77,48 +71,6 @@ TEST(PotsGeneral, EdgesAndRelations) {
 }
 
 class VoiceMD5Test : public ModuleTest {};
-
-TEST_F(VoiceMD5Test, KeysCountWhileTheSwitchIsOn) {
-  VoiceMD5 cfg;
-  std::memset(cfg.exchangedBase, 'x', sizeof cfg.exchangedBase);
-  cfg.authSwitch = 2;
-  EXPECT_EQ(codeFor(voiceMD5, cfg), 65416);
-  cfg.authSwitch = 0;
-  EXPECT_EQ(codeFor(voiceMD5, cfg), 0);
-  cfg.authSwitch = 1;
-  SnmpErrInfo err;
-  EXPECT_EQ(checkItem(voiceMD5, &cfg, &err), -1);
-  EXPECT_EQ(err.errCode, 65412);
-  EXPECT_EQ(host::hexText({err.errData, err.errDataLen}), "78*16");
-  std::memset(cfg.exchangedBase, 'f', sizeof cfg.exchangedBase);
-  EXPECT_EQ(codeFor(voiceMD5, cfg), 0) << "a text that fills its field";
-  cfg.exchangedPrime[0] = 'g';
-  EXPECT_EQ(codeFor(voiceMD5, cfg), 65410);
-  host::failNth(host::Fault::alloc, 1);
-  EXPECT_EQ(codeFor(voiceMD5, cfg), 65426) << "no memory to check with";
-}
-
-TEST_F(VoiceMD5Test, UnitOnTheWire) {
-  VoiceMD5 cfg;
-  cfg.authSwitch = 1;
-  std::memcpy(cfg.MGID, "gw", 2);
-  std::memset(cfg.sharedKey, 'k', sizeof cfg.sharedKey);
-  cfg.exchangedBase[0] = 'b';
-  cfg.exchangedPrime[255] = 'p';
-  DataList list;
-  nSetDataList(&cfg, sizeof cfg, list);
-  std::vector<u8> wire(849, 0xEE);
-  Writer out(wire);
-  ASSERT_EQ(encodeArea(voiceMD5, list, out), 0);
-  // Switch, 32 bytes of id, 32 of key, 16 of base, 256 of prime, 512 that are left alone.
-  EXPECT_EQ(host::hexText(wire), "016777 00*30 6b*32 62 00*270 70 ee*512");
-  DataList again;
-  ASSERT_EQ(parseUnits(voiceMD5, wire, again), 0);
-  EXPECT_EQ(std::memcmp(&cfg, recordOf<VoiceMD5>(lstFirst(again)), sizeof cfg), 0);
-  EXPECT_EQ(parseUnits(voiceMD5, WireIn(wire).first(848), again), -1);
-  Writer narrow(WireOut(wire).first(848));
-  EXPECT_EQ(encodeArea(voiceMD5, list, narrow), -1);
-}
 
 // What the command line's grammar lets nobody type.
 TEST_F(VoiceMD5Test, HandlersRefuseWhatTheGrammarWouldNotPass) {
