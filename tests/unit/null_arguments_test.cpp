@@ -92,9 +92,10 @@ TEST_F(NullArguments, OfTheMessageListsAreTracedAndRefused) {
   ASSERT_EQ(vCreateSlotDataNode(list_, pairs, 1, 5), 0);
   EXPECT_EQ(recordOf<u8>(lstFirst(list_))[45], 0);
   EXPECT_EQ(static_cast<DataNode*>(lstFirst(list_))->dataLen, 32 + 4 + 2 * 5U);
+  EXPECT_EQ(vCreatePortDataNode(list_, 0, 3, 1, 4), 0) << "room for the location alone";
   for (const u32 failing : {1, 2, 3}) {  // the node, its data, and the second node
     host::failNth(host::Fault::alloc, failing);
-    EXPECT_EQ(refused({vCreatePortDataNode(list_, 0, 3, 2, 4)}).front(), '1');
+    EXPECT_EQ(refused({vCreatePortDataNode(list_, 0, 3, 2, 4)}), "1/1");
     host::clearFaults();
   }
 }

@@ -46,13 +46,4 @@ TEST(ScenarioArguments, AreTakenInOrderAndChecked) {
   arguments.end();
 }
 
-TEST(ScenarioArguments, ComplaintsNameTheNearestWord) {
-  EXPECT_THAT(complaint([] { Arguments("gte").choice({"set-more", "set", "get"}); }), HasSubstr("\"get\""));
-  EXPECT_THAT(complaint([] { Arguments("").choice({"yes", "no"}); }), HasSubstr("missing"));
-  EXPECT_THAT(complaint([] { Arguments("21").slot(); }), HasSubstr("not there"));
-  EXPECT_THAT(complaint([] { Arguments("65536").id(); }), HasSubstr("0 to 65535"));
-  EXPECT_THAT(complaint([] { Arguments("12x").id(); }), HasSubstr("no number"));
-  EXPECT_THAT(complaint([] { Arguments(" x y").end(); }), HasSubstr("\"x y\" is too much"));
-}
-
 }  // namespace

@@ -16,6 +16,13 @@ int hotplug_alarm_prf_attach(u16), init_voiceport_cfg(u16), ndistrib_voiceport(u
     hotplug_card_work_mode(u16), recover_storm_suppression_cfg(u16), delete_storm_suppression_cfg(u16),
     hotplug_port_isolation(u16), loopdetect_callback_after_cardauth_db(u16), loop_detect_cfg_recover(u16),
     vdistrib_pots_voltcurrent(u16), verase_pots_voltcurrent(u16), volt_current_callback_after_cardauth_db(u16);
+int show_run_dsp_profile(Vty*), nshowrun_sipcallprofile(Vty*), alarm_prf_showrun(Vty*), showrun_adsl_alarm_attach(Vty*),
+    nshowrun_voice_self_port(Vty*), showrun_voiceport(Vty*), show_run_voice_vlan(Vty*),
+    nshowrun_voice_self_switch(Vty*), show_run_voice_ip(Vty*), nshowrun_ngn_protocol_type(Vty*),
+    showrun_pots_general_para(Vty*), pvc_prf_showrun(Vty*), pvc_prf_attach_showrun(Vty*), adsl_showrun_inf(Vty*),
+    vdsl_showrun_info(Vty*), msan_data_port_enable_showrun(Vty*), port_rate_profile_showrun(Vty*),
+    showrun_port_plc_attach(Vty*), showrun_pvc_plc_attach(Vty*), showrun_ces_service(Vty*), showrun_mpair(Vty*),
+    showrun_card_work_mode(Vty*), show_run_loopdetect(Vty*), vshow_run_pots_voltcurrent(Vty*);
 
 namespace {
 
@@ -39,6 +46,17 @@ const std::pair<const char*, std::vector<SlotStep>> steps[] = {
     {"---g-", {hotplug_ces_service, hotplug_card_work_mode, msan_data_hotplug}},
 };
 
+// clang-format off
+const PrintStep prints[] = {
+    show_run_dsp_profile, nshowrun_sipcallprofile, alarm_prf_showrun, showrun_adsl_alarm_attach,
+    nshowrun_voice_self_port, showrun_voiceport, show_run_voice_vlan, nshowrun_voice_self_switch,
+    show_run_voice_ip, nshowrun_ngn_protocol_type, showrun_pots_general_para, pvc_prf_showrun,
+    pvc_prf_attach_showrun, adsl_showrun_inf, vdsl_showrun_info, msan_data_port_enable_showrun,
+    port_rate_profile_showrun, showrun_port_plc_attach, showrun_pvc_plc_attach, showrun_ces_service,
+    showrun_mpair, showrun_card_work_mode, show_run_loopdetect, vshow_run_pots_voltcurrent, msan_combo_showrun,
+    msan_ppda_showrun, msan_data_showrun, msan_mcast_showrun, msanVoice_Showrun};
+// clang-format on
+
 class Steps : public ModuleTest {
  protected:
   Steps() {
@@ -61,6 +79,11 @@ TEST_F(Steps, TellWhatTheyGive) {
       EXPECT_EQ(given, good) << "step " << i;
     }
   }
+}
+
+TEST_F(Steps, PrintWithoutFailing) {
+  Vty vty;
+  for (const PrintStep& print : prints) EXPECT_EQ(print(&vty), 0) << "step " << &print - prints;
 }
 
 }  // namespace
