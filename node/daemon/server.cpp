@@ -439,7 +439,7 @@ void Server::serveOne(const SessionPtr& session) {
   party.had = shares_.charge(party.had, took);
   --party.posted;
   long_.note(request.line, took);
-  if (session->dropped) return;
+  if (session->dropped || session->ended) return;  // nothing follows a goodbye
   kept_ += session->files - session->kept;
   session->kept = session->files;
   append(*session, std::move(frames));
@@ -468,7 +468,7 @@ void Server::show(std::string_view line, TraceForm form) {
   wire::appendFrame(frame, wire::Kind::trace, line.substr(0, wire::kMaxFrame - 1));
   const std::lock_guard lock(mutex_);
   for (const SessionPtr& session : tracing_) {
-    if (form != TraceForm::off && form != session->shown) continue;
+    if (session->ended || (form != TraceForm::off && form != session->shown)) continue;
     if (session->unsent() >= limits_.most)
       session->dropped = true;
     else

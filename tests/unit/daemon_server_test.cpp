@@ -200,6 +200,20 @@ TEST_F(ServerThreads, WhatIsNoFrameEndsThatSessionOnly) {
   EXPECT_EQ(commands_.ran, 1);
 }
 
+// What it is sent is more than its socket takes, so that the goodbye waits for it to read.
+TEST_F(ServerThreads, NothingFollowsAGoodbye) {
+  start();
+  TestTerminal bad(path_);
+  bad.sendLines({"big 400000", "wait"});
+  commands_.awaitWaiting();
+  bad.sendBytes("\0\0\0\0"s);
+  for (int i = 0; i < 2; ++i) EXPECT_EQ(TestTerminal(path_).next(2), "H(\4)P(> )") << "behind what is bad";
+  commands_.release();
+  std::string kinds;
+  for (std::string frame = bad.next(); frame != "end"; frame = bad.next()) kinds += frame.front();
+  EXPECT_EQ(kinds, "HPTTTTTTTRB");
+}
+
 TEST_F(ServerThreads, ATerminalThatLeavesLosesWhatHasNotBegun) {
   start();
   TestTerminal other(path_);
