@@ -32,7 +32,7 @@ constexpr u64 kStoresOneIn = 64, kReadBackOneIn = 4;
 
 // What a batch's process tells, also when it breaks.
 struct Told {
-  u64 frames, lines, others, restarts, unseen;
+  u64 frames, lines, others, restarts, compared, unseen;
   u64 at;  // the step that is under way
   char why[400];
 };
@@ -92,9 +92,11 @@ void play(const fuzz::Step& step, scenario::Stage& stage) {
     count(step);
     ++told->at;
     told->unseen = fuzz::unseenRefusals;
+    told->compared = fuzz::comparedReplays;
     if (!fuzz::holdsPieces()) fuzz::checkAtRest();
   }
   if (const std::string why = fuzz::replay(); !why.empty()) fuzz::fail(why);
+  told->compared = fuzz::comparedReplays;
   _exit(0);
 }
 
@@ -155,15 +157,15 @@ void writeScenario(const std::string& file, const std::string& why, const Steps&
 }
 
 struct Totals {
-  u64 batches = 0, frames = 0, lines = 0, others = 0, restarts = 0, unseen = 0;
+  u64 frames = 0, lines = 0, others = 0, restarts = 0, compared = 0, unseen = 0;
   std::map<std::string, u64> found;
 
   void add() {
-    ++batches;
     frames += told->frames;
     lines += told->lines;
     others += told->others;
     restarts += told->restarts + 1;
+    compared += told->compared;
     unseen += told->unseen;
   }
 };
@@ -171,10 +173,11 @@ struct Totals {
 void tell(const Totals& all, Clock::duration time) {
   const double seconds = std::chrono::duration<double>(time).count();
   fmt::print(
-      "{} requests ({} frames, {} lines), {:.0f} a second; {} other steps, {} restarts; {} refusals that wrote were "
+      "{} requests ({} frames, {} lines), {:.0f} a second; {} other steps, {} restarts, {} of them compared; {} "
+      "refusals that wrote were "
       "not looked into\n",
       all.frames + all.lines, all.frames, all.lines, static_cast<double>(all.frames + all.lines) / seconds, all.others,
-      all.restarts, all.unseen);
+      all.restarts, all.compared, all.unseen);
   for (const auto& [kind, times] : all.found) fmt::print("found {} times: {}\n", times, kind);
 }
 
