@@ -31,6 +31,7 @@ constexpr Merge kMerges[] = {
     {"portVlan", "tls*", "counts while TLS is enabled"},
     {"portVlan", "trans*", "counts in a service that translates"},
     {"portVlan", "qinq*", "counts in a service that adds a tag"},
+    {"macLimit", "[]", "a line in packet mode has one row"},
     {"macLimit", "pvcIndex", "a line in packet mode has one row"},
     {"portPolicy", "[]", "port 0, the slot as a whole, is a question for all of its ports"},
     {"pvcPolicy", "pvcIndex", "the place tells the PVC"},
