@@ -50,6 +50,8 @@ constexpr Loss kLosses[] = {
     {"^set vdslpbo para ", "numbers of power back-off are cut when they are read", Then::changed},
     {"^set adsl pvcNo ", "a circuit that any may be, repeats, or is where circuit 0 is at first", Then::changed},
     {"^set adsl SnrmMargin ", "margins are typed in whole dB", Then::changed},
+    {"^attach policy interface ", "a policy or rule that the port, or a PVC of no DSL line, has may have gone"},
+    {"^set (voice_self_port_cfg|sip server) ", "a manager's text has a blank, or there is none", Then::changed},
     {"^set isolation ", "the slot has another card now"},
     {"^set dsl mpair ", "the slot has another card now"},
     {"^set rtp resource profile (?![!-~]+ begin )", "the same", Then::spoiled},
