@@ -14,15 +14,11 @@ namespace msand {
 static constexpr std::size_t kReserve = 1 << 20;
 
 static std::atomic<void*> reserve{nullptr};
-static std::atomic<bool> used{false};
+static std::atomic<bool> again{true};  // beside the one who took the reserve, another may try once more
 
 static void useReserve() {
-  if (void* const block = reserve.exchange(nullptr)) {
-    used = true;
-    return std::free(block);
-  }
-  // Several threads may come here at once, each with the block that another gave up.
-  if (used.exchange(false)) return;
+  if (void* const block = reserve.exchange(nullptr)) return std::free(block);
+  if (again.exchange(false)) return;
   constexpr std::string_view kWords = "msand: out of memory\n";
   static_cast<void>(!write(STDERR_FILENO, kWords.data(), kWords.size()));
   std::_Exit(1);
@@ -37,7 +33,7 @@ void renewReserve() {
   if (reserve != nullptr) return;
   if (void* const block = std::malloc(kReserve)) {
     reserve = block;
-    used = false;
+    again = true;
     warn("memory was short; the reserve was used");
   }
 }
