@@ -78,13 +78,15 @@ bool isUnnamed(std::string_view field) { return field.starts_with("reserved") ||
 // Its name is its own, and some kinds keep all of it.
 bool isFirstProfile(const Json& item) { return item.is_object() && item.contains("name") && item.value("id", 1) == 0; }
 
-// Names a list's items as a whole, or leaves the choice to the node: no item of the answer belongs to it.
-bool namesMany(const Json& values) {
+bool isOfSlots(std::string_view message) { return message == "stormSuppression" || message == "portIsolation"; }
+
+// Names a list's items as a whole or twice, or leaves the choice to the node: no item of the answer belongs to it.
+bool namesMany(const std::string& message, const Json& values) {
   for (const auto& list : values) {
     if (!list.is_array()) continue;
     std::set<std::string> keys;
     for (const Json& item : list) {
-      const std::string key = keyOf(item);
+      const std::string key = isOfSlots(message) ? item["slot"].dump() : keyOf(item);
       if (key.find("\"all\"") != key.npos || key.find("\"allocate\"") != key.npos) return true;
       if (!key.empty() && !keys.insert(key).second) return true;
     }
@@ -142,7 +144,7 @@ std::string readBack(u16 id, messages::Bytes frame, const Ask& ask) {
   const messages::Decoded decoded = messages::decode(*message, *layout, frame);
   if (!decoded.problems.empty()) return "";
   const Json set = messages::toJson(decoded);
-  if (namesMany(set)) return "";
+  if (namesMany(message->name, set)) return "";
   Json asked = set;  // its gaps are not the question's
   for (const auto& [name, value] : set.items())
     if (isUnnamed(name)) asked.erase(name);
