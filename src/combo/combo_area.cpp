@@ -24,23 +24,21 @@ static constexpr PrintStep showrun[] = {adsl_showrun_inf, vdsl_showrun_info, msa
 static constexpr SlotStep hotplug[] = {hotplug_data_port_enable, hotplug_ad_prf_attach, hotplug_pvc_prf_attach,
                                        vdsl_hotplug};
 
-int msan_combo_init() {
+void msan_combo_init() {
   callAll(init);
   ulogPrintf(gModuleId_Msan, 10, "msan combo init ok! \n\r");
-  return 0;
 }
 
-int msan_combo_snmp_register() {
+void msan_combo_snmp_register() {
   callAll(snmpRegister);
   ulogPrintf(gModuleId_Msan, 10, "msan combo snmp register ok! \n\r");
-  return 0;
 }
 
-int msan_combo_cli_install() { return callAll(install); }
+void msan_combo_cli_install() { callAll(install); }
 
-int msan_combo_showrun(Vty* vty) {
+void msan_combo_showrun(Vty* vty) {
   vty_out(vty, "!msan combo config ---------------- %s", "\r\n");
-  return callAll(showrun, vty);
+  callAll(showrun, vty);
 }
 
-int msan_combo_hotplug(u16 slot) { return callAll(hotplug, slot); }
+void msan_combo_hotplug(u16 slot) { callAll(hotplug, slot); }

@@ -73,4 +73,4 @@ static constexpr Command commands[] = {
     command(DEBUG_NODE, "show msan debug print", msan_Show_DebugLevel_Func, "what the module traces"),
 };
 
-int msan_Common_Install_Cmd() { return installCommands(commands); }
+void msan_Common_Install_Cmd() { installCommands(commands); }

@@ -37,7 +37,7 @@ inline bool debugOn(Area area, DebugWord word, u16 id) {
 void msanSetDebugControl(u32 module, u32 level, u16 word);
 
 // Installs the debug commands. The last installer's result.
-int msan_Common_Install_Cmd();
+void msan_Common_Install_Cmd();
 
 int msan_Set_DebugLevel_Func(const CommandElement* element, Vty* vty, int argc, char** argv);
 int msan_Show_DebugLevel_Func(const CommandElement* element, Vty* vty, int argc, char** argv);

@@ -197,10 +197,7 @@ void delete_common_list(LIST* list) {
       list, [](void* data, void*) { mpuFree(data); }, nullptr);
 }
 
-int FreeTable(LIST* list) {
-  delete_common_list(list);
-  return 0;
-}
+void FreeTable(LIST* list) { delete_common_list(list); }
 
 NODE* find_list_custom(const void* key, const LIST* list, Comparator comparator) {
   if (list == nullptr || comparator == nullptr) return nullptr;

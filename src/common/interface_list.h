@@ -60,7 +60,7 @@ int insert_sort_list_by_index(ObjIndex* object, LIST* list);
 
 // Free a list: its cells with their data; with `each` called on the data instead (0 for null data).
 void delete_common_list(LIST* list);
-int FreeTable(LIST* list);
+void FreeTable(LIST* list);
 void delete_list_freedata(LIST* list, void (*each)(void* data, void* argument), void* argument);
 // The first cell for which the comparator of key and data gives 0; null if none.
 NODE* find_list_custom(const void* key, const LIST* list, Comparator comparator);

@@ -6,24 +6,14 @@
 #include "platform/command_line.h"
 #include "platform/log.h"
 
-int msan_mcast_init() {
-  ulogPrintf(gModuleId_Msan, 10, "msan multicast init ok! \n\r");
-  return 0;
-}
+void msan_mcast_init() { ulogPrintf(gModuleId_Msan, 10, "msan multicast init ok! \n\r"); }
 
-int msan_mcast_snmp_register() {
-  ulogPrintf(gModuleId_Msan, 10, "msan multicast snmp register ok! \n\r");
-  return 0;
-}
+void msan_mcast_snmp_register() { ulogPrintf(gModuleId_Msan, 10, "msan multicast snmp register ok! \n\r"); }
 
-int msan_mcast_cmd_install() { return 0; }
+void msan_mcast_cmd_install() {}
 
-int msan_mcast_showrun(Vty* vty) {
-  vty_out(vty, "!msan multicast config ---------------- %s", "\r\n");
-  return 0;
-}
+void msan_mcast_showrun(Vty* vty) { vty_out(vty, "!msan multicast config ---------------- %s", "\r\n"); }
 
-int msan_mcast_hotplug(u16) {
+void msan_mcast_hotplug(u16) {
   if (debugOn(Area::multicast)) ulogPrintf(gModuleId_Msan, 10, "%s: finished. \n\r", __func__);
-  return 0;
 }

@@ -31,11 +31,11 @@ static constexpr Step init[] = {msan_combo_init, msan_ppda_init, msan_data_init,
 static constexpr Step snmpRegister[] = {initAgentIfEnv,          msan_combo_snmp_register, msan_ppda_snmp_register,
                                         msan_data_snmp_register, msan_mcast_snmp_register, msanVoice_Init_Snmp};
 static constexpr Step install[] = {msan_Common_Install_Cmd, msan_combo_cli_install, msan_ppda_cmd_install,
-                                   msan_data_cli_install,   msan_mcast_cmd_install, msanVoice_Init_Cmd};
+                                   msan_data_cli_install, msan_mcast_cmd_install};
 static constexpr PrintStep showrun[] = {msan_combo_showrun, msan_ppda_showrun, msan_data_showrun, msan_mcast_showrun,
                                         msanVoice_Showrun};
-static constexpr SlotStep hotplug[] = {msan_combo_hotplug, msan_ppda_hotplug,  msan_data_hotplug,
-                                       msan_mcast_hotplug, msan_voice_hotplug, send_ngn_voice_rtp_ip_by_slot};
+static constexpr SlotStep hotplug[] = {msan_combo_hotplug, msan_ppda_hotplug, msan_data_hotplug, msan_mcast_hotplug,
+                                       msan_voice_hotplug};
 
 // The database side of a slot that is given a card type, and of one that loses it.
 static constexpr SlotStep cardAuthorised[] = {data_port_enable_after_cardauth_db, msan_data_clear_before_cardauth_db,
@@ -80,7 +80,10 @@ int msan_Init_Snmp() {
   return 0;
 }
 
-int msan_Init_Cmd() { return callAll(install); }
+int msan_Init_Cmd() {
+  callAll(install);
+  return msanVoice_Init_Cmd();
+}
 
 int msan_Init_Showrun(Vty* vty) {
   vty_out(vty, "%s!msan module showrun begin----------------%s", "\r\n", "\r\n");
@@ -89,7 +92,10 @@ int msan_Init_Showrun(Vty* vty) {
   return 0;
 }
 
-int msan_slot_hotplug(u16 slot) { return callAll(hotplug, slot); }
+int msan_slot_hotplug(u16 slot) {
+  callAll(hotplug, slot);
+  return send_ngn_voice_rtp_ip_by_slot(slot);
+}
 
 int msan_card_auth_init(u16) { return 0; }
 int msan_card_unauth_init(u16) { return 0; }

@@ -92,6 +92,6 @@ int answerError(u16 id, const SnmpErrInfo& err, u8* reply, u32* replyLen);
 int reject(SnmpErrInfo* err, int code, std::initializer_list<u16> details = {});
 int rejectLong(SnmpErrInfo* err, int code, u32 detail);  // one of 4 bytes
 
-// Make the registry and give the agent the hooks; install the registry's command. 0 or -1.
-int initAgentIfEnv();
+// Make the registry and give the agent the hooks; install the registry's command. A failure is logged.
+void initAgentIfEnv();
 int initAgentIfCmd();

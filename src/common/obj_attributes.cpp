@@ -145,19 +145,18 @@ int getObjAttrDataByCondition(const ObjIndex* handle, u32 attribute, void* data,
   return told(row->get(id, data, offset, static_cast<u32>(length)), attribute, __func__);
 }
 
-int delObjAttrBySlot(u16 slot) {
+void delObjAttrBySlot(u16 slot) {
   OmObject* tree = nullptr;
   if (omGetChildAddr(gpOmFrameObj, 2, slot, &tree) != 0 || tree == nullptr || tree->m_pChildObjList == nullptr ||
       tree->childCount == 0) {
-    return kNullObject;
+    return;
   }
   u32 id = 0;
   for (u32 port = 1; port <= tree->childCount; ++port) {
-    if (omOltport2ObjId(slot, static_cast<u16>(port), &id) != 0 || delPortAttrByObjId(id) != 0) return -1;
+    if (omOltport2ObjId(slot, static_cast<u16>(port), &id) != 0 || delPortAttrByObjId(id) != 0) return;
   }
-  if (omSlot2ObjId(slot, &id) != 0 || delSlotAttrByObjId(id) != 0) return -1;
+  if (omSlot2ObjId(slot, &id) != 0 || delSlotAttrByObjId(id) != 0) return;
   delete_macnum_limit_cfg(slot);
-  return 0;
 }
 
 int delPortAttrByObjId(u32 objectId) {
@@ -205,18 +204,19 @@ static int slotOf(NODE* node, int kind, u16& slot, Where where) {
   }
 }
 
-int msan_cfg_sync_trigger(const LIST* list, u16 id, int origin, int kind) {
+void msan_cfg_sync_trigger(const LIST* list, u16 id, int origin, int kind) {
   const Where where = Where::here(__func__);
-  if (list == nullptr) return badSync(__LINE__, where, "input parameter error!");
-  NODE* node = lstFirst(list);
-  if (node == nullptr) return badSync(__LINE__, where, "lstFirst error!");
+  NODE* node = list != nullptr ? lstFirst(list) : nullptr;
+  if (node == nullptr) {
+    badSync(__LINE__, where, list == nullptr ? "input parameter error!" : "lstFirst error!");
+    return;
+  }
   u16 last = 0;
   for (; node != nullptr; node = lstNext(node)) {
     u16 slot = 0;
-    if (slotOf(node, kind, slot, where) != 0) return -1;
+    if (slotOf(node, kind, slot, where) != 0) return;
     if (last != 0 && slot != last) reportChange(last, id, origin);
     last = slot;
   }
   reportChange(last, id, origin);
-  return 0;
 }

@@ -39,8 +39,9 @@ enum AttributeError : int { kReadWithOffset = -53, kNoSuchAttribute = -54 };
 int setObjAttrDataByCondition(const ObjIndex* handle, u32 attribute, const void* data, i32 offset, i32 length);
 int getObjAttrDataByCondition(const ObjIndex* handle, u32 attribute, void* data, u32 offset, i32 length, u32 extra = 0);
 
-// Removes what a slot that has lost its card type holds: its ports, then the slot itself. 0, -1, or -2 without a tree.
-int delObjAttrBySlot(u16 slot);
+// Removes what a slot that has lost its card type holds: its ports, then the slot itself; it ends at the first that
+// fails.
+void delObjAttrBySlot(u16 slot);
 int delPortAttrByObjId(u32 objectId);  // 0
 int delSlotAttrByObjId(u32 objectId);  // 0
 // Resolve the object and delete nothing: a voice port's row goes with delPortAttrByObjId. 0 for attribute 267, else
@@ -50,8 +51,8 @@ int delPortAttrDataByCondition(u16 slot, u16 port, u32 attribute, i32 length);
 
 // The list kinds of msan_cfg_sync_trigger.
 enum SyncList { kObjectList = 1, kDataNodeList = 2 };
-// Reports each run of equal slots in the list. 0 or -1.
-int msan_cfg_sync_trigger(const LIST* list, u16 id, int origin, int kind);
+// Reports each run of equal slots in the list.
+void msan_cfg_sync_trigger(const LIST* list, u16 id, int origin, int kind);
 
 // The objects under the target that are of one of the types (none given: all), sorted by slot and port. The cells'
 // handles come from the pool, as does a slot or port target that matches, which is added itself. 0 or -1.

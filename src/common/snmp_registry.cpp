@@ -123,26 +123,25 @@ int clearSnmpMsgFragInfo(u16 id) {
   return 0;
 }
 
-int initAgentIfEnv() {
+void initAgentIfEnv() {
   const u32 size = kMaxMessages * sizeof(SnmpMsgEntry);
   gSnmpMsgTbl = static_cast<SnmpMsgEntry*>(mpuAlloc_(g_MsanMemPoolId, size, __FILE__, __LINE__));
   if (gSnmpMsgTbl == nullptr) {
     ulogPrintf(gModuleId_Msan, 13, "%s: Malloc failed!\r\n", __func__);
-    return -1;
+    return;
   }
   bep_memSetEx(gSnmpMsgTbl, 0, size);
   bep_memSetEx(gSnmpMsgIdxTbl, 0xFF, sizeof gSnmpMsgIdxTbl);
   gSnmpMsgNum = 0;
   if (RegisterHookFunc(snmpSystemWrite, snmpSystemRead, gModuleId_Msan) != 1) {
     ulogPrintf(gModuleId_Msan, 13, "%s: Register hook failed!\r\n", __func__);
-    return -1;
+    return;
   }
   if (initAgentIfCmd() != 0) {
     ulogPrintf(gModuleId_Msan, 13, "%s: Init command failed!\r\n", __func__);
-    return -1;
+    return;
   }
   ulogPrintf(gModuleId_Msan, 12, "msan snmp init OK!\r\n");
-  return 0;
 }
 
 // A handler's address, as wide as the target's: 0x and at least eight digits.

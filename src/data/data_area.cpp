@@ -90,7 +90,7 @@ static constexpr PrintStep showrun[] = {
     showrun_ces_service,
 };
 // Of each slot with a card of the module's, all items of one slot ahead of the next slot.
-static constexpr int (*slotShowrun[])(Vty* vty, u16 slot) = {
+static constexpr void (*slotShowrun[])(Vty* vty, u16 slot) = {
     showrunOf<ethSchedule>,
     showrunOf<macLimit>,
     showrunOf<stormSuppression>,
@@ -100,22 +100,20 @@ static constexpr int (*slotShowrun[])(Vty* vty, u16 slot) = {
 };
 // clang-format on
 
-int msan_data_init() {
+void msan_data_init() {
   callAll(init);
   ulogPrintf(gModuleId_Msan, 10, "msan data init ok! \n\r");
-  return 0;
 }
 
-int msan_data_snmp_register() {
+void msan_data_snmp_register() {
   callAll(snmpRegister);
   ulogPrintf(gModuleId_Msan, 10, "msan data snmp register ok! \n\r");
-  return 0;
 }
 
-int msan_data_cli_install() { return callAll(install); }
+void msan_data_cli_install() { callAll(install); }
 
 // The banner of this area stands behind its lines.
-int msan_data_showrun(Vty* vty) {
+void msan_data_showrun(Vty* vty) {
   callAll(showrun, vty);
   u32 slots[100];
   u32 count = 0;
@@ -126,9 +124,8 @@ int msan_data_showrun(Vty* vty) {
     if (card > 0 && caCheckCardTypeIsMsanCard(static_cast<u16>(card)) == 0) callAll(slotShowrun, vty, slot);
   }
   vty_out(vty, "!msan data config ---------------- %s", "\r\n");
-  return 0;
 }
 
-int msan_data_hotplug(u16 slot) { return callAll(hotplug, slot); }
+void msan_data_hotplug(u16 slot) { callAll(hotplug, slot); }
 
-int msan_data_clear_before_cardauth_db(u16 slot) { return callAll(cardAuthorised, slot); }
+void msan_data_clear_before_cardauth_db(u16 slot) { callAll(cardAuthorised, slot); }

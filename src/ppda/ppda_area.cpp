@@ -7,27 +7,21 @@
 #include "platform/log.h"
 #include "ppda/volt_current.h"
 
-int msan_ppda_init() {
-  ulogPrintf(gModuleId_Msan, 10, "msan ppda init ok! \n\r");
-  return 0;
-}
+void msan_ppda_init() { ulogPrintf(gModuleId_Msan, 10, "msan ppda init ok! \n\r"); }
 
-int msan_ppda_snmp_register() {
+void msan_ppda_snmp_register() {
   reg_snmp_pots_voltcurrent_init();
   ulogPrintf(gModuleId_Msan, 10, "msan ppda snmp register ok! \n\r");
-  return 0;
 }
 
-int msan_ppda_cmd_install() { return volt_current_install(); }
+void msan_ppda_cmd_install() { volt_current_install(); }
 
-int msan_ppda_showrun(Vty* vty) {
+void msan_ppda_showrun(Vty* vty) {
   vty_out(vty, "!msan ppda config ---------------- %s", "\r\n");
   vshow_run_pots_voltcurrent(vty);
-  return 0;
 }
 
-int msan_ppda_hotplug(u16 slot) {
+void msan_ppda_hotplug(u16 slot) {
   vdistrib_pots_voltcurrent(slot);
   if (debugOn(Area::ppda)) ulogPrintf(gModuleId_Msan, 10, "%s: finished. \n\r", __func__);
-  return 0;
 }

@@ -160,19 +160,19 @@ static u16 buildAndSend(LIST* list) {
 // True if a POTS card is configured in the slot.
 static bool isPotsCard(int card) { return card > 0 && caCheckCardTypeIsMsanPotsCard(static_cast<u16>(card)) == 0; }
 
-int vdistrib_pots_voltcurrent(u16 slot) {
+void vdistrib_pots_voltcurrent(u16 slot) {
   const int card = get_config_card_type(slot);
   if (card <= 0) {
     areaTrace<Area::ppda>("no card is configured in slot %d", slot);
-    return -1;
+    return;
   }
-  if (!isPotsCard(card)) return 0;
+  if (!isPotsCard(card)) return;
   DataList list;
   if (vGetSlotObjManageDataHandle(slot, kFeedAttribute, kUnit, list) != 0) {
     areaTrace<Area::ppda>("get POTS feed voltage and current config of slot %d failed", slot);
-    return -1;
+    return;
   }
-  return buildAndSend(list) == 0 ? 0 : -1;
+  buildAndSend(list);
 }
 
 int vset_pots_voltcurrent_list(LIST* addresses, const PotsFeed* record, LIST* list) {
@@ -221,7 +221,7 @@ int verase_pots_voltcurrent(u16 slot) {
   return 0;
 }
 
-int volt_current_callback_after_cardauth_db(u16 slot) { return verase_pots_voltcurrent(slot); }
+void volt_current_callback_after_cardauth_db(u16 slot) { verase_pots_voltcurrent(slot); }
 
 // --- SNMP ---
 
@@ -303,4 +303,4 @@ static constexpr SnmpMsgReg message{kFeedMessage,
                                     4 + kMaxRecords* kUnit,
                                     "Set POTS port feed voltage & current parameters"};
 
-int reg_snmp_pots_voltcurrent_init() { return registerMessage(message); }
+void reg_snmp_pots_voltcurrent_init() { registerMessage(message); }

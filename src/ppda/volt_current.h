@@ -34,16 +34,16 @@ int vbuild_set_pots_voltcurrent_msc_packet(LIST* list, LIST* sends);
 // A node for each address with the record's values.
 int vset_pots_voltcurrent_list(LIST* addresses, const PotsFeed* record, LIST* list);
 
-int vdistrib_pots_voltcurrent(u16 slot);                                                    // sends what is stored
+void vdistrib_pots_voltcurrent(u16 slot);                                                   // sends what is stored
 int vdistrib_pots_voltcurrentx(LIST* addresses, const PotsFeed* record, SnmpErrInfo* err);  // stores and sends
 int verase_pots_voltcurrent(u16 slot);                                                      // default, and sends
-int volt_current_callback_after_cardauth_db(u16 slot);
+void volt_current_callback_after_cardauth_db(u16 slot);
 
 SnmpSetHandler vsnmp_set_pots_voltcurrent;
 SnmpGetHandler vsnmp_get_pots_voltcurrent;
-int reg_snmp_pots_voltcurrent_init();
-int volt_current_install();
-int vshow_run_pots_voltcurrent(Vty* vty);
+void reg_snmp_pots_voltcurrent_init();
+void volt_current_install();
+void vshow_run_pots_voltcurrent(Vty* vty);
 int show_pots_voltcurrent_by_slot(u16 slot, Vty* vty);
 
 // Attribute 285. On a card that is not the master nothing is written. 0; -24 for a null record, -9 for more than a

@@ -91,12 +91,12 @@ static int showrunSlot(Vty* vty, u16 slot, u16 amount) {
   return 0;
 }
 
-int vshow_run_pots_voltcurrent(Vty* vty) {
+void vshow_run_pots_voltcurrent(Vty* vty) {
   u32 slots[kMostServeSlots];
   u32 count = 0;
   if (getServeSlots(slots, &count) != 0) {
     ulogPrintf(gModuleId_Msan, 10, "%s: the slots can't be had.\r\n", __func__);
-    return -1;
+    return;
   }
   for (u32 i = 0; i < count; ++i) {
     const u16 slot = static_cast<u16>(slots[i]);
@@ -105,11 +105,10 @@ int vshow_run_pots_voltcurrent(Vty* vty) {
     u16 amount = 0;
     if (ddGetBoardServePortAmountByType(static_cast<u16>(card), &amount) != 0 && amount != 0) {
       ulogPrintf(gModuleId_Msan, 10, "%s: the ports of slot %d can't be had.\r\n", __func__, slot);
-      return -1;
+      return;
     }
-    if (showrunSlot(vty, slot, amount) != 0) return -1;
+    if (showrunSlot(vty, slot, amount) != 0) return;
   }
-  return 0;
 }
 
 static constexpr Command commands[] = {
@@ -121,4 +120,4 @@ static constexpr Command commands[] = {
             msan_cli_erase_pots_voltage_current_config_func, "feed voltage and current of POTS ports"),
 };
 
-int volt_current_install() { return installCommands(commands); }
+void volt_current_install() { installCommands(commands); }

@@ -52,47 +52,34 @@ static constexpr const VoiceItem* sipItems[] = {&sipServer, &sipDigitMap, &sipAd
 static constexpr const VoiceItem* ngnConfiguration[] = {&mgc, &potsGeneral};
 
 // At the end of recovery the voice side is told all of it once more.
-static constexpr Step afterConfiguration[] = {distributeOf<mgc>,
-                                              distributeOf<cidMode>,
-                                              distributeOf<potsNumber>,
-                                              distributeOf<iptNumber>,
-                                              distributeOf<rfc2833>,
-                                              distributeOf<rohTimeout>,
-                                              distributeOf<signalToneTimer>,
-                                              distributeOf<voiceMD5>,
-                                              distributeOf<voiceTimer>,
-                                              ndistrib_sipcallprofile,
-                                              voice_port_enable_hotplug,
-                                              distrib_dsp_profile,
-                                              distrib_voiceport,
-                                              distrib_voice_vlan,
-                                              distrib_voice_ip,
-                                              distributeOf<voiceBasis>,
-                                              distributeOf<rtpResource>,
-                                              distributeOf<faxParameter>,
-                                              distributeOf<sipServer>,
-                                              distributeOf<sipDigitMap>,
-                                              distributeOf<sipAdvanced>,
-                                              ndistrib_voice_self_switch,
-                                              distrib_voice_self_port};
+static constexpr Step afterConfiguration[] = {
+    distributeOf<mgc>,         distributeOf<cidMode>,        distributeOf<potsNumber>,      distributeOf<iptNumber>,
+    distributeOf<rfc2833>,     distributeOf<rohTimeout>,     distributeOf<signalToneTimer>, distributeOf<voiceMD5>,
+    distributeOf<voiceTimer>,  ndistrib_sipcallprofile,      voice_port_enable_hotplug,     distrib_dsp_profile,
+    distrib_voiceport,         [] { distrib_voice_vlan(); }, [] { distrib_voice_ip(); },    distributeOf<voiceBasis>,
+    distributeOf<rtpResource>, distributeOf<faxParameter>,   distributeOf<sipServer>,       distributeOf<sipDigitMap>,
+    distributeOf<sipAdvanced>, ndistrib_voice_self_switch,   distrib_voice_self_port};
 
-int msan_ngn_showrun(Vty* vty) { return showrunItems(ngnItems, vty); }
+void msan_ngn_showrun(Vty* vty) { showrunItems(ngnItems, vty); }
 
-static int cli_msan_ngn_showrun(const CommandElement*, Vty* vty, int, char**) { return msan_ngn_showrun(vty); }
+static int cli_msan_ngn_showrun(const CommandElement*, Vty* vty, int, char**) {
+  msan_ngn_showrun(vty);
+  return 0;
+}
 static constexpr Command commands[] = {
     command(CONFIG_NODE, "showrun msan ngn", cli_msan_ngn_showrun, "running configuration of the voice side"),
 };
 
-static int msanNGNDataInit() { return initItems(ngnItems); }
-static int msanNGNSnmpMsgRegister() {
+static void msanNGNDataInit() { initItems(ngnItems); }
+static void msanNGNSnmpMsgRegister() {
   registerItems(ngnItems);
-  return snmp_msg_register_port_test();
+  snmp_msg_register_port_test();
 }
-static int msan_cmd_init() {
+static void msan_cmd_init() {
   installItems(ngnItems);
   install_offers("telephone", offerNumbers, nullptr);
   installOnhookCommand();
-  return installCommands(commands);
+  installCommands(commands);
 }
 
 // One area of the voice service's running configuration by itself.
@@ -116,89 +103,90 @@ static constexpr Command areaCommands[] = {
 };
 
 // The first failure ends it.
-static int ngn_voice_cfg_init() {
-  return init_dsp() == 0 && init_voice_ip() == 0 && init_voice_vlan(0) == 0 && init_voice_vlan(1) == 0
-             ? initItems(basisItems)
-             : -1;
+static void ngn_voice_cfg_init() {
+  if (init_dsp() == 0 && init_voice_ip() == 0 && init_voice_vlan(0) == 0 && init_voice_vlan(1) == 0)
+    initItems(basisItems);
 }
-static int ninit_faxparameter() { return initItems(faxItems); }
-static int ninit_rtp_profile() { return initItems(rtpItems); }
-static int ninit_sip() { return initItems(sipItems); }
-static int reg_ngn_voice_snmp_cmd_handle() {
+static void ninit_faxparameter() { initItems(faxItems); }
+static void ninit_rtp_profile() { initItems(rtpItems); }
+static void ninit_sip() { initItems(sipItems); }
+static void reg_ngn_voice_snmp_cmd_handle() {
   registerDspProfiles();
   registerDspChannels();
   registerVoiceIp();
   registerVoiceVlan();
-  return registerItems(basisItems);
+  registerItems(basisItems);
 }
-static int install_ngn_voice_cmd_line() {
+static void install_ngn_voice_cmd_line() {
   install_dsp_cmd_line();
   installDspChannels();
   installVoiceIp();
   installVoiceVlan();
-  return installItems(basisItems);
+  installItems(basisItems);
 }
-static int show_run_ngn_voice(Vty* vty) {
+static void show_run_ngn_voice(Vty* vty) {
   show_run_dsp_profile(vty);
   show_run_voice_vlan(vty);
   show_run_voice_ip(vty);
-  return showrunItems(basisItems, vty);
+  showrunItems(basisItems, vty);
 }
-static int faxparacfg_regsnmpcmd_handle() { return registerItems(faxItems); }
-static int sipcfg_regsnmpcmdhandle() {
+static void faxparacfg_regsnmpcmd_handle() { registerItems(faxItems); }
+static void sipcfg_regsnmpcmdhandle() {
   registerItems(sipItems);
   registerSipCallProfiles();
   registerNgnProtocol();
   registerVoiceSelfSwitch();
-  return registerVoiceSelfPort();
+  registerVoiceSelfPort();
 }
-static int rtp_prf_cfg_regsnmpcmd_handle() { return registerItems(rtpItems); }
-static int ninstall_faxcmdline() {
+static void rtp_prf_cfg_regsnmpcmd_handle() { registerItems(rtpItems); }
+static void ninstall_faxcmdline() {
   installItems(faxItems);
-  return installCommands(areaCommands);
+  installCommands(areaCommands);
 }
-static int install_msan_sip_cfg_defun() {
+static void install_msan_sip_cfg_defun() {
   installItems(sipItems);
   ninstall_sipcallprf_cfgline();
   installNgnProtocol();
   installVoiceSelfSwitch();
-  return installVoiceSelfPort();
+  installVoiceSelfPort();
 }
-static int ninstall_rtp_cmdline() { return installItems(rtpItems); }
-static int nshowrun_faxparameter(Vty* vty) { return showrunItems(faxItems, vty); }
-static int showrun_msan_sip_cfg(Vty* vty) {
+static void ninstall_rtp_cmdline() { installItems(rtpItems); }
+static void nshowrun_faxparameter(Vty* vty) { showrunItems(faxItems, vty); }
+static void showrun_msan_sip_cfg(Vty* vty) {
   showrunItems(sipItems, vty);
   nshowrun_sipcallprofile(vty);
   nshowrun_voice_self_switch(vty);
-  return nshowrun_voice_self_port(vty);
+  nshowrun_voice_self_port(vty);
 }
-static int nshowrun_rtp_profile(Vty* vty) { return showrunItems(rtpItems, vty); }
+static void nshowrun_rtp_profile(Vty* vty) { showrunItems(rtpItems, vty); }
 
-static int msan_ngn_cfg_init() { return initItems(ngnConfiguration); }
-static int mgc_reg_cfg_regsnmpcmd_handle() { return registerItems(mgcRegisterItems); }
-static int reg_snmp_cmd_data() {
+static void msan_ngn_cfg_init() { initItems(ngnConfiguration); }
+static void mgc_reg_cfg_regsnmpcmd_handle() { registerItems(mgcRegisterItems); }
+static void reg_snmp_cmd_data() {
   registerItems(ngnConfiguration);
   registerNodeViews();
   registerPortViews();
   registerAlarmAttachment();
-  return registerCallSimulation();
+  registerCallSimulation();
 }
-static int ninstall_mgc_register_cmdline() { return installItems(mgcRegisterItems); }
-static int install_sim_cmd_line() {
+static void ninstall_mgc_register_cmdline() { installItems(mgcRegisterItems); }
+static void install_sim_cmd_line() {
   installItems(ngnConfiguration);
   installNodeViews();
   installPortViews();
   installAlarmAttachment();
   installCallSimulation();
-  return installPotsGeneralCommands();
+  installPotsGeneralCommands();
 }
-static int install_msan_ngncfg_showrun(Vty* vty) {
+static void install_msan_ngncfg_showrun(Vty* vty) {
   showrunItems(ngnConfiguration, vty);
-  return showrun_adsl_alarm_attach(vty);
+  showrun_adsl_alarm_attach(vty);
 }
 
-static constexpr SlotStep ngnDataDistribute[] = {distrib_pots_general_para, hotplug_alarm_prf_attach};
-static int ngn_data_distribute(u16 slot) { return callAll(ngnDataDistribute, slot); }
+static void ngn_data_distribute(u16 slot) {
+  distrib_pots_general_para(slot);
+  hotplug_alarm_prf_attach(slot);
+}
 
 static constexpr Step init[] = {
     msanNGNDataInit,     ngn_voice_cfg_init, ninit_faxparameter, ninit_rtp_profile,       ninit_sip,
@@ -218,38 +206,37 @@ static constexpr Step install[] = {msan_cmd_init,
                                    ninstall_ngnuser_register_cmdline,
                                    install_msan_112test_defun,
                                    init_alram_prf_cmd,
-                                   install_sim_cmd_line,
-                                   msan_init_vportenable_cmd};
-static constexpr PrintStep showrun[] = {nshowrun_ngn_protocol_type, msan_ngn_showrun,      show_run_ngn_voice,
-                                        alarm_prf_showrun,          nshowrun_faxparameter, showrun_msan_sip_cfg,
-                                        nshowrun_rtp_profile,       showrun_voiceport,     install_msan_ngncfg_showrun};
+                                   install_sim_cmd_line};
+static constexpr PrintStep showrun[] = {
+    nshowrun_ngn_protocol_type, msan_ngn_showrun,     show_run_ngn_voice,   alarm_prf_showrun,
+    nshowrun_faxparameter,      showrun_msan_sip_cfg, nshowrun_rtp_profile, [](Vty* vty) { showrun_voiceport(vty); },
+    install_msan_ngncfg_showrun};
 
-int msanVoice_Init() {
+void msanVoice_Init() {
   callAll(init);
   ulogPrintf(gModuleId_Msan, 10, "msan voice init ok! \n\r");
-  return 0;
 }
 
-int msanVoice_Init_Snmp() {
+void msanVoice_Init_Snmp() {
   callAll(snmpRegister);
   ulogPrintf(gModuleId_Msan, 10, "msan voice snmp register ok! \n\r");
-  return 0;
 }
 
-int msanVoice_Init_Cmd() { return callAll(install); }
+int msanVoice_Init_Cmd() {
+  callAll(install);
+  return msan_init_vportenable_cmd();
+}
 
-int msanVoice_Showrun(Vty* vty) {
+void msanVoice_Showrun(Vty* vty) {
   vty_out(vty, "!msan voice config ---------------- %s", "\r\n");
   callAll(showrun, vty);
-  return 0;
 }
 
-int msan_voice_hotplug(u16 slot) {
+void msan_voice_hotplug(u16 slot) {
   ngn_data_distribute(slot);
   send_rtp_vlan_by_slot(slot);
   send_rtp_ip_by_slot(slot);
   if (debugOn(Area::voice)) ulogPrintf(gModuleId_Msan, 10, "%s: finished. \n\r", __func__);
-  return 0;
 }
 
-int msan_voice_init_after_cfgexecute() { return callAll(afterConfiguration); }
+void msan_voice_init_after_cfgexecute() { callAll(afterConfiguration); }

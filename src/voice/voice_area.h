@@ -4,4 +4,4 @@
 struct Vty;
 
 // The running configuration of the node's global voice items.
-int msan_ngn_showrun(Vty* vty);
+void msan_ngn_showrun(Vty* vty);

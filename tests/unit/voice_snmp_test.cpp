@@ -54,17 +54,17 @@ TEST(ErrorInfo, NumbersAreBigEndianAndTextsGoAsTheyAre) {
   const u32 four = 0x12345678;
   const Frame many(60, 7);
   SnmpErrInfo err;
-  EXPECT_EQ(vSetErrorInfo(65416, &two, 2, &err), 0);
+  vSetErrorInfo(65416, &two, 2, &err);
   EXPECT_EQ(codeAndDetail(err), "65416 1234");
   vSetErrorInfo(65416, &four, 4, &err);
   EXPECT_EQ(codeAndDetail(err), "65416 12345678");
   vSetErrorInfo(65416, "abc", 3, &err);
   EXPECT_EQ(codeAndDetail(err), "65416 616263");
-  EXPECT_EQ(vSetErrorInfo(65416, many.data(), 60, &err), 0);
+  vSetErrorInfo(65416, many.data(), 60, &err);
   EXPECT_EQ(err.errDataLen, 60U) << "so that the packet drops it whole";
-  EXPECT_EQ(vSetErrorInfo(65410, nullptr, 2, &err), -1);
+  vSetErrorInfo(65410, nullptr, 2, &err);
   EXPECT_EQ(err.errCode, 65410) << "the code stands although the value is missing";
-  EXPECT_EQ(vSetErrorInfo(65410, &two, 2, nullptr), -1);
+  vSetErrorInfo(65410, &two, 2, nullptr);
 }
 
 TEST(ErrorPacket, CarriesCodeAndDetail) {

@@ -218,4 +218,4 @@ static constexpr Command commands[] = {
 };
 // clang-format on
 
-int init_adsl_cmd() { return installCommands(commands); }
+void init_adsl_cmd() { installCommands(commands); }

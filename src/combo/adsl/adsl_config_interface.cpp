@@ -19,24 +19,24 @@ static int init_adsl_sem() {
   return adsl_prf_config_mux != 0 && pvc_prf_config_mux != 0 ? 0 : -1;
 }
 
-int init_adsl_cfg() {
+void init_adsl_cfg() {
   if (registerKind(adslLineKind) != 0 || registerKind(pvcKind) != 0) {
     std::printf("\r\nflowPolicyInit,prfRegNewType failed!\r");
-    return -1;
+    return;
   }
   if (init_adsl_sem() != 0) {
     std::printf("init_adsl_config_module,init_adsl_sem failed!\r");
-    return -1;
+    return;
   }
   adsl_create_dft_prf();
-  return pvc_create_dft_prf();
+  pvc_create_dft_prf();
 }
 
-int adsl_showrun_inf(Vty* vty) {
+void adsl_showrun_inf(Vty* vty) {
   adsl_line_prf_showrun(vty);
   pvc_prf_showrun(vty);
   ad_prf_attach_showrun(vty);
-  return pvc_prf_attach_showrun(vty);
+  pvc_prf_attach_showrun(vty);
 }
 
 // --- Messages ---
@@ -128,9 +128,9 @@ int snmp_get_adsl_port_info(u16 id, u8* last, u8* data, i32 length, u8* reply, u
 
 // --- Registration ---
 
-int adsl_reg_snmp_inf() {
+void adsl_reg_snmp_inf() {
   u32 slots = 0;
-  if (ddGetMaxSlotNum(&slots) != 0) return -1;
+  if (ddGetMaxSlotNum(&slots) != 0) return;
   const u32 ports = attachmentReply(adslLineKind);
   const ProfileMessage messages[] = {
       {"AD_LINE_PRF_CONFIG", "test", 34661, snmp_set_adsl_prf, snmp_get_adsl_prf, 301090},
@@ -141,5 +141,5 @@ int adsl_reg_snmp_inf() {
       {"PVC_PRF_ATTACH", "test", 2838, snmp_set_ad_pvc_prf_attach, snmp_get_pvc_prf_attach, ports},
       {"PVC_PRF_ATTACH", "test", 2860, snmp_set_ad_pvc_prf_attach, snmp_get_pvc_prf_attach, ports},
   };
-  return registerProfileMessages(messages);
+  registerProfileMessages(messages);
 }

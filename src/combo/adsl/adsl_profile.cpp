@@ -133,7 +133,7 @@ constexpr ProfileKind adslLineKind{
     .printLines = printLines,
 };
 
-int adsl_create_dft_prf() { return createDefault(adslLineKind); }
+void adsl_create_dft_prf() { createDefault(adslLineKind); }
 int get_adsl_prf(AdslPrfRecord* record, u16 id) { return readProfile(adslLineKind, record, id); }
 int get_adsl_line_prf(SnmpErrInfo* err, AdslPrfRecord* record, u16 id) {
   return getProfile(adslLineKind, err, record, id);
@@ -151,11 +151,11 @@ int attach_adsl_line_prf(SnmpErrInfo* err, LIST* nodes, u16 count) {
 int attach_adsl_prf_adapt(LIST* nodes, u16 count) { return sendToCards(adslLineKind, nodes, count); }
 int flush_adsl_prf(SnmpErrInfo* err, u16 id, int) { return flushProfile(adslLineKind, err, id); }
 int check_adsl_prf_attached(SnmpErrInfo* err, u16 id) { return isAttached(adslLineKind, err, id); }
-int hotplug_ad_prf_attach(u16 slot) { return hotplugProfiles(adslLineKind, slot); }
+void hotplug_ad_prf_attach(u16 slot) { hotplugProfiles(adslLineKind, slot); }
 int clr_adsl_prf_attach(u16 slot) { return clearAttached(adslLineKind, slot); }
 int adsl_att_dft_prf(u16 slot) { return clr_adsl_prf_attach(slot); }
-int adsl_line_prf_showrun(Vty* vty) { return printProfiles(adslLineKind, vty); }
-int ad_prf_attach_showrun(Vty* vty) { return printAttached(adslLineKind, vty); }
+void adsl_line_prf_showrun(Vty* vty) { printProfiles(adslLineKind, vty); }
+void ad_prf_attach_showrun(Vty* vty) { printAttached(adslLineKind, vty); }
 
 // --- Edit ---
 

@@ -48,7 +48,7 @@ extern i16 adslPrfType;
 extern i16 adslPrfCfgId;
 extern SemaphoreId adsl_prf_config_mux;
 
-int adsl_create_dft_prf();
+void adsl_create_dft_prf();
 int get_adsl_prf(AdslPrfRecord* record, u16 id);
 int get_adsl_line_prf(SnmpErrInfo* err, AdslPrfRecord* record, u16 id);
 int get_adsl_prf_id_by_name(SnmpErrInfo* err, u16* id, const char* name);
@@ -62,9 +62,9 @@ int attach_adsl_line_prf(SnmpErrInfo* err, LIST* nodes, u16 count);
 int attach_adsl_prf_adapt(LIST* nodes, u16 count);
 int flush_adsl_prf(SnmpErrInfo* err, u16 id, int flag);
 int check_adsl_prf_attached(SnmpErrInfo* err, u16 id);
-int hotplug_ad_prf_attach(u16 slot);
+void hotplug_ad_prf_attach(u16 slot);
 // Bind all ADSL ports of a slot to the default profile; nothing is sent.
 int clr_adsl_prf_attach(u16 slot);
 int adsl_att_dft_prf(u16 slot);
-int adsl_line_prf_showrun(Vty* vty);
-int ad_prf_attach_showrun(Vty* vty);
+void adsl_line_prf_showrun(Vty* vty);
+void ad_prf_attach_showrun(Vty* vty);

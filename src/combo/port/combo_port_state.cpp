@@ -111,7 +111,7 @@ static constexpr Command commands[] = {
     command(CONFIG_NODE, "show port SELT_test_result slot [<slotno>] port <portNo>", show_combo_port_seltResult_fun,
             "result of a line test from this end"),
 };
-int install_gepon_msan_port_get_state_element() { return installCommands(commands); }
+void install_gepon_msan_port_get_state_element() { installCommands(commands); }
 
 // --- Registration ---
 
@@ -129,8 +129,8 @@ static int registerReads() {
   return 0;
 }
 
-int register_portstate_msg_snmp() { return registerReads<dslStatus, bitAlloc, gainMap, dropReason>(); }
-int register_portdelt_test_msg_snmp() {
-  return registerReads<deltStatus, deltHlog, deltHlin, deltQln, deltSnrUp, deltSnrDown>();
+void register_portstate_msg_snmp() { registerReads<dslStatus, bitAlloc, gainMap, dropReason>(); }
+void register_portdelt_test_msg_snmp() {
+  registerReads<deltStatus, deltHlog, deltHlin, deltQln, deltSnrUp, deltSnrDown>();
 }
-int register_portselt_test_msg_snmp() { return registerReads<seltResult>(); }
+void register_portselt_test_msg_snmp() { registerReads<seltResult>(); }

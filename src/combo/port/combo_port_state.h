@@ -45,7 +45,7 @@ void showPortBlocks(Vty* vty, const PortBlock& block, WireIn answer);
 const char* get_dropreason_str_byindex(u32 index);
 
 // Registration and commands.
-int register_portstate_msg_snmp();
-int register_portdelt_test_msg_snmp();
-int register_portselt_test_msg_snmp();
-int install_gepon_msan_port_get_state_element();
+void register_portstate_msg_snmp();
+void register_portdelt_test_msg_snmp();
+void register_portselt_test_msg_snmp();
+void install_gepon_msan_port_get_state_element();

@@ -65,4 +65,4 @@ static constexpr Command commands[] = {
             "put data ports in or out of service"),
 };
 
-int msan_init_data_port_enable_cmd() { return installCommands(commands); }
+void msan_init_data_port_enable_cmd() { installCommands(commands); }

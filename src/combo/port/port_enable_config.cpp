@@ -18,10 +18,9 @@ enum PortEnableError : int { kNoDataCard = -2, kBadFlag = -120 };
 
 SemaphoreId port_en_config_mux = 0;
 
-int msan_init_data_port_enable_config() {
+void msan_init_data_port_enable_config() {
   get_sys_max_adsl_port_num();
   port_en_config_mux = bep_semBCreateEx(2, 1);
-  return port_en_config_mux != 0 ? 0 : -1;
 }
 
 // The port's stored byte. 0, or the store's code.
@@ -68,12 +67,12 @@ int set_data_port_enable(SnmpErrInfo* err, LIST* list, u32 count) {
   return 0;
 }
 
-int set_data_port_enable_adapt(LIST* list, u32 count) {
+void set_data_port_enable_adapt(LIST* list, u32 count) {
   if (count == 0) {
     std::printf("set_data_port_enable_adapt entryNum is 0!\r\n ");
-    return -1;
+    return;
   }
-  return sendBySlot<AdslPortPrfNode>(
+  sendBySlot<AdslPortPrfNode>(
       list, count, kPortsFrame + kBlock * count,
       [](const AdslPortPrfNode& node, Writer& to) {
         putPortHead(to, node.port);
@@ -105,32 +104,30 @@ int get_data_port_enable(SnmpErrInfo* err, WireOut body, u32* length, LIST* list
 
 // --- Cards ---
 
-int hotplug_data_port_enable(u16 slot) {
+void hotplug_data_port_enable(u16 slot) {
   static constexpr u16 types[] = {kAdslPort, kDslPort, kVdslPort, kAdslPotsPort, kVdslPotsPort};
   ObjList ports, nodes;
-  if (walkPorts(types, slot, ports) != 0) return -1;
+  if (walkPorts(types, slot, ports) != 0) return;
   SnmpErrInfo err;
-  int result = 0;
-  for (NODE* cell = lstFirst(ports); cell != nullptr && result == 0; cell = lstNext(cell)) {
+  // The ports ahead of one that can't be read are served.
+  for (NODE* cell = lstFirst(ports); cell != nullptr; cell = lstNext(cell)) {
     const auto* port = dataOf<const ObjIndex>(cell);
     u8 flag = 0;
-    if (readFlag(port, &flag) != 0 || addPortNode(nodes, &err, *port, flag) != 0) result = -1;
+    if (readFlag(port, &flag) != 0 || addPortNode(nodes, &err, *port, flag) != 0) break;
   }
-  // The ports ahead of one that can't be read are served.
-  return set_data_port_enable_adapt(nodes, static_cast<u32>(lstCount(nodes))) == 0 ? result : -1;
+  set_data_port_enable_adapt(nodes, static_cast<u32>(lstCount(nodes)));
 }
 
-int data_port_enable_after_cardauth_db(u16 slot) {
+void data_port_enable_after_cardauth_db(u16 slot) {
   const u16 card = configuredDataCard(slot);
   u16 amount = 0;
-  if (card == 0 || ddGetBoardServePortAmountByType(card, &amount) != 0) return -1;
+  if (card == 0 || ddGetBoardServePortAmountByType(card, &amount) != 0) return;
   const u8 flag = 0;
   for (u16 port = 1; port <= amount; ++port) {
     ObjIndex object;
-    if (SlotNoPortConvertObjIndex(slot, port, 0, &object) != 0) return -1;
-    if (setObjAttrDataByCondition(&object, kPortEnableAttribute, &flag, 0, 1) != 0) return -1;
+    if (SlotNoPortConvertObjIndex(slot, port, 0, &object) != 0) return;
+    if (setObjAttrDataByCondition(&object, kPortEnableAttribute, &flag, 0, 1) != 0) return;
   }
-  return 0;
 }
 
 // --- Running configuration ---
@@ -149,14 +146,13 @@ static int printSlot(Vty* vty, u16 slot) {
   return 0;
 }
 
-int msan_data_port_enable_showrun(Vty* vty) {
+void msan_data_port_enable_showrun(Vty* vty) {
   u32 slots[kMostServeSlots];
   u32 count = 0;
-  if (getServeSlots(slots, &count) != 0) return -1;
+  if (getServeSlots(slots, &count) != 0) return;
   for (u32 i = 0; i < count; ++i) {
-    if (printSlot(vty, static_cast<u16>(slots[i])) != 0) return -1;
+    if (printSlot(vty, static_cast<u16>(slots[i])) != 0) return;
   }
-  return 0;
 }
 
 // --- Messages ---
@@ -247,11 +243,10 @@ static int snmp_get_port_enable(u16 id, u8* last, u8* data, i32 length, u8* repl
   return 0;
 }
 
-int msan_reg_data_port_enable_snmp() {
+void msan_reg_data_port_enable_snmp() {
   const SnmpMsgReg message{
       kPortEnableMessage,  {0, 0}, snmp_set_port_enable, snmp_get_port_enable, kBlock * maxAdPortNum + kReplyArea,
       "yara data port cfg"};
-  if (SnmpMsgRegister(&message) == 0) return 0;
+  if (SnmpMsgRegister(&message) == 0) return;
   std::printf("\r\n SnmpMsgRegister DATA_SERVICE_PORT_ENABLE failed! \r");
-  return -1;
 }

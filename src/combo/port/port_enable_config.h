@@ -18,17 +18,17 @@ extern SemaphoreId port_en_config_mux;  // held from the check of a change to it
 int set_data_port_enable(SnmpErrInfo* err, LIST* list, u32 count);
 // A u32 count and an item for each port: its location and the byte. 0, or -1 when one can't be read.
 int get_data_port_enable(SnmpErrInfo* err, WireOut body, u32* length, LIST* list, u32 count);
-// Tells the cards what the list holds, with a message for each slot. 0, or -1 without any port or memory.
-int set_data_port_enable_adapt(LIST* list, u32 count);
+// Tells the cards what the list holds, with a message for each slot.
+void set_data_port_enable_adapt(LIST* list, u32 count);
 // The port's byte, -1 if it can't be read.
 int is_data_port_enable(ObjIndex port);
 
-int msan_init_data_port_enable_config();
-int msan_reg_data_port_enable_snmp();
-int msan_init_data_port_enable_cmd();
-int msan_data_port_enable_showrun(Vty* vty);
-int hotplug_data_port_enable(u16 slot);            // tells the card of all its DSL ports
-int data_port_enable_after_cardauth_db(u16 slot);  // all ports begin out of service
+void msan_init_data_port_enable_config();
+void msan_reg_data_port_enable_snmp();
+void msan_init_data_port_enable_cmd();
+void msan_data_port_enable_showrun(Vty* vty);
+void hotplug_data_port_enable(u16 slot);            // tells the card of all its DSL ports
+void data_port_enable_after_cardauth_db(u16 slot);  // all ports begin out of service
 
 // Attribute 280. On a card that is not the master nothing is written. 0; -24 for null, -9 for more than the byte, -900
 // for a failure of the database, or no row.

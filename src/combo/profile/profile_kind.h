@@ -232,8 +232,8 @@ struct ProfileMessage {
   SnmpGetHandler* get;
   u32 mostReply;
 };
-// Registers all; a failure goes to the log. 0.
-int registerProfileMessages(std::span<const ProfileMessage> messages);
+// Registers all; a failure goes to the log.
+void registerProfileMessages(std::span<const ProfileMessage> messages);
 // What a read of all attachments takes.
 u32 attachmentReply(const ProfileKind& kind);
 // The ports of a read's request: all of the types, those of a slot, or those named. -1 with a code.

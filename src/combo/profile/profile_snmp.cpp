@@ -52,12 +52,11 @@ int endReply(const SnmpCall& call, const Writer& to) {
   return 0;
 }
 
-int registerProfileMessages(std::span<const ProfileMessage> messages) {
+void registerProfileMessages(std::span<const ProfileMessage> messages) {
   for (const ProfileMessage& message : messages) {
     const SnmpMsgReg row{message.id, {1, 1}, message.set, message.get, message.mostReply, message.description};
     if (SnmpMsgRegister(&row) != 0) ulogPrintf(gModuleId_Msan, 10, "register %s failed!\r\n", message.name);
   }
-  return 0;
 }
 
 // --- Profiles ---

@@ -134,7 +134,7 @@ constexpr ProfileKind pvcKind{
     .cardMessage = cardMessage,
 };
 
-int pvc_create_dft_prf() { return createDefault(pvcKind); }
+void pvc_create_dft_prf() { createDefault(pvcKind); }
 int get_pvc_prf(PvcPrfRecord* record, u16 id) { return readProfile(pvcKind, record, id); }
 int set_pvc_prf(SnmpErrInfo* err, PvcPrfRecord* records, u16 count) {
   if (count > pvcKind.count()) {
@@ -148,11 +148,11 @@ int attach_pvc_prf(SnmpErrInfo* err, LIST* nodes, u16 count) { return attachPort
 int attach_pvc_prf_adapt(LIST* nodes, u16 count) { return sendToCards(pvcKind, nodes, count); }
 int flush_pvc_prf(SnmpErrInfo* err, u16 id, int) { return flushProfile(pvcKind, err, id); }
 int check_pvc_prf_attached(SnmpErrInfo* err, u16 id) { return isAttached(pvcKind, err, id); }
-int hotplug_pvc_prf_attach(u16 slot) { return hotplugProfiles(pvcKind, slot); }
+void hotplug_pvc_prf_attach(u16 slot) { hotplugProfiles(pvcKind, slot); }
 int clr_pvc_prf_attach(u16 slot) { return clearAttached(pvcKind, slot); }
 int pvc_att_dft_prf(u16 slot) { return clr_pvc_prf_attach(slot); }
-int pvc_prf_showrun(Vty* vty) { return printProfiles(pvcKind, vty); }
-int pvc_prf_attach_showrun(Vty* vty) { return printAttached(pvcKind, vty); }
+void pvc_prf_showrun(Vty* vty) { printProfiles(pvcKind, vty); }
+void pvc_prf_attach_showrun(Vty* vty) { printAttached(pvcKind, vty); }
 
 int modify_spc_pvc_prf_para(SnmpErrInfo* err, const PvcEntry* values) {
   if (err == nullptr || values == nullptr) return -1;

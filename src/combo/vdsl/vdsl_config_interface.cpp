@@ -22,38 +22,31 @@ static constexpr Step install[] = {install_vdsl_line_cmd, install_vdsl_ser_cmd, 
                                    install_vdsl_vn_cmd};
 
 // Line, service and power back-off tell it in the log, the others on standard output.
-static int registerFailed(const ProfileKind& kind) {
+static void registerFailed(const ProfileKind& kind) {
   if (kind.write == writeBatch) {
     ulogPrintf(gModuleId_Msan, 10, "\r\n[ERROR] %s(%d):%s->prfRegNewType err! profileID = %d",
                "vdsl_config_interface.cpp", __LINE__, "vdsl_init_cfg", kind.writeId);
   } else {
     std::printf("\r\nvdsl %s prf,prfRegNewType failed!\r", kind.word + std::strlen("vdsl"));
   }
-  return -1;
 }
 
-int vdsl_init_cfg() {
+void vdsl_init_cfg() {
   for (const ProfileKind* kind : kinds) {
     if (registerKind(*kind) != 0) return registerFailed(*kind);
   }
-  int result = 0;
-  for (const ProfileKind* kind : kinds) result = createDefault(*kind);
-  return result;
+  for (const ProfileKind* kind : kinds) createDefault(*kind);
 }
 
-int vdsl_init_cli_cmd() { return callAll(install); }
+void vdsl_init_cli_cmd() { callAll(install); }
 
-int vdsl_showrun_info(Vty* vty) {
-  int result = 0;
+void vdsl_showrun_info(Vty* vty) {
   for (const ProfileKind* kind : kinds) printProfiles(*kind, vty);
-  for (const ProfileKind* kind : kinds) result = printAttached(*kind, vty);
-  return result;
+  for (const ProfileKind* kind : kinds) printAttached(*kind, vty);
 }
 
-int vdsl_hotplug(u16 slot) {
-  int result = 0;
-  for (const ProfileKind* kind : kinds) result = hotplugProfiles(*kind, slot);
-  return result;
+void vdsl_hotplug(u16 slot) {
+  for (const ProfileKind* kind : kinds) hotplugProfiles(*kind, slot);
 }
 
 // --- Messages ---
@@ -84,7 +77,7 @@ static int snmp_get_vdsl_prf_attach(u16 id, u8* last, u8* data, i32 length, u8* 
   return snmpReadPorts(kindOf(id), {id, last, data, length, reply, replyLen});
 }
 
-int vdsl_reg_snmp_info() {
+void vdsl_reg_snmp_info() {
   const u32 ports = attachmentReply(vdslLineKind), longPorts = attachmentReply(vdslExtraKind);
   // clang-format off
   const ProfileMessage messages[] = {
@@ -111,5 +104,5 @@ int vdsl_reg_snmp_info() {
       {"MSAN_SET_VD_BIND_VN_PROFILE", "attach vdsl vn profile", 2857, snmp_set_vdsl_prf_attach, snmp_get_vdsl_prf_attach, ports},
   };
   // clang-format on
-  return registerProfileMessages(messages);
+  registerProfileMessages(messages);
 }

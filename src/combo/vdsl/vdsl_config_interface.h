@@ -5,8 +5,8 @@
 
 struct Vty;
 
-int vdsl_init_cfg();  // types of the profile store, default profiles
-int vdsl_init_cli_cmd();
-int vdsl_reg_snmp_info();
-int vdsl_showrun_info(Vty* vty);
-int vdsl_hotplug(u16 slot);
+void vdsl_init_cfg();  // types of the profile store, default profiles
+void vdsl_init_cli_cmd();
+void vdsl_reg_snmp_info();
+void vdsl_showrun_info(Vty* vty);
+void vdsl_hotplug(u16 slot);

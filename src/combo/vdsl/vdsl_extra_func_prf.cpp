@@ -115,4 +115,4 @@ static constexpr Command commands[] = {
 };
 // clang-format on
 
-int install_vdsl_extra_cmd() { return installCommands(commands); }
+void install_vdsl_extra_cmd() { installCommands(commands); }

@@ -148,4 +148,4 @@ static constexpr Command commands[] = {
 };
 // clang-format on
 
-int install_vdsl_ginp_cmd() { return installCommands(commands); }
+void install_vdsl_ginp_cmd() { installCommands(commands); }

@@ -14,29 +14,29 @@ extern const ProfileKind
     vdslServiceKind;  // rate adaptation, noise margins, least rates, delay, impulse noise protection
 extern i16 g_vdsl_service_prf_type;
 extern i16 g_vdsl_service_prf_cfg_id;
-int install_vdsl_ser_cmd();
+void install_vdsl_ser_cmd();
 
 extern const ProfileKind vdslPboKind;  // power back-off
 extern i16 g_vdsl_pbo_prf_type;
 extern i16 g_vdsl_pbo_prf_cfg_id;
-int install_vdsl_pbo_cmd();
+void install_vdsl_pbo_cmd();
 
 extern const ProfileKind vdslCpsdKind;  // points of the power spectral density
 extern i16 g_vdsl_cpsd_prftype;
 extern i16 g_vdsl_cpsd_prf_cfgid;
-int install_vdsl_cpsd_cmd();
+void install_vdsl_cpsd_cmd();
 
 extern const ProfileKind vdslExtraKind;  // vectoring, annex, rate adaptation
 extern i16 g_vdsl_extra_prftype;
 extern i16 g_vdsl_extra_prf_cfgid;
-int install_vdsl_extra_cmd();
+void install_vdsl_extra_cmd();
 
 extern const ProfileKind vdslGinpKind;  // retransmission
 extern i16 g_vdsl_ginp_prftype;
 extern i16 g_vdsl_ginp_prf_cfgid;
-int install_vdsl_ginp_cmd();
+void install_vdsl_ginp_cmd();
 
 extern const ProfileKind vdslVnKind;  // points of virtual noise
 extern i16 g_vdsl_vn_prftype;
 extern i16 g_vdsl_vn_prf_cfgid;
-int install_vdsl_vn_cmd();
+void install_vdsl_vn_cmd();

@@ -101,4 +101,4 @@ static constexpr Command commands[] = {
 };
 // clang-format on
 
-int install_vdsl_line_cmd() { return installCommands(commands); }
+void install_vdsl_line_cmd() { installCommands(commands); }

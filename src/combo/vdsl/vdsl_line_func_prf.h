@@ -36,4 +36,4 @@ int get_vdsl_line_prf_base(SnmpErrInfo* err, VdslLinePrfRecord* record, u16 id);
 // that makes a difference, and written in any case.
 int modify_spc_vdsl_line_prf_para(SnmpErrInfo* err, const VdslLinePrfRecord* values, u32 selector);
 
-int install_vdsl_line_cmd();
+void install_vdsl_line_cmd();

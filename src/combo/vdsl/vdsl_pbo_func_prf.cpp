@@ -135,4 +135,4 @@ static constexpr Command commands[] = {
 };
 // clang-format on
 
-int install_vdsl_pbo_cmd() { return installCommands(commands); }
+void install_vdsl_pbo_cmd() { installCommands(commands); }

@@ -182,4 +182,4 @@ static constexpr Command commands[] = {
 };
 // clang-format on
 
-int install_vdsl_ser_cmd() { return installCommands(commands); }
+void install_vdsl_ser_cmd() { installCommands(commands); }

@@ -94,4 +94,4 @@ static constexpr Command commands[] = {
 };
 // clang-format on
 
-int install_vdsl_vn_cmd() { return installCommands(commands); }
+void install_vdsl_vn_cmd() { installCommands(commands); }

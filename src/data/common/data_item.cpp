@@ -320,37 +320,33 @@ int walkObjects(std::span<const u16> types, u16 slot, LIST* objects) {
   return result == 0 ? 0 : -1;
 }
 
-int recoverSlot(const DataItem& item, u16 slot, bool (*which)(const ObjIndex* object)) {
+void recoverSlot(const DataItem& item, u16 slot, bool (*which)(const ObjIndex* object)) {
   ObjList objects;
-  if (walkObjects(item, slot, objects) != 0) return -1;
+  if (walkObjects(item, slot, objects) != 0) return;
   CardMessage message(item, objects);
-  if (message.begin() != 0) return -1;
+  if (message.begin() != 0) return;
   for (NODE* cell = lstFirst(objects); cell != nullptr; cell = lstNext(cell)) {
     const auto* object = dataOf<const ObjIndex>(cell);
     if (which != nullptr && !which(object)) continue;
     AnyRecord record(item, *object);
-    if (readRecord(item, record) != 0 || message.add(record) != 0) return -1;
+    if (readRecord(item, record) != 0 || message.add(record) != 0) return;
   }
   message.send(slot);
-  return 0;
 }
 
-int recoverWholeSlot(const DataItem& item, u16 slot, Where where) {
+void recoverWholeSlot(const DataItem& item, u16 slot, Where where) {
   ObjIndex object;
   placeObject(slot, 0, &object);
   AnyRecord record(item, object);
-  if (const int code = readRecord(item, record)) return code;
   CardMessage message(item, 1);
-  if (message.begin() != 0 || message.add(record) != 0) return -1;
-  const int result = message.send(slot);
-  if (result < 0) {
+  if (readRecord(item, record) != 0 || message.begin() != 0 || message.add(record) != 0) return;
+  if (message.send(slot) < 0) {
     ulogPrintf(gModuleId_Msan, 10, "Function:%s, Line:%d: send slotno %d mscmsg err. \r\n", where.function, where.line,
                slot);
   }
-  return result;
 }
 
-int showrunSlot(const DataItem& item, Vty* vty, u16 slot) {
+void showrunSlot(const DataItem& item, Vty* vty, u16 slot) {
   const auto print = [&](const ObjIndex& object) {
     AnyRecord record(item, object);
     if (readRecord(item, record) == 0) item.showrun(vty, record);
@@ -362,7 +358,6 @@ int showrunSlot(const DataItem& item, Vty* vty, u16 slot) {
   } else {
     forEachDataPort(slot, print);
   }
-  return 0;
 }
 
 // --- Get ---
@@ -459,8 +454,8 @@ int snmpGet(const DataItem& item, const u8* data, i32 length, u8* reply, u32* re
   return 0;
 }
 
-int registerItem(const DataItem& item) {
+void registerItem(const DataItem& item) {
   const ItemMessage& m = item.message;
   const SnmpMsgReg message{item.id, {item.option, item.option}, m.set, m.get, m.mostReply, m.text};
-  return SnmpMsgRegister(&message);
+  SnmpMsgRegister(&message);
 }

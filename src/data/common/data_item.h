@@ -124,15 +124,15 @@ int snmpGet(const DataItem& item, const u8* data, i32 length, u8* reply, u32* re
 int setRecords(const DataItem& item, LIST* records, SnmpErrInfo* err);
 void reportRecords(const DataItem& item, LIST* records, int origin);
 
-// What the slot's objects hold, in one message; those alone that `which` takes. -1 when one can't be read or built:
-// then nothing is sent.
-int recoverSlot(const DataItem& item, u16 slot, bool (*which)(const ObjIndex* object) = nullptr);
+// What the slot's objects hold, in one message; those alone that `which` takes. When one can't be read or built,
+// nothing is sent.
+void recoverSlot(const DataItem& item, u16 slot, bool (*which)(const ObjIndex* object) = nullptr);
 
-// Tells a card that returns what is stored for its slot. 0, or what the read or the send gave, which is logged.
-int recoverWholeSlot(const DataItem& item, u16 slot, Where where = Where::here());
+// Tells a card that returns what is stored for its slot. A failed send is logged.
+void recoverWholeSlot(const DataItem& item, u16 slot, Where where = Where::here());
 
 // The lines of each port of a data card, in their order; or of the slot. What can't be read has none.
-int showrunSlot(const DataItem& item, Vty* vty, u16 slot);
+void showrunSlot(const DataItem& item, Vty* vty, u16 slot);
 
 // --- Steps ---
 
@@ -276,16 +276,16 @@ template <const DataItem& item>
 constexpr ItemMessage setAndGet(u32 mostReply, const char* text) {
   return {setOf<item>, getOf<item>, mostReply, text};
 }
-int registerItem(const DataItem& item);
+void registerItem(const DataItem& item);
 template <const DataItem& item>
-int registerOf() {
-  return registerItem(item);
+void registerOf() {
+  registerItem(item);
 }
 template <const DataItem& item>
-int installOf() {
-  return installCommands(item.commands);
+void installOf() {
+  installCommands(item.commands);
 }
 template <const DataItem& item>
-int showrunOf(Vty* vty, u16 slot) {
-  return showrunSlot(item, vty, slot);
+void showrunOf(Vty* vty, u16 slot) {
+  showrunSlot(item, vty, slot);
 }

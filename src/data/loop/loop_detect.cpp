@@ -103,10 +103,10 @@ static bool reaches(const ObjIndex* object) {
 
 static void report(LIST* records, u16 id, int origin) { msan_cfg_sync_trigger(records, id, origin, kObjectList); }
 
-int loopdetect_callback_after_cardauth_db(u16 slot) {
+void loopdetect_callback_after_cardauth_db(u16 slot) {
   if (!isDataCard(slot)) {
     ulogPrintf(gModuleId_Msan, 10, "%s: no data card in slot %d.\r\n", __func__, slot);
-    return -1;
+    return;
   }
   ObjList records;
   bool good = true;
@@ -119,16 +119,16 @@ int loopdetect_callback_after_cardauth_db(u16 slot) {
     }
   });
   SnmpErrInfo err;
-  if (!good || setRecords(loopDetect, records, &err) != 0) return -1;
+  if (!good || setRecords(loopDetect, records, &err) != 0) return;
   reportRecords(loopDetect, records, kByNode);
-  return 0;
 }
 
-int loop_detect_cfg_recover(u16 slot) {
+void loop_detect_cfg_recover(u16 slot) {
   u32 served = 0;
-  if (ddIsServeBoardSlot(slot, &served) == 0) return recoverSlot(loopDetect, slot);
-  ulogPrintf(gModuleId_Msan, 10, "file %s func %s slotNo %d invalid.\r\n", __FILE__, __func__, slot);
-  return -1;
+  if (ddIsServeBoardSlot(slot, &served) == 0)
+    recoverSlot(loopDetect, slot);
+  else
+    ulogPrintf(gModuleId_Msan, 10, "file %s func %s slotNo %d invalid.\r\n", __FILE__, __func__, slot);
 }
 
 // --- Commands ---
@@ -238,21 +238,20 @@ static int printPort(Vty* vty, u16 slot, u16 port) {
   return 0;
 }
 
-int show_run_loopdetect(Vty* vty) {
+void show_run_loopdetect(Vty* vty) {
   u32 slots[100];
   u32 count = 0, most = 0;
   if (ddGetServeSlotList(slots, 100, &count) != 0 || ddGetMaxSlotNum(&most) != 0 || count > most) {
     ulogPrintf(gModuleId_Msan, 10, "%s: the slots are not known.\r\n", __func__);
-    return -1;
+    return;
   }
   for (u32 i = 0; i < count; ++i) {
     const auto slot = static_cast<u16>(slots[i]);
     const u16 ports = dataPorts(slot);
     for (u16 port = 1; port <= ports; ++port) {
-      if (printPort(vty, slot, port) != 0) return -1;
+      if (printPort(vty, slot, port) != 0) return;
     }
   }
-  return 0;
 }
 
 // --- Row ---

@@ -21,9 +21,9 @@ struct LoopDetectRecord {
 
 extern const DataItem loopDetect;
 
-int loopdetect_callback_after_cardauth_db(u16 slot);  // of a data card: both on for all ports
-int loop_detect_cfg_recover(u16 slot);
-int show_run_loopdetect(Vty* vty);  // of all slots; ends with -1 at the first port that can't be read
+void loopdetect_callback_after_cardauth_db(u16 slot);  // of a data card: both on for all ports
+void loop_detect_cfg_recover(u16 slot);
+void show_run_loopdetect(Vty* vty);  // of all slots; ends at the first port that can't be read
 
 // Attribute 286. 0; -1 for a null value, -2 for a part, -900 for all else, a port without a row among it. On a control
 // card that is not the master nothing is written, which is fine.

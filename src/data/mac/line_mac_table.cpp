@@ -159,10 +159,10 @@ int get_linemac_table_snmp(u16 id, u8*, u8* data, i32 length, u8* reply, u32* re
   return 0;
 }
 
-int register_linemactbl_msg_snmp() {
+void register_linemactbl_msg_snmp() {
   static constexpr SnmpMsgReg message{kLineMacMessage,        {0, 0},     nullptr,
                                       get_linemac_table_snmp, kMostReply, "line id format msg."};
-  return SnmpMsgRegister(&message);
+  SnmpMsgRegister(&message);
 }
 
 // --- Command ---
@@ -233,4 +233,4 @@ static constexpr Command commands[] = {
             "the addresses that a line has learned"),
 };
 
-int install_gepon_msan_port_mactable_element() { return installCommands(commands); }
+void install_gepon_msan_port_mactable_element() { installCommands(commands); }

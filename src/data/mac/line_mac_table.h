@@ -11,5 +11,5 @@ inline constexpr u16 kLineMacMessage = 2818;
 inline constexpr u32 kMostLearned = 596000;  // of a card's answer
 inline constexpr u32 kLearnedAddress = 16;   // bytes
 
-int register_linemactbl_msg_snmp();
-int install_gepon_msan_port_mactable_element();
+void register_linemactbl_msg_snmp();
+void install_gepon_msan_port_mactable_element();

@@ -130,14 +130,14 @@ int get_mac_limit_cfg_dbapi(u32 objectId, void* value, u32 offset, u32 length) {
   return 0;
 }
 
-int delete_mac_limit_cfg_dbapi(u32 objectId, u16 index) {
+void delete_mac_limit_cfg_dbapi(u32 objectId, u16 index) {
   Transaction transaction(Access::write);
-  if (!transaction) return kStoreFailed;
+  if (!transaction) return;
   Maclimit row;
   int code = Maclimit_treeidx_find(transaction, objectId, index, &row);
-  if (code == DB_NOT_FOUND) return 0;
+  if (code == DB_NOT_FOUND) return;
   if (code == 0) code = Maclimit_delete(&row);
-  return code == 0 ? transaction.commit() : -1;
+  if (code == 0) transaction.commit();
 }
 
 // --- Steps ---
@@ -148,22 +148,21 @@ static void sendFailed(u16 slot) {
   ulogPrintf(gModuleId_Msan, 10, "file %s func %s send slotno %d mscmsg err\r\n", __FILE__, "send_macnum_limit", slot);
 }
 
-int recover_macnum_limit_cfg(u16 slot) {
+void recover_macnum_limit_cfg(u16 slot) {
   u32 served = 0;
   if (ddIsServeBoardSlot(slot, &served) != 0) {
     ulogPrintf(gModuleId_Msan, 10, "file %s func %s slotOut %d invalid.\r\n", __FILE__, __func__, slot);
-    return -1;
+    return;
   }
-  return isDataCard(slot) ? recoverSlot(macLimit, slot, hasRows) : -1;
+  if (isDataCard(slot)) recoverSlot(macLimit, slot, hasRows);
 }
 
-int delete_macnum_limit_cfg(u16 slot) {
+void delete_macnum_limit_cfg(u16 slot) {
   forEachDataPort(slot, [](const ObjIndex& port) {
     u32 id = 0;
     if (omOltport2ObjId(port.addr[1], port.addr[2], &id) != 0) return;
     for (u16 row = 0; row < kPvcRows; ++row) delete_mac_limit_cfg_dbapi(id, row);
   });
-  return 0;
 }
 
 // --- Commands ---

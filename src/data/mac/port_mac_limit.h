@@ -27,11 +27,11 @@ struct PortMacLimit {
 
 extern const DataItem macLimit;
 
-int recover_macnum_limit_cfg(u16 slot);
-int delete_macnum_limit_cfg(u16 slot);  // of a data card: all rows of its ports, those of another card as well
+void recover_macnum_limit_cfg(u16 slot);
+void delete_macnum_limit_cfg(u16 slot);  // of a data card: all rows of its ports, those of another card as well
 
 // Attribute 278; its value moves as a whole, a row by its place in it. 0; -24 for a null value, -33 for a part, -32 for
 // more than eight rows, -900 for a connection, start or commit that failed, -1 for any other failure.
 int set_mac_limit_cfg_dbapi(u32 objectId, const void* value, u32 offset, u32 length);
 int get_mac_limit_cfg_dbapi(u32 objectId, void* value, u32 offset, u32 length);
-int delete_mac_limit_cfg_dbapi(u32 objectId, u16 row);  // one that is not there is fine
+void delete_mac_limit_cfg_dbapi(u32 objectId, u16 row);  // one that is not there is fine

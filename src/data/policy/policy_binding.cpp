@@ -229,22 +229,20 @@ int showPolicies(Vty* vty, const DataItem& item, const char* interfaces, PrintPo
 
 // --- Running configuration, cards that return ---
 
-int showrunPolicies(Vty* vty, const DataItem& item, std::span<const u16> types, PrintPolicies* print) {
+void showrunPolicies(Vty* vty, const DataItem& item, std::span<const u16> types, PrintPolicies* print) {
   ObjList ports;
-  if (walkObjects(types, 0, ports) != 0 || lstFirst(ports) == nullptr) return -1;
+  if (walkObjects(types, 0, ports) != 0 || lstFirst(ports) == nullptr) return;
   for (NODE* cell = lstFirst(ports); cell != nullptr; cell = lstNext(cell)) {
     PolicyRecord record{*dataOf<const ObjIndex>(cell), {}};
     SnmpErrInfo err;
     if (item.get(&record, &err) == 0) print(vty, record);
   }
-  return 0;
 }
 
 // A port without bindings is told that, too.
-int recoverPolicies(const DataItem& item, u16 slot) {
+void recoverPolicies(const DataItem& item, u16 slot) {
   static constexpr u16 types[] = {621, 116, 622, 699, 56, 817, 818};
   ObjList ports;
-  if (walkObjects(types, slot, ports) != 0) return -1;
+  if (walkObjects(types, slot, ports) != 0) return;
   tellStored(item, ports);
-  return 0;
 }

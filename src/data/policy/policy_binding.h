@@ -81,9 +81,8 @@ using PrintPolicies = void(Vty* vty, const PolicyRecord& record);
 int showPolicies(Vty* vty, const DataItem& item, const char* interfaces, PrintPolicies* print);
 void printBindings(Vty* vty, std::span<const PolicyBinding> bindings, const char* ahead);  // of each one
 
-// -1 when there is no port.
-int showrunPolicies(Vty* vty, const DataItem& item, std::span<const u16> types, PrintPolicies* print);
-int recoverPolicies(const DataItem& item, u16 slot);
+void showrunPolicies(Vty* vty, const DataItem& item, std::span<const u16> types, PrintPolicies* print);
+void recoverPolicies(const DataItem& item, u16 slot);
 
 // --- Rows ---
 

@@ -140,18 +140,20 @@ static void showrun(Vty* vty, const PolicyRecord& record) {
 }
 
 // Ports of VDSL cards are not printed.
-int showrun_port_plc_attach(Vty* vty) {
+void showrun_port_plc_attach(Vty* vty) {
   static constexpr u16 printed[] = {116, 817};
-  return showrunPolicies(vty, portPolicy, printed, showrun);
+  showrunPolicies(vty, portPolicy, printed, showrun);
 }
 
-int res_port_plc_attach_cfg(u16 slot) {
+void res_port_plc_attach_cfg(u16 slot) {
   const int card = get_card_type(slot);
-  if (card > 0 && caCheckCardTypeIsVDSLCard(static_cast<u16>(card)) == 0) return recoverPolicies(portPolicy, slot);
+  if (card > 0 && caCheckCardTypeIsVDSLCard(static_cast<u16>(card)) == 0) {
+    recoverPolicies(portPolicy, slot);
+    return;
+  }
   const Where where = Where::here();
   ulogPrintf(gModuleId_Msan, 10, "\r\n %s, %s %d, caCheckCardTypeIsVDSLCard error. \r\n", where.function,
              fileName(where), where.line);
-  return -1;
 }
 
 // --- Row ---

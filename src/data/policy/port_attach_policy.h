@@ -5,8 +5,8 @@
 
 extern const DataItem portPolicy;
 
-int showrun_port_plc_attach(Vty* vty);
-int res_port_plc_attach_cfg(u16 slot);
+void showrun_port_plc_attach(Vty* vty);
+void res_port_plc_attach_cfg(u16 slot);
 
 // Attribute 284. 0 or -900, which a read of a port without a row gives, too.
 int set_port_plc_prf_att_dbapi(u32 objectId, const void* value, u32 offset, u32 length);

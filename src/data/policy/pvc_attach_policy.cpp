@@ -190,10 +190,9 @@ int pvc_bind_fp_check_func(i16 type, u16 id) {
   return flowPolicyPrfTypeCheck(type) < 0 ? -1 : check_fp_attached_pvc(id);
 }
 
-int init_pvc_attach_plc() {
+void init_pvc_attach_plc() {
   flowRuleRegBindCheck(pvc_bind_fr_check_func);
   flowPolicyRegBindCheck(pvc_bind_fp_check_func);
-  return 0;
 }
 
 // --- Commands ---
@@ -255,11 +254,11 @@ static void showrun(Vty* vty, const PolicyRecord& record) {
   }
 }
 
-int showrun_pvc_plc_attach(Vty* vty) { return showrunPolicies(vty, pvcPolicy, kPolicyPortTypes, showrun); }
+void showrun_pvc_plc_attach(Vty* vty) { showrunPolicies(vty, pvcPolicy, kPolicyPortTypes, showrun); }
 
-int res_pvc_plc_attach_cfg(u16 slot) {
+void res_pvc_plc_attach_cfg(u16 slot) {
   const int card = get_card_type(slot);
-  return card == 579 || card == 580 ? recoverPolicies(pvcPolicy, slot) : -1;
+  if (card == 579 || card == 580) recoverPolicies(pvcPolicy, slot);
 }
 
 // --- Row ---

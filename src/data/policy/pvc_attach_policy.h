@@ -12,9 +12,9 @@ static_assert(sizeof(PvcPolicyRow) == 68);
 
 extern const DataItem pvcPolicy;
 
-int init_pvc_attach_plc();  // the flow store asks from now on
-int showrun_pvc_plc_attach(Vty* vty);
-int res_pvc_plc_attach_cfg(u16 slot);
+void init_pvc_attach_plc();  // the flow store asks from now on
+void showrun_pvc_plc_attach(Vty* vty);
+void res_pvc_plc_attach_cfg(u16 slot);
 
 // What the flow store asks ahead of removing a rule or a policy: 1 bound, 0 not; -1 for another type, or a node without
 // DSL lines. Ports as a whole don't count.

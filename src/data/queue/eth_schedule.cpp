@@ -247,23 +247,22 @@ static bool holds(const ObjIndex* object) {
   return checkSlotOf(*object, &err) == 0;
 }
 
-int recover_ethschedule_cfg(u16 slot) {
+void recover_ethschedule_cfg(u16 slot) {
   u32 served = 0;
   if (ddIsServeBoardSlot(slot, &served) != 0) {
     ulogPrintf(gModuleId_Msan, 10, "file %s func %s slotOut %d invalid.\r\n", __FILE__, __func__, slot);
-    return -1;
+    return;
   }
   ObjIndex object;
   placeObject(slot, 0, &object);
-  return reachesRunningCard(&object) ? recoverSlot(ethSchedule, slot) : 0;
+  if (reachesRunningCard(&object)) recoverSlot(ethSchedule, slot);
 }
 
-int delete_ethschedule_cfg(u16 slot) {
+void delete_ethschedule_cfg(u16 slot) {
   forEachDataPort(slot, [](const ObjIndex& port) {
     u32 id = 0;
     if (omOltport2ObjId(port.addr[1], port.addr[2], &id) == 0) delete_eth_schedule_cfg_dbapi(id);
   });
-  return 0;
 }
 
 // --- Commands ---

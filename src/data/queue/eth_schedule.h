@@ -38,8 +38,8 @@ struct EthSchedule {
 extern const DataItem ethSchedule;
 
 const EthScheduleRecord& defaultSchedule();
-int recover_ethschedule_cfg(u16 slot);
-int delete_ethschedule_cfg(u16 slot);  // of a data card; back to the default
+void recover_ethschedule_cfg(u16 slot);
+void delete_ethschedule_cfg(u16 slot);  // of a data card; back to the default
 
 // Attribute 279. 0; -24 for a null value, -33 for a part, -32 for another number of queues, -900 for a connection,
 // start or commit that failed, -1 for any other failure.

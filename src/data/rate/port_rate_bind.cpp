@@ -151,31 +151,31 @@ int addCopy(const PortRateBinding& record, LIST* records) {
   return kNoMemory;
 }
 
-int updata_port_rate_limit_prf_bind(u16 id) {
-  if (inRecoverConfProcess() == 1 || id == 0 || id == 65535) return 0;
+void updata_port_rate_limit_prf_bind(u16 id) {
+  if (inRecoverConfProcess() == 1 || id == 0 || id == 65535) return;
   ObjList records;
   u32 room = kMostRecords;
   const auto add = [&](const PortRateBinding& port) { return room-- != 0 ? addCopy(port, records) : 1; };
-  if (forEachBound(id, add) < 0) return -1;
-  return sendRecords(portRateBind, records);
+  if (forEachBound(id, add) < 0) return;
+  sendRecords(portRateBind, records);
 }
 
 // A port that is not bound is told nothing.
-int recover_port_rate_limit_attach_cfg(u16 slot) {
+void recover_port_rate_limit_attach_cfg(u16 slot) {
   u16 ports = 0;
   const int card = get_config_card_type(slot);
   if (card <= 0 || ddGetBoardServePortAmountByType(static_cast<u16>(card), &ports) != 0 || ports == 0) {
     ulogPrintf(gModuleId_Msan, 10, "Function:%s, Line:%d, slot %d usport 0.\r\n", __func__, __LINE__, slot);
-    return 0;
+    return;
   }
   ObjList records;
   for (u16 port = 1; port <= ports; ++port) {
     PortRateBinding binding;
     placeObject(slot, port, &binding.object);
-    if (readRecord(portRateBind, &binding) != 0) return -1;
-    if (binding.value.prfId != 0 && addCopy(binding, records) != 0) return -1;
+    if (readRecord(portRateBind, &binding) != 0) return;
+    if (binding.value.prfId != 0 && addCopy(binding, records) != 0) return;
   }
-  return sendRecords(portRateBind, records);
+  sendRecords(portRateBind, records);
 }
 
 int get_port_rate_limit_info(u16 slot, u16 port, int direction, u32* rate) {

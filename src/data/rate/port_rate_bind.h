@@ -27,10 +27,10 @@ extern const DataItem portRateBind;
 // A copy of a record behind the others. 0 or kNoMemory.
 int addCopy(const PortRateBinding& record, LIST* records);
 
-int recover_port_rate_limit_attach_cfg(u16 slot);
+void recover_port_rate_limit_attach_cfg(u16 slot);
 
-// Sends a profile whose values have changed to all ports that are bound to it. 0 or -1.
-int updata_port_rate_limit_prf_bind(u16 id);
+// Sends a profile whose values have changed to all ports that are bound to it.
+void updata_port_rate_limit_prf_bind(u16 id);
 // Whether a port is bound to it. 0; kRateId for an id that can't be; -1, or kNoMemory, for ports that can't be read.
 int port_rate_profile_is_bind(u16 id, bool* bound);
 

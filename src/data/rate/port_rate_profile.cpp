@@ -26,22 +26,20 @@ static CommProfile descriptorOf(u16 id, PortRatePrf* profile = nullptr) {
   return descriptor;
 }
 
-int init_port_rate_profile_type() {
+void init_port_rate_profile_type() {
   g_port_rate_limit_prf = {};
   g_port_rate_limit_prf.moduleId = gModuleId_Msan;
   g_port_rate_limit_prf.ids = kMostRateProfile + 1;
   g_port_rate_limit_prf.items = 1;
   g_port_rate_limit_prf.recordSize = g_port_rate_limit_prf.storedSize = sizeof(PortRatePrf);
   g_port_rate_limit_prf.isBound = is_port_rate_profile_bind_obj;
-  if (init_comm_profile_type(&g_port_rate_limit_prf) == 0) return 0;
+  if (init_comm_profile_type(&g_port_rate_limit_prf) == 0) return;
   ulogPrintf(gModuleId_Msan, 13, "%s: register rate limit profile type failed!\r\n", __func__);
-  return -1;
 }
 
-int init_port_rate_default_prf() {
+void init_port_rate_default_prf() {
   g_port_rate_default_prf = {};
   std::memcpy(g_port_rate_default_prf.name, kDefaultRateName, sizeof kDefaultRateName);
-  return 0;
 }
 
 static bool isStored(u16 id) {

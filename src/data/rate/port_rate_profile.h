@@ -41,8 +41,8 @@ struct PortRatePrf {
 #pragma pack(pop)
 static_assert(sizeof(PortRatePrf) == 77);
 
-int init_port_rate_profile_type();  // 0, or -1 with a log line
-int init_port_rate_default_prf();   // 0
+void init_port_rate_profile_type();  // a failure is logged
+void init_port_rate_default_prf();
 
 bool rate_limit_prf_is_valid(u32 id);                       // the default is
 int get_rate_limit_profile_byid(u32 id, PortRatePrf* out);  // 0, kRateId, kRateNull, or -1 for none
@@ -63,7 +63,7 @@ void writeRates(const PortRatePrf& profile, Writer& out);
 // The next stored profile behind `id`, 0 if there is none.
 u16 nextRateProfile(u16 id, PortRatePrf* out);
 
-int register_port_rate_profile_set_snmp();
-int register_port_rate_profile_del_snmp();
-int install_element_port_rate_profile();
-int port_rate_profile_showrun(Vty* vty);
+void register_port_rate_profile_set_snmp();
+void register_port_rate_profile_del_snmp();
+void install_element_port_rate_profile();
+void port_rate_profile_showrun(Vty* vty);

@@ -116,13 +116,12 @@ int cli_show_rate_limit_prf_func(const CommandElement*, Vty* vty, int argc, char
   return 0;
 }
 
-int port_rate_profile_showrun(Vty* vty) {
+void port_rate_profile_showrun(Vty* vty) {
   PortRatePrf p;
   for (u16 id = nextRateProfile(0, &p); id != 0; id = nextRateProfile(id, &p)) {
     vty_out(vty, "set rate-limit id %d name %s us-status %s us-cir %d ds-status %s ds-cir %d \r\n", id, p.name,
             switchWord(p.usStatus), p.usCir, switchWord(p.dsStatus), p.dsCir);
   }
-  return 0;
 }
 
 static constexpr Command commands[] = {
@@ -144,7 +143,7 @@ static void offerProfiles(const void*, CommandOffers* to) {
   }
 }
 
-int install_element_port_rate_profile() {
+void install_element_port_rate_profile() {
   install_offers("rate-limit", offerProfiles, nullptr);
-  return installCommands(commands);
+  installCommands(commands);
 }

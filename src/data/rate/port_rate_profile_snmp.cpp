@@ -148,14 +148,14 @@ int pack_get_port_rate_profile(u16, u8*, u8*, i32, u8* reply, u32* replyLen, voi
   return 0;
 }
 
-int register_port_rate_profile_set_snmp() {
+void register_port_rate_profile_set_snmp() {
   static constexpr SnmpMsgReg message{kRateProfileMessage,        {0, 0}, unpack_set_port_rate_profile,
                                       pack_get_port_rate_profile, 19052,  "port rate profile"};
-  return SnmpMsgRegister(&message);
+  SnmpMsgRegister(&message);
 }
 
-int register_port_rate_profile_del_snmp() {
+void register_port_rate_profile_del_snmp() {
   static constexpr SnmpMsgReg message{kRateProfileDeletion,   {0, 0}, unpack_delete_port_rate_profile, nullptr, 19052,
                                       "port rate profile del"};
-  return SnmpMsgRegister(&message);
+  SnmpMsgRegister(&message);
 }

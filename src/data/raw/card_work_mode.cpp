@@ -40,12 +40,12 @@ int get_card_work_mode_db(u32 objectId, u16* mode) {
   return code == 0 && CardWorkMode_mode_get(&row, mode) == 0 ? 0 : kStoreFailed;
 }
 
-int del_card_work_mode_db(u32 objectId) {
+void del_card_work_mode_db(u32 objectId) {
   Transaction transaction(Access::write);
-  if (!transaction) return kStoreFailed;
+  if (!transaction) return;
   CardWorkMode row;
-  if (CardWorkMode_idTree_find(transaction, objectId, &row) != 0) return kStoreFailed;
-  return CardWorkMode_delete(&row) == 0 ? transaction.commit() : kStoreFailed;
+  if (CardWorkMode_idTree_find(transaction, objectId, &row) == 0 && CardWorkMode_delete(&row) == 0)
+    transaction.commit();
 }
 
 // A slot's record as stored. 0 or -1.
@@ -63,16 +63,15 @@ static void send_card_work_mode(const CardWorkModeRecord& record) {
   tellRawRecord<Le32>(record.slot, kMessage, record);
 }
 
-int hotplug_card_work_mode(u16 slot) {
+void hotplug_card_work_mode(u16 slot) {
   CardWorkModeRecord record;
-  if (!isCesCard(slot) || readSlot(slot, &record) != 0) return -1;
+  if (!isCesCard(slot) || readSlot(slot, &record) != 0) return;
   send_card_work_mode(record);
-  return 0;
 }
 
-int card_unauth_card_work_mode(u16 slot) {
+void card_unauth_card_work_mode(u16 slot) {
   u32 id = 0;
-  return omSlot2ObjId(slot, &id) == 0 ? del_card_work_mode_db(id) : -1;
+  if (omSlot2ObjId(slot, &id) == 0) del_card_work_mode_db(id);
 }
 
 // --- Managers ---
@@ -127,10 +126,10 @@ int snmp_card_work_mode_get(u16, u8*, u8* data, i32 length, u8* reply, u32* repl
   return answer.end(replyLen);
 }
 
-int snmp_reg_card_work_mode() {
+void snmp_reg_card_work_mode() {
   constexpr SnmpMsgReg message{
       kMessage, {0, 0}, snmp_card_work_mode_set, snmp_card_work_mode_get, 904, "card_work_mode configuration"};
-  return SnmpMsgRegister(&message);
+  SnmpMsgRegister(&message);
 }
 
 // --- Commands ---
@@ -190,13 +189,12 @@ static constexpr Command commands[] = {
             "what a CES card works for"),
 };
 
-int install_card_work_mode() { return installCommands(commands); }
+void install_card_work_mode() { installCommands(commands); }
 
-int showrun_card_work_mode(Vty* vty) {
+void showrun_card_work_mode(Vty* vty) {
   forEachCesSlot([vty](u16 slot) {
     CardWorkModeRecord record;
     if (readSlot(slot, &record) != 0 || (record.mode != kRemoteMode && record.mode != kCesMode)) return;
     vty_out(vty, "set card work_mode slot %d mode %s\r\n", slot, textOf(modeWords, record.mode, ""));
   });
-  return 0;
 }

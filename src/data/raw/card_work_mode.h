@@ -15,11 +15,11 @@ struct CardWorkModeRecord {
 };
 static_assert(sizeof(CardWorkModeRecord) == 54);
 
-int snmp_reg_card_work_mode();
-int install_card_work_mode();
-int showrun_card_work_mode(Vty* vty);
-int hotplug_card_work_mode(u16 slot);
-int card_unauth_card_work_mode(u16 slot);
+void snmp_reg_card_work_mode();
+void install_card_work_mode();
+void showrun_card_work_mode(Vty* vty);
+void hotplug_card_work_mode(u16 slot);
+void card_unauth_card_work_mode(u16 slot);
 
 // 0 or a code: the card, the mode.
 int check_card_work_mode(const CardWorkModeRecord& record);
@@ -27,4 +27,4 @@ int check_card_work_mode(const CardWorkModeRecord& record);
 // The store, by the slot's object. A slot without a row works locally, and has none to delete. 0 or -900.
 int set_card_work_mode_db(u32 objectId, u16 mode);
 int get_card_work_mode_db(u32 objectId, u16* mode);
-int del_card_work_mode_db(u32 objectId);
+void del_card_work_mode_db(u32 objectId);

@@ -67,17 +67,17 @@ int get_ces_service_db(CesServiceRecord* record) {
   return 0;
 }
 
-int del_ces_service_db(u16 slot) {
+void del_ces_service_db(u16 slot) {
   Transaction transaction(Access::write);
-  if (!transaction) return kStoreFailed;
+  if (!transaction) return;
   for (u16 port = 1; port <= kCesPorts; ++port) {
     CESSerCfg row;
     int code = CESSerCfg_portTree_find(transaction, slot, port, &row);
     if (code == DB_NOT_FOUND) continue;
     if (code == 0) code = CESSerCfg_delete(&row);
-    if (code != 0) return kStoreFailed;
+    if (code != 0) return;
   }
-  return transaction.commit();
+  transaction.commit();
 }
 
 // Each port of a slot, as stored. 0, or the code of the first that can't be read.
@@ -95,9 +95,11 @@ static int forEachPort(u16 slot, u16 first, u16 last, Visit visit) {
 
 static void send_ces_service(const CesServiceRecord& record) { tellRawRecord<Le32>(record.slot, kMessage, record); }
 
-int hotplug_ces_service(u16 slot) { return isCesCard(slot) ? forEachPort(slot, 1, kCesPorts, send_ces_service) : -1; }
+void hotplug_ces_service(u16 slot) {
+  if (isCesCard(slot)) forEachPort(slot, 1, kCesPorts, send_ces_service);
+}
 
-int card_unauth_ces_service(u16 slot) { return del_ces_service_db(slot); }
+void card_unauth_ces_service(u16 slot) { del_ces_service_db(slot); }
 
 // --- Managers ---
 
@@ -132,10 +134,10 @@ int snmp_ces_service_get(u16, u8*, u8* data, i32 length, u8* reply, u32* replyLe
   return answer.end(replyLen);
 }
 
-int snmp_reg_ces_service() {
+void snmp_reg_ces_service() {
   constexpr SnmpMsgReg message{
       kMessage, {0, 0}, snmp_ces_service_set, snmp_ces_service_get, 17448, "ces_service configuration"};
-  return SnmpMsgRegister(&message);
+  SnmpMsgRegister(&message);
 }
 
 // --- Commands ---
@@ -183,7 +185,7 @@ static constexpr Command commands[] = {
             "where the packets of a CES card's ports go"),
 };
 
-int install_ces_service() { return installCommands(commands); }
+void install_ces_service() { installCommands(commands); }
 
 // Of an address the first byte alone says that there is none.
 static void printPort(Vty* vty, const CesServiceRecord& record) {
@@ -194,9 +196,8 @@ static void printPort(Vty* vty, const CesServiceRecord& record) {
           u16{record.jitterBuf});
 }
 
-int showrun_ces_service(Vty* vty) {
+void showrun_ces_service(Vty* vty) {
   forEachCesSlot([vty](u16 slot) {
     forEachPort(slot, 1, kCesPorts, [vty](const CesServiceRecord& record) { printPort(vty, record); });
   });
-  return 0;
 }

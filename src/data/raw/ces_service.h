@@ -20,11 +20,11 @@ struct CesServiceRecord {
 };
 static_assert(sizeof(CesServiceRecord) == 68);
 
-int snmp_reg_ces_service();
-int install_ces_service();
-int showrun_ces_service(Vty* vty);
-int hotplug_ces_service(u16 slot);
-int card_unauth_ces_service(u16 slot);
+void snmp_reg_ces_service();
+void install_ces_service();
+void showrun_ces_service(Vty* vty);
+void hotplug_ces_service(u16 slot);
+void card_unauth_ces_service(u16 slot);
 
 // 0 or a code: the card, the ports, the buffer.
 int check_ces_service(const CesServiceRecord& record);
@@ -32,4 +32,4 @@ int check_ces_service(const CesServiceRecord& record);
 // The store. A port without a row has the defaults. 0 or -900.
 int set_ces_service_db(const CesServiceRecord* record);  // of all ports in one transaction
 int get_ces_service_db(CesServiceRecord* record);        // of its slot and port
-int del_ces_service_db(u16 slot);
+void del_ces_service_db(u16 slot);

@@ -83,21 +83,19 @@ static void forEachPair(Visit visit) {
 static void send_mpair_buff(const MpairRecord& pair) { tellRawRecord<Le16>(pair.slot, kMessage, pair); }
 static void send_del_mpair_buff(u16 slot, u16 id) { tellRawRecord<Le16>(slot, kDeletion, Le16(id)); }
 
-int hotplug_mpair(u16 slot) {
-  if (!isDataCard(slot)) return -1;
+void hotplug_mpair(u16 slot) {
+  if (!isDataCard(slot)) return;
   forEachPair([slot](const MpairRecord& pair) {
     if (pair.slot == slot) send_mpair_buff(pair);
   });
-  return 0;
 }
 
-int card_unauth_mpair(u16 slot) {
-  if (!isDataCard(slot)) return -1;
+void card_unauth_mpair(u16 slot) {
+  if (!isDataCard(slot)) return;
   forEachPair([slot](const MpairRecord& pair) {
     u16 of = 0;
     if (pair.slot == slot) del_mpair_db(pair.id, &of);
   });
-  return 0;
 }
 
 // --- Managers ---
@@ -142,14 +140,12 @@ int snmp_mpair_get(u16, u8*, u8*, i32, u8* reply, u32* replyLen, void*, void*) {
   return answer.end(replyLen);
 }
 
-int snmp_reg_mpair() {
+void snmp_reg_mpair() {
   constexpr SnmpMsgReg messages[] = {
       {kMessage, {0, 0}, snmp_mpair_set, snmp_mpair_get, 5414, "dsl mpair configuration"},
       {kDeletion, {0, 0}, snmp_mpair_del, snmp_mpair_get, 5414, "del dsl mpair configuration"},
   };
-  int result = 0;
-  for (const SnmpMsgReg& message : messages) result = SnmpMsgRegister(&message);
-  return result;
+  for (const SnmpMsgReg& message : messages) SnmpMsgRegister(&message);
 }
 
 // --- Commands ---
@@ -203,12 +199,11 @@ static constexpr Command commands[] = {
     command(CONFIG_NODE, "no dsl mpair id <id>", cli_mpair_del_func, "a pair of bonded ports goes"),
 };
 
-int install_mpair() { return installCommands(commands); }
+void install_mpair() { installCommands(commands); }
 
-int showrun_mpair(Vty* vty) {
+void showrun_mpair(Vty* vty) {
   forEachPair([vty](const MpairRecord& pair) {
     vty_out(vty, "set dsl mpair id %d slot %d mport %d sport %d\r\n", u16{pair.id}, u16{pair.slot}, u16{pair.mport},
             u16{pair.sport});
   });
-  return 0;
 }

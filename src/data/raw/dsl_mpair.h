@@ -18,11 +18,11 @@ struct MpairRecord {
 };
 static_assert(sizeof(MpairRecord) == 42);
 
-int snmp_reg_mpair();
-int install_mpair();
-int showrun_mpair(Vty* vty);
-int hotplug_mpair(u16 slot);
-int card_unauth_mpair(u16 slot);
+void snmp_reg_mpair();
+void install_mpair();
+void showrun_mpair(Vty* vty);
+void hotplug_mpair(u16 slot);
+void card_unauth_mpair(u16 slot);
 
 // 0 or a code: the number, the card, two ports that go together.
 int check_mpair(const MpairRecord& record);

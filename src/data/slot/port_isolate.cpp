@@ -113,7 +113,7 @@ static int get_port_isolation(PortIsolateRecord* record, SnmpErrInfo* err) {
   return readRecord(portIsolation, record) == 0 ? 0 : -1;
 }
 
-int hotplug_port_isolation(u16 slot) { return recoverWholeSlot(portIsolation, slot); }
+void hotplug_port_isolation(u16 slot) { recoverWholeSlot(portIsolation, slot); }
 
 // --- Commands ---
 

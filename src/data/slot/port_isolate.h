@@ -13,7 +13,7 @@ struct PortIsolateRecord {
 
 extern const DataItem portIsolation;
 
-int hotplug_port_isolation(u16 slot);
+void hotplug_port_isolation(u16 slot);
 
 // Attribute 274. 0; -24 for a null value, -9 for a part, -900 for a connection, start or commit that failed, -1 for any
 // other failure.

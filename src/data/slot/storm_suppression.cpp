@@ -180,12 +180,12 @@ static int get_storm_suppression_base(StormSuppRecord* record, SnmpErrInfo* err)
   return checkObject(stormSuppression, record, err) == 0 && readRecord(stormSuppression, record) == 0 ? 0 : -1;
 }
 
-int recover_storm_suppression_cfg(u16 slot) { return recoverWholeSlot(stormSuppression, slot); }
+void recover_storm_suppression_cfg(u16 slot) { recoverWholeSlot(stormSuppression, slot); }
 
-int delete_storm_suppression_cfg(u16 slot) {
+void delete_storm_suppression_cfg(u16 slot) {
   u32 id = 0;
-  if (!isDataCard(slot)) return kNoDataCard;
-  return omSlot2ObjId(slot, &id) == 0 ? delete_stormsupp_cfg_dbapi(id) : -1;
+  if (!isDataCard(slot)) return;
+  if (omSlot2ObjId(slot, &id) == 0) delete_stormsupp_cfg_dbapi(id);
 }
 
 // --- Commands ---

@@ -33,8 +33,8 @@ struct StormSuppRecord {
 
 extern const DataItem stormSuppression;
 
-int recover_storm_suppression_cfg(u16 slot);
-int delete_storm_suppression_cfg(u16 slot);  // of a data card; back to the default
+void recover_storm_suppression_cfg(u16 slot);
+void delete_storm_suppression_cfg(u16 slot);  // of a data card; back to the default
 
 // Attribute 271. A slot without rows has the default. 0; -24 for a null value, -9 for a part, -900 for a connection,
 // start or commit that failed, -1 for any other failure.

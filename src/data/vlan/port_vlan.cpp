@@ -188,7 +188,9 @@ static int get_port_vlan(PortVlanRecord* record, SnmpErrInfo* err) {
   return readRecord(portVlan, record) == 0 ? 0 : -1;
 }
 
-int recover_port_vlan_cfg(u16 slot) { return isDataCard(slot) ? recoverSlot(portVlan, slot) : kServiceCount; }
+void recover_port_vlan_cfg(u16 slot) {
+  if (isDataCard(slot)) recoverSlot(portVlan, slot);
+}
 
 // With services that only a replay stores: 16 in each of the eight rows.
 static constexpr u32 kLargestPort = 22 + kPvcRows * (20 + kVlanServices * (34 + 2 * kFlowEntries * 42));

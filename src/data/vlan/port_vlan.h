@@ -52,9 +52,9 @@ extern const DataItem portVlan;
 int check_port_vlan_cfg(PortVlanRecord* record,
                         SnmpErrInfo* err);  // sets row count and PVC indexes as the port has them
 void showrunPortVlan(Vty* vty, const PortVlanRecord* record);
-int recover_port_vlan_cfg(u16 slot);
+void recover_port_vlan_cfg(u16 slot);
 
-int install_port_vlan_cfg_cli_element();
+void install_port_vlan_cfg_cli_element();
 
 inline bool isInUse(const VlanService& service) { return service.entryState == kInUse; }
 inline u16 servicesInUse(const VlanItem& row) { return static_cast<u16>(std::ranges::count_if(row.services, isInUse)); }

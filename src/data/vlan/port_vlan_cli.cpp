@@ -205,10 +205,10 @@ static constexpr Command commands[] = {
             "VLAN services of ports"),
 };
 
-static int installPortCommands() { return installCommands(commands); }
+static void installPortCommands() { installCommands(commands); }
 
-int install_port_vlan_cfg_cli_element() {
+void install_port_vlan_cfg_cli_element() {
   static constexpr Step install[] = {installVlanProfileCommands, installVlanServiceCommands, installVlanProfileShow,
                                      installPortCommands, installAddVlanService};
-  return callAll(install);
+  callAll(install);
 }

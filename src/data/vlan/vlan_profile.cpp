@@ -18,17 +18,16 @@ static constexpr const char* kDefaultName = "defVlanPrf";
 
 // --- The table ---
 
-int init_port_vlan_cfg_module() {
+void init_port_vlan_cfg_module() {
   const u32 size = (kVlanProfiles + 1) * sizeof(VlanProfile);
   void* memory = mpuAlloc_(g_MsanMemPoolId, size, __FILE__, __LINE__);
   if (memory == nullptr) {
     ulogPrintf(gModuleId_Msan, 13, "\r\n %s, %d, malloc for gPortVlanPrf fail!. \r\n", __func__, __LINE__);
-    return -1;
+    return;
   }
   std::memset(memory, 0, size);
   gPortVlanPrf = static_cast<VlanProfile*>(memory);
   cfg_def_vlan_profile();
-  return 0;
 }
 
 void cfg_def_vlan_profile() {
@@ -253,7 +252,7 @@ static void offerProfiles(const void*, CommandOffers* to) {
   }
 }
 
-int installVlanProfileCommands() {
+void installVlanProfileCommands() {
   install_offers("vlan", offerProfiles, nullptr);
-  return installCommands(commands);
+  installCommands(commands);
 }

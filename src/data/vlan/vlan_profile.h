@@ -73,7 +73,7 @@ struct VlanProfile {
 extern VlanProfile* gPortVlanPrf;  // 1025, by id; null if there was no memory for them
 extern u16 gCurrentVlanPrfId;      // the profile that the commands edit, one for all terminals; 0 none
 
-int init_port_vlan_cfg_module();  // 0, or -1 with a log line
+void init_port_vlan_cfg_module();  // without memory: a log line
 void cfg_def_vlan_profile();
 void init_port_vlan_profile(u16 id);  // empties a profile
 int vlan_profile_is_valid(u16 id);    // 1 or 0; profile 0 counts during recovery alone
@@ -93,6 +93,6 @@ void showVlanHead(Vty* vty, const VlanItem& item);
 VlanProfile* currentProfile(Vty* vty);
 
 // Each installs its part of the commands.
-int installVlanProfileCommands();
-int installVlanServiceCommands();
-int installVlanProfileShow();
+void installVlanProfileCommands();
+void installVlanServiceCommands();
+void installVlanProfileShow();

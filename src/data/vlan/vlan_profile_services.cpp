@@ -217,4 +217,4 @@ static constexpr Command commands[] = {
 };
 #undef QINQ
 
-int installVlanServiceCommands() { return installCommands(commands); }
+void installVlanServiceCommands() { installCommands(commands); }

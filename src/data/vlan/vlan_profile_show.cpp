@@ -71,4 +71,4 @@ static constexpr Command commands[] = {
             "a VLAN profile, or one of its services"),
 };
 
-int installVlanProfileShow() { return installCommands(commands); }
+void installVlanProfileShow() { installCommands(commands); }

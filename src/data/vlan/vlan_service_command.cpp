@@ -167,4 +167,4 @@ static constexpr Command commands[] = {
             cli_add_service_vlan_new_func, "add a VLAN service to ports"),
 };
 
-int installAddVlanService() { return installCommands(commands); }
+void installAddVlanService() { installCommands(commands); }

@@ -26,4 +26,4 @@ int cli_parse_vlan_mode(const char* text, u16* mode);         // 0 or -1
 // The rule of a name, into the service: `which` 6 its own, 7 the outer tag's. No text: rule 0. 0 or -1.
 int cli_parse_vlan_rule(const char* text, int which, VlanService* service);
 
-int installAddVlanService();
+void installAddVlanService();

@@ -5,13 +5,13 @@
 
 struct Vty;
 
-int init_alarm_prf();  // stores the default profile
-int reg_ngn_alarm_prf_cmd_handle();
-int init_alram_prf_cmd();
-int alarm_prf_showrun(Vty* vty);
+void init_alarm_prf();  // stores the default profile
+void reg_ngn_alarm_prf_cmd_handle();
+void init_alram_prf_cmd();
+void alarm_prf_showrun(Vty* vty);
 
 // The ports that use them.
-int registerAlarmAttachment();
-int installAlarmAttachment();
-int showrun_adsl_alarm_attach(Vty* vty);
-int hotplug_alarm_prf_attach(u16 slot);  // those of a returned card that have another profile than the default one
+void registerAlarmAttachment();
+void installAlarmAttachment();
+void showrun_adsl_alarm_attach(Vty* vty);
+void hotplug_alarm_prf_attach(u16 slot);  // those of a returned card that have another profile than the default one

@@ -46,12 +46,12 @@ int attach_alarm_prf_adapt(LIST* nodes, u32 count) {
   return 0;
 }
 
-int hotplug_alarm_prf_attach(u16 slot) {
+void hotplug_alarm_prf_attach(u16 slot) {
   const int card = get_config_card_type(slot);
   u16 ports = 0;
   if (card <= 0 || caCheckCardTypeIsMsanCard(static_cast<u16>(card)) != 0 ||
       ddGetBoardServePortAmountByType(static_cast<u16>(card), &ports) != 0) {
-    return -1;
+    return;
   }
   for (u16 port = 1; port <= ports; ++port) {
     ObjIndex object;
@@ -59,10 +59,9 @@ int hotplug_alarm_prf_attach(u16 slot) {
     if (SlotNoPortConvertObjIndex(slot, port, 0, &object) != 0) continue;
     if (attachedProfile(alarmKind, &object, &id) < 0 || id == kDefaultProfile) continue;
     AlarmPrfRecord record;
-    if (get_alarm_profile_attribute(id, &record) != 0) return -1;
+    if (get_alarm_profile_attribute(id, &record) != 0) return;
     sendAlarm(slot, port, record);
   }
-  return 0;
 }
 
 // Stores the id for the port and reads the profile. The port keeps an id without a profile.
@@ -126,12 +125,12 @@ static int snmp_get_dsl_prf_attach(u16 id, u8* last, u8* data, i32 length, u8* r
   return endReply(call, to);
 }
 
-int registerAlarmAttachment() {
+void registerAlarmAttachment() {
   static constexpr ProfileMessage messages[] = {
       {"DSL_ALARM_PRF_ATTACH", "Set alarm prf banding", kAttach, snmp_set_adsl_prf_attach, snmp_get_dsl_prf_attach,
        38916},
   };
-  return registerProfileMessages(messages);
+  registerProfileMessages(messages);
 }
 
 // --- Commands ---
@@ -187,7 +186,7 @@ static constexpr Command commands[] = {
     command(CONFIG_NODE, "show alarm profile attach interface <ifStr>", show_attach_alarm_prf_Func,
             "the alarm profile of ports"),
 };
-int installAlarmAttachment() { return installCommands(commands); }
+void installAlarmAttachment() { installCommands(commands); }
 
 static void adsl_alarm_attach_showrun(Vty* vty, u16 slot, u16 port) {
   ObjIndex object;
@@ -197,12 +196,11 @@ static void adsl_alarm_attach_showrun(Vty* vty, u16 slot, u16 port) {
   vty_out(vty, "attach alarm profile id %d interface %d/%d%s", id, slot, port, "\r\n");
 }
 
-int showrun_adsl_alarm_attach(Vty* vty) {
+void showrun_adsl_alarm_attach(Vty* vty) {
   for (u16 slot = 1; slot <= 18; ++slot) {
     const int card = slot != 9 && slot != 10 ? get_config_card_type(slot) : 0;
     u16 ports = 0;
     if (card <= 0 || ddGetBoardServePortAmountByType(static_cast<u16>(card), &ports) != 0) continue;
     for (u16 port = 1; port <= ports; ++port) adsl_alarm_attach_showrun(vty, slot, port);
   }
-  return 0;
 }

@@ -20,12 +20,12 @@ static int snmp_get_alarm_prf(u16 id, u8* last, u8* data, i32 length, u8* reply,
   return snmpReadProfiles(alarmKind, {id, last, data, length, reply, replyLen});
 }
 
-int reg_ngn_alarm_prf_cmd_handle() {
+void reg_ngn_alarm_prf_cmd_handle() {
   static constexpr ProfileMessage messages[] = {
       {"DSL_ALARM_PRF_CONFIG", "test", 34668, snmp_set_alarm_prf, snmp_get_alarm_prf, 2092},
       {"DSL_ALARM_PRF_DELETE", "test", 34669, snmp_del_alarm_prf, nullptr, 0},
   };
-  return registerProfileMessages(messages);
+  registerProfileMessages(messages);
 }
 
 // --- Commands ---
@@ -96,7 +96,7 @@ static constexpr Command commands[] = {
     command(CONFIG_NODE, "set alarm FeLprsThreshold15min <value>", set_alarm_FeLprsThreshold15min_func, "seconds without power, far end"),
 };
 // clang-format on
-int init_alram_prf_cmd() {
+void init_alram_prf_cmd() {
   install_offers(alarmKind.word, offerKind, &alarmKind);
-  return installCommands(commands);
+  installCommands(commands);
 }

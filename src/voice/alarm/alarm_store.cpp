@@ -60,7 +60,7 @@ int set_alarm_profile_attribute(u32 count, const AlarmPrfRecord* records) {
   return 0;
 }
 
-int store_default_alarm_profile(const AlarmPrfRecord& record) { return storeProfileRow(record); }
+void store_default_alarm_profile(const AlarmPrfRecord& record) { storeProfileRow(record); }
 
 int delete_alarm_profile_db(u16 id) { return removeWhole(profiles, id); }
 

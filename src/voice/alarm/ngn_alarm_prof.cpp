@@ -109,20 +109,19 @@ int check_alarm_prf_para(SnmpErrInfo* err, const ProfileHead* record) {
 }
 int check_alarm_prf_attached(SnmpErrInfo* err, u16 id) { return isAttached(alarmKind, err, id); }
 int set_alarm_prf_cfg_id(u16 id) { return selectProfile(alarmKind, id); }
-int flush_alarm_prf(SnmpErrInfo* err, u16 id) { return flushProfile(alarmKind, err, id); }
-int alarm_prf_showrun(Vty* vty) { return printProfiles(alarmKind, vty); }
+void flush_alarm_prf(SnmpErrInfo* err, u16 id) { flushProfile(alarmKind, err, id); }
+void alarm_prf_showrun(Vty* vty) { printProfiles(alarmKind, vty); }
 
-int fill_alarm_prf_dft_para(AlarmPrfRecord* record) {
-  if (record == nullptr) return -1;
+void fill_alarm_prf_dft_para(AlarmPrfRecord* record) {
+  if (record == nullptr) return;
   fillDefaults(alarmKind, record);
-  return 0;
 }
 
-int init_alarm_prf() {
+void init_alarm_prf() {
   AlarmPrfRecord record{};
   record.status = 1;
   std::memcpy(record.name, "defaultName", sizeof "defaultName");
-  return store_default_alarm_profile(record) == 0 ? 0 : -1;
+  store_default_alarm_profile(record);
 }
 
 // --- The table in memory ---

@@ -52,7 +52,7 @@ class AlarmTable {
 
 // --- Operations. 0 or -1, and what failed in the error record ---
 
-int fill_alarm_prf_dft_para(AlarmPrfRecord* record);
+void fill_alarm_prf_dft_para(AlarmPrfRecord* record);
 int check_alarm_prf_id_legal(SnmpErrInfo* err, u32 id);
 int check_alarm_prf_id_legal_exp0(SnmpErrInfo* err, u32 id);
 int check_alarm_prf_para(SnmpErrInfo* err, const ProfileHead* record);
@@ -76,12 +76,12 @@ int set_alarm_prf(SnmpErrInfo* err, AlarmPrfRecord* records, u16 count);
 int delete_spc_alarm_prf(SnmpErrInfo* err, const u16* ids, u16 count);
 // Takes one threshold over from `values`, by its number from 1. Nothing is sent.
 int modify_spc_alarm_prf_para(SnmpErrInfo* err, const AlarmPrfRecord* values, u32 selector);
-int flush_alarm_prf(SnmpErrInfo* err, u16 id);
+void flush_alarm_prf(SnmpErrInfo* err, u16 id);
 
 // --- The table in the database (alarm_store.cpp). 0; -1 for an id that can't be; kStoreFailed ---
 
 int get_alarm_profile_attribute(u16 id, AlarmPrfRecord* record);
 // Each record in its own transaction. Those with id 0 are passed over.
 int set_alarm_profile_attribute(u32 count, const AlarmPrfRecord* records);
-int store_default_alarm_profile(const AlarmPrfRecord& record);
+void store_default_alarm_profile(const AlarmPrfRecord& record);
 int delete_alarm_profile_db(u16 id);

@@ -350,43 +350,37 @@ int refuse(Vty* vty, const char* why) {
   return -1;
 }
 
-int registerMessage(const SnmpMsgReg& message, Where where) {
-  if (SnmpMsgRegister(&message) == 0) return 0;
+void registerMessage(const SnmpMsgReg& message, Where where) {
+  if (SnmpMsgRegister(&message) == 0) return;
   ulogPrintf(gModuleId_Msan, 13, "\r\n %s, %s %d, register SNMP command 0x%04X failed. \r\n", FunctionName(where).text,
              fileName(where), where.line, message.msgType);
-  return -1;
 }
 
-// --- Lists of items ---
+// --- Lists of items: one that fails does not hold up the others ---
 
-// Calls `step` for all, also behind one that failed; the last one's result.
-template <class Step>
-static int eachItem(VoiceItems items, Step step) {
-  int result = 0;
-  for (const VoiceItem* item : items) result = step(*item);
-  return result;
+void initItems(VoiceItems items) {
+  for (const VoiceItem* item : items) initItem(*item);
 }
 
-int initItems(VoiceItems items) { return eachItem(items, initItem); }
-
-int registerItems(VoiceItems items) {
-  return eachItem(items, [](const VoiceItem& item) {
-    const ItemMessage& m = item.message;
-    return registerMessage({item.id, {0, 0}, m.set, m.get, m.mostReply, m.text}, item.at(item.names->registrar));
-  });
+void registerItems(VoiceItems items) {
+  for (const VoiceItem* item : items) {
+    const ItemMessage& m = item->message;
+    registerMessage({item->id, {0, 0}, m.set, m.get, m.mostReply, m.text}, item->at(item->names->registrar));
+  }
 }
 
-int installItems(VoiceItems items) {
-  return eachItem(items, [](const VoiceItem& item) { return installCommands(item.commands); });
+void installItems(VoiceItems items) {
+  for (const VoiceItem* item : items) installCommands(item->commands);
 }
 
-int showrunItems(VoiceItems items, Vty* vty) {
-  return eachItem(items, [vty](const VoiceItem& item) {
-    if (item.showrunHandle != nullptr) return item.showrunHandle(vty);
-    // Of a record that can't be read the line of a zeroed one is printed.
-    AnyRecord cfg;
-    loadItem(item, cfg);
-    item.showrun(vty, cfg);
-    return 0;
-  });
+static void showrunItem(const VoiceItem& item, Vty* vty) {
+  if (item.showrunHandle != nullptr) return item.showrunHandle(vty);
+  // Of a record that can't be read the line of a zeroed one is printed.
+  AnyRecord cfg;
+  loadItem(item, cfg);
+  item.showrun(vty, cfg);
+}
+
+void showrunItems(VoiceItems items, Vty* vty) {
+  for (const VoiceItem* item : items) showrunItem(*item, vty);
 }

@@ -121,7 +121,7 @@ struct VoiceItem {
 
   void (*show)(Vty* vty, const void* cfg) = nullptr;     // what a show command prints ahead of its last line
   void (*showrun)(Vty* vty, const void* cfg) = nullptr;  // lines of the running configuration
-  int (*showrunHandle)(Vty* vty) = nullptr;              // the same for an item that is no single record
+  void (*showrunHandle)(Vty* vty) = nullptr;             // the same for an item that is no single record
 
   std::span<const Command> commands = {};
   ItemMessage message = {};
@@ -196,7 +196,7 @@ int finishShow(Vty* vty, const VoiceItem& item, int result);
 int refuse(Vty* vty, const char* why);
 
 // Registers a message; logs a failure. 0 or -1.
-int registerMessage(const SnmpMsgReg& message, Where where = Where::here());
+void registerMessage(const SnmpMsgReg& message, Where where = Where::here());
 
 // --- Handlers of an item, for its row and its commands ------------------------------------------------------------
 
@@ -224,11 +224,11 @@ int distributeEraseOf(const CommandElement*, Vty* vty, int argc, char** argv) {
 // --- An area's lists of items -------------------------------------------------------------------------------------
 
 using VoiceItems = std::span<const VoiceItem* const>;
-int initItems(VoiceItems items);
-int registerItems(VoiceItems items);
-int installItems(VoiceItems items);
-int showrunItems(VoiceItems items, Vty* vty);
+void initItems(VoiceItems items);
+void registerItems(VoiceItems items);
+void installItems(VoiceItems items);
+void showrunItems(VoiceItems items, Vty* vty);
 template <const VoiceItem& item>
-int distributeOf() {
-  return distributeItem(item);
+void distributeOf() {
+  distributeItem(item);
 }

@@ -25,7 +25,7 @@ int sendMscMsg(u16 slot, const u8* buffer, u32 length) {
 }
 
 MscReplyRecord* createMscReplyRecordNode(u16, u16) { return nullptr; }
-int addMscReplyRecordNode(LIST*, MscReplyRecord*) { return 0; }
+void addMscReplyRecordNode(LIST*, MscReplyRecord*) {}
 int recvMscSynReply(LIST*, i32) { return 0; }
 void freeMscReplyRecordList(LIST*) {}
 

@@ -11,7 +11,7 @@ int sendMscMsg(u16 slot, const u8* buffer, u32 length);
 // The synchronous reply record, empty on this road.
 struct MscReplyRecord;
 MscReplyRecord* createMscReplyRecordNode(u16 slot, u16 id);
-int addMscReplyRecordNode(LIST* list, MscReplyRecord* record);
+void addMscReplyRecordNode(LIST* list, MscReplyRecord* record);
 int recvMscSynReply(LIST* list, i32 timeoutMs);
 void freeMscReplyRecordList(LIST* list);
 

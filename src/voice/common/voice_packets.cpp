@@ -84,19 +84,17 @@ int vCreateSlotDataNode(LIST* list, const MscSlotInfo* slots, u16 count, i32 uni
   return 0;
 }
 
-int vFreeDataNode(LIST* list, DataNode* node) {
-  if (list == nullptr || node == nullptr) return 0;
+void vFreeDataNode(LIST* list, DataNode* node) {
+  if (list == nullptr || node == nullptr) return;
   mpuFree(node->data);
   lstDelete(list, node);
   mpuFree(node);
-  return 0;
 }
 
-int vFreeDataList(LIST* list) {
-  if (list == nullptr) return 0;
+void vFreeDataList(LIST* list) {
+  if (list == nullptr) return;
   while (NODE* node = lstLast(list)) vFreeDataNode(list, static_cast<DataNode*>(node));
   lstInit(list);
-  return 0;
 }
 
 int vMemAlloc(u8** memory, i32 size) {

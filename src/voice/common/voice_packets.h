@@ -47,8 +47,8 @@ int vCreateDataNode(LIST* list, i32 count, u32 size);
 int vCreatePortDataNode(LIST* list, u16 basePort, u16 slot, u16 count, u32 size);
 // Appends a node for each pair: room for the envelope, a count of up to 4 bytes, and the pair's items.
 int vCreateSlotDataNode(LIST* list, const MscSlotInfo* slots, u16 count, i32 unit);
-int vFreeDataNode(LIST* list, DataNode* node);
-int vFreeDataList(LIST* list);                             // from the tail, and initialises the list
+void vFreeDataNode(LIST* list, DataNode* node);
+void vFreeDataList(LIST* list);                            // from the tail, and initialises the list
 int vMemAlloc(u8** memory, i32 size);                      // zeroed
 int vFreeMem(u8** memory);                                 // and nulls
 int nSetDataList(const void* data, u32 size, LIST* list);  // appends a copy

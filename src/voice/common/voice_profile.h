@@ -108,8 +108,8 @@ int profileDelete(u16 id, u8, u8* data, i32 length, u8* reply, u32* replyLen, vo
 }
 // The two messages of a kind.
 template <const VoiceProfiles& kind>
-int registerProfiles(u32 mostReply, const char* setText, const char* deleteText) {
+void registerProfiles(u32 mostReply, const char* setText, const char* deleteText) {
   constexpr u32 kDeleteReply = 32;
   registerMessage({kind.item.id, {0, 0}, profileSet<kind>, profileGet<kind>, mostReply, setText});
-  return registerMessage({kind.deleteId, {0, 0}, profileDelete<kind>, nullptr, kDeleteReply, deleteText});
+  registerMessage({kind.deleteId, {0, 0}, profileDelete<kind>, nullptr, kDeleteReply, deleteText});
 }

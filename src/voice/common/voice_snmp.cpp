@@ -107,15 +107,15 @@ void vBuildErrorInfo(u16 id, const SnmpErrInfo* err, u8* reply, u32* replyLen) {
   buildSnmpErrRetPkt(reply, replyLen, id, err);
 }
 
-int vSetErrorInfo(u32 code, const void* value, u16 size, SnmpErrInfo* err) {
-  if (err == nullptr) return -1;
+void vSetErrorInfo(u32 code, const void* value, u16 size, SnmpErrInfo* err) {
+  if (err == nullptr) return;
   err->errCode = static_cast<u16>(code);
   err->errDataLen = size;
   if (size == 0) {
     ulogTypePkt(gModuleId_Msan, 10, err, sizeof *err);
-    return 0;
+    return;
   }
-  if (value == nullptr) return -1;
+  if (value == nullptr) return;
   if (size == 2) {
     u16 number;
     std::memcpy(&number, value, sizeof number);
@@ -127,7 +127,6 @@ int vSetErrorInfo(u32 code, const void* value, u16 size, SnmpErrInfo* err) {
   } else {
     std::memcpy(err->errData, value, std::min<std::size_t>(size, sizeof err->errData));
   }
-  return 0;
 }
 
 int checkRecord(Fields fields, const void* record, SnmpErrInfo* err, Where where) {

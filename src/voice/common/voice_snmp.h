@@ -55,9 +55,9 @@ void vBuildSuccessInfo(u8* reply, u32* replyLen);
 void vBuildErrorInfo(u16 id, const SnmpErrInfo* err, u8* reply, u32* replyLen);
 
 // Fills the record: a value of 1, 2 or 4 bytes becomes big-endian, any other size goes as it is; size 0 is no detail.
-// More than the record's 50 bytes are cut, while their number stays. 0, or -1 for a null record or value.
-int vSetErrorInfo(u32 code, const void* value, u16 size, SnmpErrInfo* err);
-inline int vSetErrorInfo(u32 code, SnmpErrInfo* err) { return vSetErrorInfo(code, nullptr, 0, err); }
+// More than the record's 50 bytes are cut, while their number stays; a null value leaves the detail as it was.
+void vSetErrorInfo(u32 code, const void* value, u16 size, SnmpErrInfo* err);
+inline void vSetErrorInfo(u32 code, SnmpErrInfo* err) { vSetErrorInfo(code, nullptr, 0, err); }
 
 // Range check of a record: the first field outside its ranges fills `err` with its code and value, and is traced. 0 or
 // -1.

@@ -168,13 +168,12 @@ static constexpr NumberTexts iptTexts{"IPT", "add IPT telephone number configura
                                       "-----------------------------------"};
 
 template <const VoiceItem& item, const NumberTexts& texts>
-static int showrun(Vty* vty) {
+static void showrun(Vty* vty) {
   for (u32 index = 0; index < kNumbers; ++index) {
     PHNNumber cfg;
     if (loadItem(item, &cfg, index) != 0 || isEmpty(cfg)) continue;
     vty_out(vty, "%s %.20s type %s\r\n", texts.command, cfg.phnNumber, textOf(typeWords, cfg.phnType, "h"));
   }
-  return 0;
 }
 
 template <const VoiceItem& item, const NumberTexts& texts>

@@ -24,5 +24,5 @@ extern const VoiceItem potsGeneral;
 int distrib_pots_general_parax(const PotsGeneral* cfg, SnmpErrInfo* err);
 int distrib_pots_general_para(u16 slot);  // what is stored to one slot, of whatever card
 int erase_pots_general_para();
-int showrun_pots_general_para(Vty* vty);
-int installPotsGeneralCommands();
+void showrun_pots_general_para(Vty* vty);
+void installPotsGeneralCommands();

@@ -121,16 +121,16 @@ static int cli_show_pots_general_para_config_func(const CommandElement*, Vty* vt
 }
 
 // A record that a check would refuse is left out as a whole.
-int showrun_pots_general_para(Vty* vty) {
+void showrun_pots_general_para(Vty* vty) {
   PotsGeneral cfg;
   SnmpErrInfo err;
   if (loadItem(potsGeneral, &cfg) != 0) {
     trace("get POTS general para configuration failed");
-    return -1;
+    return;
   }
   if (checkItem(potsGeneral, &cfg, &err) != 0) {
     trace("invalid POTS general para configuration(%d)", static_cast<i16>(err.errCode));
-    return -1;
+    return;
   }
   vty_out(vty, "set pots general para pulse width %d interval %d flash width %d\r\n", cfg.pulseWidth, cfg.pulseInterval,
           cfg.flashWidth);
@@ -139,7 +139,6 @@ int showrun_pots_general_para(Vty* vty) {
   vty_out(vty, "set pots general para impedance mode %s\r\n", textOf(impedanceWords, cfg.POTSImpMode, "680"));
   vty_out(vty, "set pots general para off hooktime %d on hooktime %d\r\n", cfg.offHookCheckTime, cfg.onHookCheckTime);
   vty_out(vty, "set pots general para codec gain send %d receive %d\r\n", cfg.sendCODECGain, cfg.recvCODECGain);
-  return 0;
 }
 
 // clang-format off
@@ -163,4 +162,4 @@ static constexpr Command commands[] = {
 };
 // clang-format on
 
-int installPotsGeneralCommands() { return installCommands(commands); }
+void installPotsGeneralCommands() { installCommands(commands); }

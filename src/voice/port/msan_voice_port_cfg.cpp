@@ -197,12 +197,8 @@ static void forEachSlot(Each each) {
     if (slot != 9 && slot != 10) each(slot);
 }
 
-int distrib_voiceport() {
-  int result = 0;
-  forEachSlot([&](u16 slot) {
-    if (ndistrib_voiceport(slot) != 0) result = -1;
-  });
-  return result;
+void distrib_voiceport() {
+  forEachSlot([](u16 slot) { ndistrib_voiceport(slot); });
 }
 
 // Writes a record that keeps the enabling alone. 0, 1 when it can't be read, -1 when it can't be written.
@@ -259,7 +255,7 @@ static int nsnmp_get_voiceport(u16 id, u8* last, u8* data, i32 length, u8* reply
 
 static constexpr SnmpMsgReg message{
     kMessage, {0, 0}, nsnmp_set_voiceport, nsnmp_get_voiceport, 253956, "Set voice port configuration"};
-int voiceportcfg_regsnmpcmdhandle() { return registerMessage(message); }
+void voiceportcfg_regsnmpcmdhandle() { registerMessage(message); }
 
 // --- Running configuration ---
 

@@ -22,7 +22,7 @@ int nset_voiceport_datalistc(const VoicePort* from, LIST* list);                
 // A command's way: check, store, send. -1 while not all is stored; behind that 0, and a failure shows in `err` alone.
 int ndistrib_voiceportx(LIST* list, SnmpErrInfo* err);
 int ndistrib_voiceport(u16 slot);  // sends what is stored; 0 without a POTS card
-int distrib_voiceport();           // of all slots
+void distrib_voiceport();          // of all slots
 int nerase_voiceport(u16 slot);    // all but the enabling
 int showrun_voiceport(Vty* vty);
 
@@ -33,5 +33,5 @@ bool numberIsTooLong(Vty* vty, const char* number);  // with a line
 int listCounted(Vty* vty, const char* ifStr, u32 attribute, u32 step, LIST* list);
 int setNumbers(const char* number, u32 step, LIST* list);
 
-int voiceportcfg_regsnmpcmdhandle();
-int ninstall_voiceportcfg_cmdline();
+void voiceportcfg_regsnmpcmdhandle();
+void ninstall_voiceportcfg_cmdline();

@@ -191,7 +191,7 @@ static constexpr Command commands[] = {
             cli_distribute_erase_voice_port_config_func, "configuration of a slot's POTS ports"),
 };
 // clang-format on
-int ninstall_voiceportcfg_cmdline() {
+void ninstall_voiceportcfg_cmdline() {
   install_offers("telephone", offerPortNumbers, nullptr);
-  return installCommands(commands);
+  installCommands(commands);
 }

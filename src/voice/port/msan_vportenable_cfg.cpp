@@ -66,10 +66,10 @@ int distrib_voice_port_enable(LIST* list, SnmpErrInfo* err) {
   return 0;
 }
 
-int voice_port_enable_hotplug() {
+void voice_port_enable_hotplug() {
   u32 slots[kMostServeSlots];
   u32 count = 0;
-  if (getServeSlots(slots, &count) != 0) return -1;
+  if (getServeSlots(slots, &count) != 0) return;
   for (u32 i = 0; i < count; ++i) {
     const u16 slot = static_cast<u16>(slots[i]);
     if (vCheckSlotNo(slot, kPotsCardKind) != 0) continue;
@@ -78,9 +78,8 @@ int voice_port_enable_hotplug() {
     if (ddGetBoardServePortAmountByType(static_cast<u16>(get_config_card_type(slot)), &amount) != 0 ||
         nCreatePortDataNode(list, slot, amount, kVoicePortAttribute, sizeof(VoicePortEnable)) != 0 ||
         get_voice_port_enable_objdata(0, list) != 0 || sendPorts(ports, list) != 0)
-      return -1;
+      return;
   }
-  return 0;
 }
 
 // --- SNMP ---
@@ -115,7 +114,7 @@ static constexpr SnmpMsgReg message{kMessage,
                                     snmp_get_voice_port_enable,
                                     18948,
                                     "Set voice port enable configuration"};
-int msan_reg_vportenable_snmp() { return registerMessage(message); }
+void msan_reg_vportenable_snmp() { registerMessage(message); }
 
 // --- Commands ---
 

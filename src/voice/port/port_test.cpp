@@ -179,11 +179,10 @@ static constexpr SnmpMsgReg messages[] = {
     {loopbackOrders.id, {0, 0}, ordersSet<loopbackOrders>, nullptr, 0, "Port Loop Back test"},
 };
 
-int snmp_msg_register_port_test() {
+void snmp_msg_register_port_test() {
   for (const SnmpMsgReg& message : messages) {
     if (SnmpMsgRegister(&message) != 0) ulogPrintf(gModuleId_Msan, 10, "register %s failed!\r\n", message.description);
   }
-  return 0;
 }
 
 // --- Command ---

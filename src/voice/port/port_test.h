@@ -19,4 +19,4 @@ struct PortOrder {
 int set_port_test(SnmpErrInfo* err, std::span<const PortOrder> orders);
 int set_port_loopback(SnmpErrInfo* err, std::span<const PortOrder> orders);
 
-int snmp_msg_register_port_test();
+void snmp_msg_register_port_test();

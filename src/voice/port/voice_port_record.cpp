@@ -54,13 +54,13 @@ int del_voiceportcfg_dbapi(u32 objectId) {
   return transaction.commit();
 }
 
-int init_voiceport_cfg(u16 slot) {
+void init_voiceport_cfg(u16 slot) {
   const int card = get_config_card_type(slot);
-  if (card > 0 && caCheckCardTypeIsMsanPotsCard(static_cast<u16>(card)) != 0) return 0;
+  if (card > 0 && caCheckCardTypeIsMsanPotsCard(static_cast<u16>(card)) != 0) return;
   u16 amount = 0;
   if (card <= 0 || ddGetBoardServePortAmountByType(static_cast<u16>(card), &amount) != 0) {
     ulogPrintf(gModuleId_Msan, 13, "%s: the card of slot %d can't be had.\r\n", __func__, slot);
-    return -1;
+    return;
   }
   for (u32 port = 1; port <= amount; ++port) {
     ObjIndex object;
@@ -69,7 +69,6 @@ int init_voiceport_cfg(u16 slot) {
       continue;
     }
     const VoicePort record;
-    if (setObjAttrDataByCondition(&object, kVoicePortAttribute, &record, 0, sizeof record) != 0) return -1;
+    if (setObjAttrDataByCondition(&object, kVoicePortAttribute, &record, 0, sizeof record) != 0) return;
   }
-  return 0;
 }

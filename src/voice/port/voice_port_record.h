@@ -24,4 +24,4 @@ int get_voiceportcfg_dbapi(u32 objectId, void* data, u32 offset, u32 length);
 int del_voiceportcfg_dbapi(u32 objectId);
 
 // Gives each port of a POTS card that was authorised an empty row. 0 or -1.
-int init_voiceport_cfg(u16 slot);
+void init_voiceport_cfg(u16 slot);

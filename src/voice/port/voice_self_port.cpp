@@ -137,23 +137,22 @@ static void putItem(u8* item, u16 slot, u16 port, const char* number) {
   std::memcpy(item + kLocation, number, kSelfNumber);
 }
 
-int ndistrib_voice_self_port(u16 slot, u16 port) {
+void ndistrib_voice_self_port(u16 slot, u16 port) {
   char number[kSelfNumber];
-  if (loadNumber(slot, port, number) != 0) return -1;
+  if (loadNumber(slot, port, number) != 0) return;
   u8 message[4 + kItem];
   putNumber(message, 4, 1);
   putItem(message + 4, slot, port, number);
   writeNgnCmd(kMessage, 0, message, sizeof message, 0, 0, 0, 0);
-  return 0;
 }
 
 // The ports of all POTS cards.
 template <class Each>
-static int forEachPort(Each each) {
+static void forEachPort(Each each) {
   constexpr u16 kMostPorts = 128;
   u16 slots[100];
   u16 count = 100;
-  if (get_msan_card_slot_list(slots, &count) != 0) return -1;
+  if (get_msan_card_slot_list(slots, &count) != 0) return;
   for (u16 i = 0; i < count; ++i) {
     const int card = get_config_card_type(slots[i]);
     u16 amount = 0;
@@ -161,15 +160,14 @@ static int forEachPort(Each each) {
       continue;
     for (u16 port = 1; port <= amount; ++port) each(slots[i], port);
   }
-  return 0;
 }
 
-int distrib_voice_self_port() {
-  return forEachPort([](u16 slot, u16 port) { ndistrib_voice_self_port(slot, port); });
+void distrib_voice_self_port() {
+  forEachPort([](u16 slot, u16 port) { ndistrib_voice_self_port(slot, port); });
 }
 
-int nshowrun_voice_self_port(Vty* vty) {
-  return forEachPort([vty](u16 slot, u16 port) {
+void nshowrun_voice_self_port(Vty* vty) {
+  forEachPort([vty](u16 slot, u16 port) {
     char number[kSelfNumber];
     if (loadNumber(slot, port, number) == 0 && number[0] != '\0')
       vty_out(vty, "set voice_self_port_cfg slot %d  port %d phone %.32s\r\n", slot, port, number);
@@ -270,7 +268,7 @@ static int nsnmp_get_voice_self_port(u16 id, u8* last, u8* data, i32 length, u8*
 
 static constexpr SnmpMsgReg message{
     kMessage, {0, 0}, nsnmp_set_voice_self_port, nsnmp_get_voice_self_port, 118788, "voice self port cfg"};
-int registerVoiceSelfPort() { return registerMessage(message); }
+void registerVoiceSelfPort() { registerMessage(message); }
 
 // --- Commands ---
 
@@ -352,4 +350,4 @@ static constexpr Command commands[] = {
     command(CONFIG_NODE, "set voice self_port telephone number <startNumber> step <numberStep> interface <ifStr>",
             cli_batch_set_voice_self_port_func, "numbers for calls that the node switches, counted up"),
 };
-int installVoiceSelfPort() { return installCommands(commands); }
+void installVoiceSelfPort() { installCommands(commands); }

@@ -16,8 +16,8 @@ int del_voiceselfportcfg_dbapi(u32 objectId);
 // 0 if no other port has the number, else -900 with the port that has it; -1 for a port that does not exist.
 int check_voice_self_port_phone(u16 slot, u16 port, const char* number, u16* holderSlot, u16* holderPort);
 
-int ndistrib_voice_self_port(u16 slot, u16 port);
-int distrib_voice_self_port();  // a message for each POTS port of the node
-int nshowrun_voice_self_port(Vty* vty);
-int registerVoiceSelfPort();
-int installVoiceSelfPort();
+void ndistrib_voice_self_port(u16 slot, u16 port);
+void distrib_voice_self_port();  // a message for each POTS port of the node
+void nshowrun_voice_self_port(Vty* vty);
+void registerVoiceSelfPort();
+void installVoiceSelfPort();

@@ -140,8 +140,8 @@ static constexpr Command commands[] = {
     command(CONFIG_NODE, "show dsp channels status", cli_show_dsp_channels_status_func,
             "cards whose DSP channels answer"),
 };
-int installDspChannels() { return installCommands(commands); }
+void installDspChannels() { installCommands(commands); }
 
 static constexpr SnmpMsgReg message{kStatusMessage,          {0, 0}, nullptr, snmp_get_dsp_channel_status, 4890,
                                     "Get DSP channel status"};
-int registerDspChannels() { return registerMessage(message); }
+void registerDspChannels() { registerMessage(message); }

@@ -12,5 +12,5 @@ inline constexpr u32 kDspStatus = 40 + 16 * (22 + 19 * 256);
 // that does not answer, or badly, is left out. 0, or -1 with `err` filled.
 int get_dsp_channel_status(WireOut out, u32* length, SnmpErrInfo* err);
 
-int registerDspChannels();
-int installDspChannels();
+void registerDspChannels();
+void installDspChannels();

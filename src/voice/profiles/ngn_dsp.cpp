@@ -208,12 +208,12 @@ constexpr VoiceProfiles dspProfiles = {
 int is_valid_dsp_profile(u16 id) { return isValidProfile(dspProfiles, id); }
 int get_dsp_profile_ex(const char* name, DspProfile* profile) { return findProfile(dspProfiles, name, profile); }
 int init_dsp() { return initProfiles(dspProfiles); }
-int distrib_dsp_profile() { return distributeProfiles(dspProfiles); }
-int show_run_dsp_profile(Vty* vty) { return forEachNamed(dspProfiles, vty, printLines); }
-int registerDspProfiles() {
-  return registerProfiles<dspProfiles>(1004, "Set DSP configuration profile", "Delete DSP configuration profile");
+void distrib_dsp_profile() { distributeProfiles(dspProfiles); }
+void show_run_dsp_profile(Vty* vty) { forEachNamed(dspProfiles, vty, printLines); }
+void registerDspProfiles() {
+  registerProfiles<dspProfiles>(1004, "Set DSP configuration profile", "Delete DSP configuration profile");
 }
-int install_dsp_cmd_line() {
+void install_dsp_cmd_line() {
   install_offers("dsp", offerProfiles, &dspProfiles);
-  return installCommands(commands);
+  installCommands(commands);
 }

@@ -216,14 +216,14 @@ constexpr VoiceProfiles sipCallProfiles = {
 int nget_sipcallprofile_ex(const char* name, SipCallProfile* profile) {
   return findProfile(sipCallProfiles, name, profile);
 }
-int init_sipcallprofile() { return initProfiles(sipCallProfiles); }
-int ndistrib_sipcallprofile() { return distributeProfiles(sipCallProfiles); }
+void init_sipcallprofile() { initProfiles(sipCallProfiles); }
+void ndistrib_sipcallprofile() { distributeProfiles(sipCallProfiles); }
 int nshowrun_sipcallprofile(Vty* vty) { return forEachNamed(sipCallProfiles, vty, printLines); }
-int registerSipCallProfiles() {
-  return registerProfiles<sipCallProfiles>(1244, "Set SIP user call configuration profile",
-                                           "Delete SIP user call configuration profile");
+void registerSipCallProfiles() {
+  registerProfiles<sipCallProfiles>(1244, "Set SIP user call configuration profile",
+                                    "Delete SIP user call configuration profile");
 }
-int ninstall_sipcallprf_cfgline() {
+void ninstall_sipcallprf_cfgline() {
   install_offers("call", offerProfiles, &sipCallProfiles);
-  return installCommands(commands);
+  installCommands(commands);
 }

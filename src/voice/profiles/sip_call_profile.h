@@ -17,8 +17,8 @@ struct SipCallProfile : VoiceProfileHead {
 extern const VoiceProfiles sipCallProfiles;
 
 int nget_sipcallprofile_ex(const char* name, SipCallProfile* profile);  // by name: 0 or -1
-int init_sipcallprofile();
-int ndistrib_sipcallprofile();
+void init_sipcallprofile();
+void ndistrib_sipcallprofile();
 int nshowrun_sipcallprofile(Vty* vty);
-int registerSipCallProfiles();
-int ninstall_sipcallprf_cfgline();
+void registerSipCallProfiles();
+void ninstall_sipcallprf_cfgline();

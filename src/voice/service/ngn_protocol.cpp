@@ -17,7 +17,7 @@ static constexpr Word typeWords[] = {{"none", kNoProtocol}, {"sip", kSip}, {"h24
 static u16 gus_ngn_type_old = kNoProtocol;
 static u16 gus_ngn_type = kNoProtocol;
 
-int ninit_ngn_protocol_type() { return db_set_ngn_protocol_type(kNoProtocol); }
+void ninit_ngn_protocol_type() { db_set_ngn_protocol_type(kNoProtocol); }
 
 // --- The platform's mode ---
 
@@ -39,9 +39,9 @@ int ngn_protocol_update(mco_trans_h, NgnProtocolType* row) {
   return queueMode(type);
 }
 
-int ngn_protocol_flush() {
+void ngn_protocol_flush() {
   u16 type = kNoProtocol;
-  return db_get_ngn_protocol_type(&type) == 0 ? queueMode(type) : -1;
+  if (db_get_ngn_protocol_type(&type) == 0) queueMode(type);
 }
 
 // --- Command ---
@@ -104,14 +104,13 @@ static int cli_show_ngn_protocol_type_func(const CommandElement*, Vty* vty, int,
   return 0;
 }
 
-int nshowrun_ngn_protocol_type(Vty* vty) {
+void nshowrun_ngn_protocol_type(Vty* vty) {
   u16 type = kNoProtocol;
   if (const int code = db_get_ngn_protocol_type(&type)) {
     vty_out(vty, "db_get_ngn_protocol_type = %d \r\n", code);
-    return -1;
+    return;
   }
   if (type == kSip || type == kH248) vty_out(vty, "set ngn_protocol_type %s \r\n", textOf(typeWords, type, "sip"));
-  return 0;
 }
 
 static constexpr Command commands[] = {
@@ -119,7 +118,7 @@ static constexpr Command commands[] = {
             "protocol of the voice service; asks before it changes"),
     command(CONFIG_NODE, "show ngn_protocol_type ", cli_show_ngn_protocol_type_func, "protocol of the voice service"),
 };
-int installNgnProtocol() { return installCommands(commands); }
+void installNgnProtocol() { installCommands(commands); }
 
 // --- SNMP: the same type again runs the same steps ---
 
@@ -146,4 +145,4 @@ static int nsnmp_get_ngn_protocol_type(u16 id, u8* last, u8* data, i32 length, u
 
 static constexpr SnmpMsgReg message{
     kMessage, {0, 0}, nsnmp_set_ngn_protocol_type, nsnmp_get_ngn_protocol_type, kNumberReply, "ngn protocol type"};
-int registerNgnProtocol() { return registerMessage(message); }
+void registerNgnProtocol() { registerMessage(message); }

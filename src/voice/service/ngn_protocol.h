@@ -7,13 +7,13 @@
 
 struct NgnProtocolType;
 
-int ninit_ngn_protocol_type();
+void ninit_ngn_protocol_type();
 // At the module's load, on the master alone.
 int nload_ngn_protocol_type();
 // The database tells of a put of the type: the mode is changed by a job, not in the handler.
 int ngn_protocol_update(mco_trans_h transaction, NgnProtocolType* row);
 // The control card has become a slave: the same job.
-int ngn_protocol_flush();
-int nshowrun_ngn_protocol_type(Vty* vty);
-int registerNgnProtocol();
-int installNgnProtocol();
+void ngn_protocol_flush();
+void nshowrun_ngn_protocol_type(Vty* vty);
+void registerNgnProtocol();
+void installNgnProtocol();

@@ -304,4 +304,4 @@ static int snmp_get_voice_ip(u16 id, u8* last, u8* data, i32 length, u8* reply, 
 
 static constexpr SnmpMsgReg message{kVoiceIpMessage,   {0, 0}, snmp_set_voice_ip,
                                     snmp_get_voice_ip, 3811,   "Set voice IP configuration"};
-int registerVoiceIp() { return registerMessage(message); }
+void registerVoiceIp() { registerMessage(message); }

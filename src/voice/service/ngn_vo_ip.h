@@ -37,8 +37,8 @@ int distrib_voice_ip();
 int erase_voice_ip();
 int init_voice_ip();
 int send_rtp_ip_by_slot(u16 slot);
-int show_run_voice_ip(Vty* vty);
+void show_run_voice_ip(Vty* vty);
 
 inline constexpr u16 kVoiceIpRtpMessage = 2850;
-int registerVoiceIp();
-int installVoiceIp();
+void registerVoiceIp();
+void installVoiceIp();

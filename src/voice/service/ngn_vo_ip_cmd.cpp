@@ -265,9 +265,9 @@ static void printDhcp(Vty* vty, const VoiceIp& record) {
             record.option60Suffix);
 }
 
-int show_run_voice_ip(Vty* vty) {
+void show_run_voice_ip(Vty* vty) {
   VoiceIp record;
-  if (get_voice_ip(&record) != 0) return -1;
+  if (get_voice_ip(&record) != 0) return;
   vty_out(vty, "set voice ip configuration mode %s\r\n", textOf(modeWords, record.mode, "static"));
   if (record.mode == kStatic) {
     printAddress(vty, "set voice signalling ip", record.address[kSigIp], record.address[kSigGateway]);
@@ -279,7 +279,6 @@ int show_run_voice_ip(Vty* vty) {
   }
   if (isPppoe(record.mode)) printPppoe(vty, record);
   if (isDhcp(record.mode)) printDhcp(vty, record);
-  return 0;
 }
 
 // clang-format off
@@ -305,4 +304,4 @@ static constexpr Command commands[] = {
             "addresses of the voice service"),
 };
 // clang-format on
-int installVoiceIp() { return installCommands(commands); }
+void installVoiceIp() { installCommands(commands); }

@@ -193,7 +193,7 @@ static int snmp_get_voice_vlan(u16 id, u8* last, u8* data, i32 length, u8* reply
 
 static constexpr SnmpMsgReg message{kVoiceVlanMessage,   {0, 0}, snmp_set_voice_vlan,
                                     snmp_get_voice_vlan, 126,    "Set voice VLAN configuration"};
-int registerVoiceVlan() { return registerMessage(message); }
+void registerVoiceVlan() { registerMessage(message); }
 
 // --- Commands ---
 
@@ -279,16 +279,15 @@ static int cli_show_voice_vlan_config_func(const CommandElement*, Vty* vty, int,
   return 0;
 }
 
-int show_run_voice_vlan(Vty* vty) {
+void show_run_voice_vlan(Vty* vty) {
   Rows rows;
-  if (getRows(rows) != 0) return -1;
+  if (getRows(rows) != 0) return;
   for (const VoiceVlan& row : rows) {
     const char* type = textOf(typeWords, row.type, "signalling");
     if (row.serviceName != kNoVlan) vty_out(vty, "set voice vlan %s service name %d\r\n", type, row.serviceName);
     vty_out(vty, "set voice %s svlan tpid %d vid %d cos %d cvlan tpid %d vid %d cos %d\r\n", type, row.svlanTpid,
             row.svlanId, row.svlanCos, row.cvlanTpid, row.cvlanId, row.cvlanCos);
   }
-  return 0;
 }
 
 // clang-format off
@@ -304,4 +303,4 @@ static constexpr Command commands[] = {
             "VLANs of the voice service"),
 };
 // clang-format on
-int installVoiceVlan() { return installCommands(commands); }
+void installVoiceVlan() { installCommands(commands); }

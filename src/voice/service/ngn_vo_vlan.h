@@ -24,6 +24,6 @@ int distrib_voice_vlan();
 int erase_voice_vlan();  // the defaults, without a message
 int init_voice_vlan(u16 type);
 int send_rtp_vlan_by_slot(u16 slot);
-int show_run_voice_vlan(Vty* vty);
-int registerVoiceVlan();
-int installVoiceVlan();
+void show_run_voice_vlan(Vty* vty);
+void registerVoiceVlan();
+void installVoiceVlan();

@@ -14,16 +14,15 @@ static constexpr u16 kMessage = 3109;
 static constexpr u16 kEnable = 1, kDisable = 2;
 static constexpr Word shownWords[] = {{"enable", kEnable}, {"disable", kDisable}};
 
-int ninit_voice_self_switch() { return db_set_voice_self_switch(kDisable); }
+void ninit_voice_self_switch() { db_set_voice_self_switch(kDisable); }
 
 // The number goes as the processor keeps it.
-int ndistrib_voice_self_switch() {
+void ndistrib_voice_self_switch() {
   u16 value = 0;
-  if (db_get_voice_self_switch(&value) != 0) return -1;
+  if (db_get_voice_self_switch(&value) != 0) return;
   u8 message[66] = {};
   std::memcpy(message, &value, sizeof value);
   writeNgnCmd(kMessage, 0, message, sizeof message, 0, 0, 0, 0);
-  return 0;
 }
 
 static int cli_set_voice_self_switch_func(const CommandElement*, Vty* vty, int argc, char** argv) {
@@ -47,11 +46,10 @@ static int cli_show_voice_self_switch_func(const CommandElement*, Vty* vty, int,
   return 0;
 }
 
-int nshowrun_voice_self_switch(Vty* vty) {
+void nshowrun_voice_self_switch(Vty* vty) {
   u16 value = 0;
-  if (db_get_voice_self_switch(&value) != 0) return -1;
+  if (db_get_voice_self_switch(&value) != 0) return;
   if (value == kEnable) vty_out(vty, "set voice_self_switch enable \r\n");
-  return 0;
 }
 
 static int nsnmp_set_voice_self_switch(u16 id, u8, u8* data, i32 length, u8* reply, u32* replyLen, void*, void*) {
@@ -76,8 +74,8 @@ static constexpr Command commands[] = {
     command(CONFIG_NODE, "show voice_self_switch ", cli_show_voice_self_switch_func,
             "switching of calls between the node's own ports"),
 };
-int installVoiceSelfSwitch() { return installCommands(commands); }
+void installVoiceSelfSwitch() { installCommands(commands); }
 
 static constexpr SnmpMsgReg message{
     kMessage, {0, 0}, nsnmp_set_voice_self_switch, nsnmp_get_voice_self_switch, kNumberReply, "voice self switch"};
-int registerVoiceSelfSwitch() { return registerMessage(message); }
+void registerVoiceSelfSwitch() { registerMessage(message); }

@@ -3,8 +3,8 @@
 
 #include "platform/command_line.h"
 
-int ninit_voice_self_switch();
-int ndistrib_voice_self_switch();
-int nshowrun_voice_self_switch(Vty* vty);
-int registerVoiceSelfSwitch();
-int installVoiceSelfSwitch();
+void ninit_voice_self_switch();
+void ndistrib_voice_self_switch();
+void nshowrun_voice_self_switch(Vty* vty);
+void registerVoiceSelfSwitch();
+void installVoiceSelfSwitch();

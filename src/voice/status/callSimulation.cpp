@@ -295,10 +295,8 @@ static constexpr SnmpMsgReg messages[] = {
     simulationMessage<callOutStart>(), simulationMessage<callOutStatus>(), simulationMessage<callOutStop>(),
 };
 
-int installCallSimulation() { return installCommands(commands); }
+void installCallSimulation() { installCommands(commands); }
 
-int registerCallSimulation() {
-  int result = 0;
-  for (const SnmpMsgReg& message : messages) result |= registerMessage(message);
-  return result;
+void registerCallSimulation() {
+  for (const SnmpMsgReg& message : messages) registerMessage(message);
 }

@@ -20,5 +20,5 @@ int is_call_out_number_duplicate(LIST* list, u16* slot, u16* port, char* number)
 // not fit.
 int set_call_out_start_datalist(u16 timeout, i64 start, i64 step, LIST* list);
 
-int registerCallSimulation();
-int installCallSimulation();
+void registerCallSimulation();
+void installCallSimulation();

@@ -287,14 +287,13 @@ static constexpr Command commands[] = {
     command(CONFIG_NODE, "set test 112 mode [inline|outline] type [force|unforce] interface <ifStr>",
             cli_ctrl_test_112_func, "start a test of POTS lines"),
 };
-int install_msan_112test_defun() { return installCommands(commands); }
+void install_msan_112test_defun() { installCommands(commands); }
 
 static constexpr SnmpMsgReg messages[] = {
     {kOrderMessage, {0, 0}, vsnmp_test112, nullptr, 0, "112 test"},
     {outlineResult.id, {0, 0}, nullptr, resultGet<outlineResult>, outlineResult.mostReply(), outlineResult.text},
     {inlineResult.id, {0, 0}, nullptr, resultGet<inlineResult>, inlineResult.mostReply(), inlineResult.text},
 };
-int test112_regsnmp_cmdhandle() {
+void test112_regsnmp_cmdhandle() {
   for (const SnmpMsgReg& message : messages) registerMessage(message);
-  return 0;
 }

@@ -15,5 +15,5 @@ int vcheck_test112(const Test112* record, SnmpErrInfo* err);
 // test.
 int vbuild_test112_mscpacket(LIST* list);
 
-int test112_regsnmp_cmdhandle();
-int install_msan_112test_defun();
+void test112_regsnmp_cmdhandle();
+void install_msan_112test_defun();

@@ -95,8 +95,8 @@ static constexpr Command commands[] = {
     command(CONFIG_NODE, "set ngn user [register|unregister] interface <ifStr>", cli_ctrl_ngn_user_register_func,
             "register users of POTS ports, or end their registration"),
 };
-int ninstall_ngnuser_register_cmdline() { return installCommands(commands); }
+void ninstall_ngnuser_register_cmdline() { installCommands(commands); }
 
 static constexpr SnmpMsgReg message{kRegisterMessage, {0, 0}, nsnmp_register_user,
                                     nullptr,          0,      "Control NGN user registration"};
-int usereg_regsnmpcmd_handle() { return registerMessage(message); }
+void usereg_regsnmpcmd_handle() { registerMessage(message); }

@@ -16,5 +16,5 @@ int mspack_register_user(u32 count, WireIn area, WireOut buffer);
 // in `err`.
 int nregister_user(LIST* list, SnmpErrInfo* err);
 
-int usereg_regsnmpcmd_handle();
-int ninstall_ngnuser_register_cmdline();
+void usereg_regsnmpcmd_handle();
+void ninstall_ngnuser_register_cmdline();

@@ -169,10 +169,8 @@ static constexpr Command commands[] = {
 static constexpr SnmpMsgReg messages[] = {viewMessage<deviceStatus>(), viewMessage<voiceIpStatus>(),
                                           viewMessage<signallingStats>(), viewMessage<callStats>()};
 
-int installNodeViews() { return installCommands(commands); }
+void installNodeViews() { installCommands(commands); }
 
-int registerNodeViews() {
-  int result = 0;
-  for (const SnmpMsgReg& message : messages) result |= registerMessage(message);
-  return result;
+void registerNodeViews() {
+  for (const SnmpMsgReg& message : messages) registerMessage(message);
 }

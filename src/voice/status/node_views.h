@@ -9,5 +9,5 @@ extern const NodeView deviceStatus, voiceIpStatus, signallingStats, callStats;
 // left as they are. 0, or -1 for null or a record that is too short.
 BuildForm build_voice_ip_status_packet, build_sgn_packet_stats_packet;
 
-int registerNodeViews();
-int installNodeViews();
+void registerNodeViews();
+void installNodeViews();

@@ -97,4 +97,4 @@ static constexpr Command commands[] = {
             "which phones are on the hook"),
 };
 
-int installOnhookCommand() { return installCommands(commands); }
+void installOnhookCommand() { installCommands(commands); }

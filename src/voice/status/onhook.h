@@ -1,4 +1,4 @@
 #pragma once
 // Which phones of a card are on the hook: the card is asked itself.
 
-int installOnhookCommand();
+void installOnhookCommand();

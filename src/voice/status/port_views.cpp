@@ -125,10 +125,8 @@ static constexpr Command commands[] = {
 static constexpr SnmpMsgReg messages[] = {viewMessage<userPortStatus>(), viewMessage<streamPortStats>(),
                                           viewMessage<portCallStats>()};
 
-int installPortViews() { return installCommands(commands); }
+void installPortViews() { installCommands(commands); }
 
-int registerPortViews() {
-  int result = 0;
-  for (const SnmpMsgReg& message : messages) result |= registerMessage(message);
-  return result;
+void registerPortViews() {
+  for (const SnmpMsgReg& message : messages) registerMessage(message);
 }

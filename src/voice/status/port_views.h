@@ -8,5 +8,5 @@ extern const PortView userPortStatus, streamPortStats, portCallStats;
 // The manager's form of stream counters: a u32 count, and 578 bytes for each port. 0 or -1.
 BuildForm build_stream_port_stats_packet;
 
-int registerPortViews();
-int installPortViews();
+void registerPortViews();
+void installPortViews();
