@@ -237,7 +237,7 @@ std::vector<InstalledCommand> installedCommands() {
   list.reserve(commands.order.size());
   for (const auto& [node, number] : commands.order) {
     const Command& command = commands.find(node)->command(number);
-    list.push_back({node, command.syntax.text, command.help});
+    list.push_back({node, command.syntax.text, command.help, command.element->handler});
   }
   return list;
 }

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <optional>
 
 #include "common/debug_control.h"
 #include "common/memory.h"
@@ -151,15 +152,13 @@ int furtherFragment(const Call& call, SnmpMsgEntry& row) {
   return call.end();
 }
 
-// Calls the handler of a large reply and holds what it gave. 0: there is a reply to hand out, or what the row held is
-// inconsistent; otherwise the hook's result is in `result` and the request has ended.
-bool beginReply(const Call& call, SnmpMsgEntry& row, u8* last, int& result) {
+// Calls the handler of a large reply and holds what it gave. The hook's result if the request has ended with that.
+std::optional<int> beginReply(const Call& call, SnmpMsgEntry& row, u8* last) {
   const u32 capacity = replyRoom(row.maxReplyLen);
   PoolBytes buffer(static_cast<u8*>(mpuAlloc_(g_MsanMemPoolId, capacity, __FILE__, __LINE__)));
   if (buffer == nullptr) {
     *last = 1;
-    result = call.refuse("Malloc failed!");
-    return false;
+    return call.refuse("Malloc failed!");
   }
   std::memset(buffer.get(), 0, capacity);
   u32 length = 0;
@@ -171,20 +170,20 @@ bool beginReply(const Call& call, SnmpMsgEntry& row, u8* last, int& result) {
     *call.replyLen = length;
     *last = 1;
     call.handled(failed);
-    result = call.end();
-    return false;
+    return call.end();
   }
   row.fragBuf = buffer.release();
   row.fragCursor = row.fragBuf;
   row.fragLen = length;
   row.fragLeft = length;
   setSnmpMsgFragInfo(call.id, &row);
-  return true;
+  return std::nullopt;
 }
 
 int handOut(const Call& call, SnmpMsgEntry& row, u8* last) {
-  int result = 0;
-  if (row.fragBuf == nullptr && !beginReply(call, row, last, result)) return result;
+  if (row.fragBuf == nullptr) {
+    if (const auto ended = beginReply(call, row, last)) return *ended;
+  }
   if (row.fragCursor == nullptr || row.fragLeft == 0) {
     clearSnmpMsgFragInfo(call.id);
     *last = 1;

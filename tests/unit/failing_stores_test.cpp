@@ -1,5 +1,7 @@
 // What an operator and a manager are told when the store fails under a request, item by item.
 
+#include <algorithm>
+
 #include "host/agent.h"
 #include "host/chassis.h"
 #include "module_fixture.h"
@@ -29,6 +31,7 @@ constexpr Failing lines[] = {
     {Fault::connect, 2, "erase pots general para configuration", "erase POTS general para configuration failed"},
     {Fault::connect, 1, "add pots telephone number 12 type a", "get POTS telephone number configuration failed"},
     {Fault::connect, 11, "add ipt telephone number 12 type a", "IPT telephone number configuration failed(-107)"},
+    {Fault::alloc, 23, "add pots telephone number 12 type a", "POTS telephone number configuration failed(-110)"},
     {Fault::alloc, 21, "add ipt telephone number 12 type a", "set IPT telephone number list failed"},
     {Fault::connect, 1, "distribute pots telephone number", "distribute POTS telephone number configuration failed"},
     {Fault::connect, 1, "erase ipt telephone number", "erase IPT telephone number configuration failed"},
@@ -70,6 +73,9 @@ constexpr Failing lines[] = {
     {Fault::connect, 1, "set roh timeout procession unregister terminal service status keep", "ROH timeout procession configuration failed(-107)"},
     {Fault::connect, 1, "set signal tone timeout busy 1 dial 2 roh 3 call-waiting 4", "get signal tone timeout configuration failed"},
     {Fault::connect, 1, "set voice md5 authentication close", "get voice MD5 authentication configuration failed"},
+    {Fault::alloc, 1, "set voice md5 authentication open mg id g shared key ab exchanged base 1F", "MD5 authentication configuration failed(-110)"},
+    {Fault::alloc, 1, "set sip digital map x.", "set SIP digital map configuration failed(-110)"},
+    {Fault::alloc, 1, "set sip call-waiting-conference mode refer conference uri c sharp escape enable caller-id head from", "set SIP advanced configuration failed(-110)"},
     {Fault::connect, 1, "set sip server address s1 port 5060", "get current SIP server configuration failed"},
     {Fault::connect, 1, "set sip call-waiting-conference mode info1 sharp escape enable caller-id head from", "get current SIP advanced configuration failed"},
     {Fault::connect, 1, "set dsp profile id 1 fax rate 2400", "get DSP profile 1 configuration failed"},
@@ -86,6 +92,46 @@ constexpr Failing lines[] = {
     {Fault::alloc, 1, "set loop detect enable auto-recovery enable interface 1/1", "invalid interface 1/1"},
     {Fault::connect, 1, "attach rate-limit profile id 0 interface 1/1", "attach profile error: -1"},
     {Fault::alloc, 1, "attach rate-limit profile id 0 interface 1/1", "invalid interface 1/1"},
+};
+
+// Two settings of the same thing. `late`: a line without memory may say nothing, and one that fails behind the storing
+// has stored.
+struct Settings {
+  const char *one, *other;
+  bool late = false;
+};
+constexpr Settings settings[] = {
+    {"set cid mode dtmf", "set cid mode fsk"},
+    {"set roh timeout procession unregister terminal service status keep", "set roh timeout procession unregister terminal service status over"},
+    {"set rfc2833 negotiation auto default pt 97 rfc2198 negotiation auto default pt 98", "set rfc2833 negotiation manul default pt 97 rfc2198 negotiation auto default pt 98"},
+    {"set signal tone timeout busy 1 dial 2 roh 3 call-waiting 4", "set signal tone timeout busy 1 dial 2 roh 3 call-waiting 5"},
+    {"set voice md5 authentication open shared key ab", "set voice md5 authentication close"},
+    {"set pots general para pulse width 40 interval 60 flash width 90", "set pots general para pulse width 40 interval 60 flash width 91"},
+    {"set mgc primary 10.0.0.1 port 2944", "set mgc primary 10.0.0.2 port 2944"},
+    {"set voice port enable interface 3/1", "set voice port disable interface 3/1"},
+    {"set voice port user name a start 0 step 0 interface 3/1", "set voice port user name b start 0 step 0 interface 3/1"},
+    {"set voice_self_switch enable", "set voice_self_switch disable"},
+    {"set voice_self_port_cfg slot 3 port 1 phone 5", "set voice_self_port_cfg slot 3 port 1 phone 6"},
+    {"set fax mode t30", "set fax mode t38"},
+    {"set voice domain name a", "set voice domain name b"},
+    {"set sip server address s1 port 5060", "set sip server address s1 port 5061"},
+    {"set sip digital map x.", "set sip digital map xx."},
+    {"set dsp profile id 1 fax rate 2400", "set dsp profile id 1 fax rate 9600"},
+    {"set sip user call profile 1 name a", "set sip user call profile 1 name b"},
+    {"set pots port feed voltage 42 current 22 interface 3/1", "set pots port feed voltage 43 current 22 interface 3/1"},
+    {"set storm-suppression broadcast enable rate 5 interface 1", "set storm-suppression broadcast enable rate 6 interface 1", true},
+    {"set isolation disable interface 1", "set isolation enable interface 1", true},
+    {"set interface 1/1 enable", "set interface 1/1 disable"},
+    {"set mac limit enable number 5 interface 1/1 pvc 3", "set mac limit disable interface 1/1 pvc 3"},
+    {"set queue schedule interface 1/1 mode wrr 1 2 3 4 5 6 7 8", "set queue schedule interface 1/1 mode wrr 2 2 3 4 5 6 7 8"},
+    {"set loop detect enable auto-recovery enable interface 1/1", "set loop detect enable auto-recovery disable interface 1/1"},
+    {"set card work_mode slot 5 mode local", "set card work_mode slot 5 mode ces"},
+    {"set ces service slot 5 port 1 dstmac 123456abcdef dstport 7 jitterbuf 64", "set ces service slot 5 port 1 dstmac 123456abcdef dstport 8 jitterbuf 64"},
+    {"attach adslLine profile id 7 interface 1/1", "attach adslLine profile id 0 interface 1/1"},
+    {"attach pvc profile id 3 interface 1/1", "attach pvc profile id 0 interface 1/1"},
+    {"attach alarm profile id 7 interface 1/1", "attach alarm profile id 0 interface 1/1", true},
+    {"attach rate-limit profile id 1 interface 1/1", "attach rate-limit profile id 0 interface 1/1"},
+    {"add vlan service type unicast mode tag vid 100 interface 2/1", "clear vlan service interface 2/1", true},
 };
 
 // A message that is asked for, or set with the bytes behind its envelope, and the code of the answer.
@@ -111,12 +157,24 @@ class FailingStores : public ModuleTest {
  protected:
   FailingStores() {
     host::clearChassis();
-    for (const auto& [slot, type] : {std::pair<u16, const char*>{1, "adsl16"}, {3, "pots32"}, {5, "ces32"}}) {
+    for (const auto& [slot, type] :
+         {std::pair<u16, const char*>{1, "adsl16"}, {2, "vdsl32"}, {3, "pots32"}, {5, "ces32"}}) {
       host::authorise(slot, *host::findCardType(type));
       msan_card_auth_init_db(slot);
     }
   }
   ~FailingStores() override { host::clearChassis(); }
+
+  static std::string stored() {
+    std::string all;
+    std::vector<std::string> rows;
+    for (const std::string& table : host::tableNames()) {
+      host::listRows(table, rows);
+      std::ranges::sort(rows);
+      for (const std::string& row : rows) all += table + ' ' + row + '\n';
+    }
+    return all;
+  }
   Recorder recorder_;
 };
 
@@ -128,6 +186,33 @@ TEST_F(FailingStores, AreToldToAnOperator) {
     EXPECT_TRUE(told.ends_with(" = " + std::to_string(one.result))) << one.line << ": " << told;
     EXPECT_FALSE(host::faultPending(one.fault)) << one.line;
     host::clearFaults();
+  }
+}
+
+// Whatever fails, a line that succeeds has stored what it says, and one that fails has left what was there.
+TEST_F(FailingStores, LeaveWhatWasThereUnlessALineSucceeds) {
+  typed(CONFIG_NODE, "add adslLine profile a id 7");
+  typed(CONFIG_NODE, "add pvc profile a id 3");
+  typed(CONFIG_NODE, "add alarm profile a id 7");
+  typed(CONFIG_NODE, "set rate-limit id 1 name g us-status enable us-cir 1000 ds-status enable ds-cir 2000");
+  for (const auto& [line, otherLine, late] : settings) {
+    EXPECT_TRUE(typed(CONFIG_NODE, line).ends_with(" = 0")) << line;
+    const std::string one = stored();
+    EXPECT_TRUE(typed(CONFIG_NODE, otherLine).ends_with(" = 0")) << otherLine;
+    const std::string other = stored();
+    EXPECT_NE(one, other) << line;
+    for (const Fault fault : {Fault::connect, Fault::start, Fault::find, Fault::create, Fault::commit, Fault::alloc}) {
+      bool failed = fault != Fault::alloc || !late;
+      for (u32 n = 1; failed; ++n) {
+        host::failNth(fault, n);
+        const bool told = typed(CONFIG_NODE, line).ends_with(" = 0");
+        failed = !host::faultPending(fault);
+        host::clearFaults();
+        const std::string now = stored();
+        EXPECT_TRUE(now == (told ? one : other) || (late && now == one)) << line << ": " << n << " of " << int(fault);
+        typed(CONFIG_NODE, otherLine);
+      }
+    }
   }
 }
 

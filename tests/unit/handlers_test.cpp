@@ -56,4 +56,21 @@ TEST_F(Handlers, FailWithWhatTheyRefuse) {
   host::clearChassis();
 }
 
+// Those without parameters do not count them; a profile's name may be missing, and is not the last word looked at.
+TEST_F(Handlers, OfCommandsRefuseANumberOfWordsThatNoLineHas) {
+  char word[] = "7";
+  std::vector<char*> words(40, word);
+  for (const host::InstalledCommand& command : host::installedCommands()) {
+    const std::string& syntax = command.syntax;
+    const auto holds = [&](const char* part) { return syntax.find(part) != syntax.npos; };
+    if (syntax.find_first_of("<[") == syntax.npos || holds("show snmp msg") || holds("show queue") ||
+        holds("self_switch"))
+      continue;
+    Vty vty;
+    EXPECT_EQ(command.handler(nullptr, &vty, 0, words.data()), -1) << syntax;
+    if (holds(" profile [id|name|all] {") || holds(" profile <name> {id")) continue;
+    EXPECT_EQ(command.handler(nullptr, &vty, 40, words.data()), -1) << syntax;
+  }
+}
+
 }  // namespace

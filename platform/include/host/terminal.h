@@ -72,6 +72,7 @@ struct InstalledCommand {
   int node = 0;
   std::string syntax;
   std::string help;
+  CommandHandler* handler = nullptr;
 };
 std::vector<InstalledCommand> installedCommands();
 

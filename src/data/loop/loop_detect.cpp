@@ -24,7 +24,6 @@ static int parse_set_loopdetect(Reader& in, LoopDetectRecord* record, SnmpErrInf
   record->value.detectEnable = static_cast<u8>(in.number(1));
   record->value.recoveryEnable = static_cast<u8>(in.number(1));
   in.skip(kReserved);
-  if (in.failed()) return -1;
   if (isSlotAuthed(slot) != 1) return reject(err, kNoSlot, {slot});
   placeObject(slot, port, &record->object);
   return 0;

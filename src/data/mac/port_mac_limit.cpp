@@ -30,7 +30,6 @@ static int parse_pkt_set_macnum_limit(Reader& in, PortMacLimit* record, SnmpErrI
   const u16 port = readU16(in);
   in.skip(kLocationReserved);
   const u16 rows = record->value.pvcNum = readU16(in);
-  if (in.failed()) return -1;
   if (!isDataCard(slot)) return reject(err, kNoSlot, {slot});
   if (const int code = SlotNoPortConvertObjIndex(slot, port, 0, &record->object)) return reject(err, code);
   if (rows > kPvcRows) return reject(err, kRowCount, {slot, port, rows});
@@ -42,7 +41,6 @@ static int parse_pkt_set_macnum_limit(Reader& in, PortMacLimit* record, SnmpErrI
     row.enable = static_cast<u8>(in.number(1));
     row.number = readU16(in);
     in.skip(kRowReserved);
-    if (in.failed()) return -1;
     if (row.pvcIndex >= kPvcRows && row.pvcIndex != kNoPvc) return reject(err, kPvcIndex, {slot, port, row.pvcIndex});
   }
   return 0;

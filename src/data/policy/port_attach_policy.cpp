@@ -20,7 +20,6 @@ static int parse(Reader& in, PolicyRecord* record, SnmpErrInfo* err) {
   const auto slot = static_cast<u16>(in.number(2));
   const auto port = static_cast<u16>(in.number(2));
   in.skip(kLocationReserved);
-  if (in.failed()) return -1;
   if (!isVdslCard(slot)) return reject(err, kOtherCard, {slot, static_cast<u16>(get_config_card_type(slot))});
   if (findPolicyPlace(slot, port, &record->object) != 0) return reject(err, kNoPolicyPlace, {slot, port});
   parsePolicies(in, kBindingReserved, &record->rows[0]);

@@ -21,13 +21,11 @@ static int parse(Reader& in, PolicyRecord* record, SnmpErrInfo* err) {
   const auto slot = static_cast<u16>(in.number(2));
   const auto port = static_cast<u16>(in.number(2));
   in.skip(kHeadReserved);
-  if (in.failed()) return -1;
   if (findPolicyPlace(slot, port, &record->object) != 0) return reject(err, kNoPolicyPlace, {slot, port});
   for (u32 i = 0; i < kPvcRows; ++i) {
     const auto pvc = static_cast<u16>(in.number(2));
     BoundPolicies bound;
     parsePolicies(in, kBindingReserved, &bound);
-    if (in.failed()) return -1;
     if (pvc >= kPvcRows) return reject(err, kNoSuchPvc, {slot, port, pvc});
     record->rows[pvc] = bound;
   }

@@ -86,8 +86,7 @@ static bool isStrict(const EthScheduleQueue& queue) { return queue.type == kStri
 // Strict queues are above the others, one to six of them. 0 or a code.
 static int checkMixed(std::span<const EthScheduleQueue, kQueues> queues) {
   if (!isStrict(queues[0])) return kFirstIsWrr;
-  const auto middle = queues.subspan(1, kQueues - 3);
-  if (!std::ranges::is_partitioned(middle, isStrict)) return kStrictBehindWrr;
+  if (!std::ranges::is_partitioned(queues.first(kQueues - 2), isStrict)) return kStrictBehindWrr;
   if (std::ranges::any_of(queues.last(2), isStrict)) return kLastIsStrict;
   const auto isLight = [](const EthScheduleQueue& queue) { return isStrict(queue) && queue.weight != kStrictWeight; };
   return std::ranges::any_of(queues, isLight) ? int{kQueueWeight} : 0;

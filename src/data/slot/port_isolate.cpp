@@ -22,7 +22,6 @@ static int parse_set_port_isolation(Reader& in, PortIsolateRecord* record, SnmpE
   in.skip(2 + kReserved);
   record->isolation_enable = static_cast<u8>(in.number(1));
   in.skip(kReserved);
-  if (in.failed()) return -1;
   if (isSlotAuthed(slot) != 1) return reject(err, kNoSlot, {slot});
   const int code = SlotNoPortConvertObjIndex(slot, 0, 0, &record->object);
   return code == 0 ? 0 : reject(err, code);

@@ -40,7 +40,6 @@ static int parse_storm_suppression(Reader& in, StormSuppRecord* record, SnmpErrI
   const auto slot = static_cast<u16>(in.number(2));
   in.skip(2 + kReserved);
   const auto count = static_cast<u16>(in.number(2));
-  if (in.failed()) return -1;
   if (isSlotAuthed(slot) != 1) return reject(err, kNoSlot, {slot});
   if (const int code = SlotNoPortConvertObjIndex(slot, 0, 0, &record->object)) return reject(err, code);
   if (count > kStormTypes) return reject(err, kEntryCount, {slot, count});

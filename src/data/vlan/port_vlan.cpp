@@ -75,12 +75,11 @@ static int parseRow(Reader& in, const ObjIndex& object, VlanItem* row, SnmpErrIn
   }
   in.skip(kReserved);
   row->serviceNum = readU16(in);
-  if (in.failed()) return -1;
   if (row->serviceNum > kVlanServices) {
     return reject(err, kServiceCount, {object.addr[1], object.addr[2], row->pvcIndex, row->serviceNum});
   }
-  for (u16 i = 0; i < row->serviceNum && !in.failed(); ++i) parseService(in, &row->services[i]);
-  return in.failed() ? -1 : 0;
+  for (u16 i = 0; i < row->serviceNum; ++i) parseService(in, &row->services[i]);
+  return 0;
 }
 
 static int parse_set_port_vlan(Reader& in, PortVlanRecord* record, SnmpErrInfo* err) {
@@ -89,7 +88,6 @@ static int parse_set_port_vlan(Reader& in, PortVlanRecord* record, SnmpErrInfo* 
   in.skip(kLocationReserved);
   PortVlanTable& table = record->table;
   table.pvcNum = readU16(in);
-  if (in.failed()) return -1;
   if (!isDataCard(slot)) return reject(err, kNoSlot, {slot});
   if (const int code = SlotNoPortConvertObjIndex(slot, port, 0, &record->object)) return reject(err, code);
   if (table.pvcNum > kPvcRows) return reject(err, kRowCount, {slot, port, table.pvcNum});

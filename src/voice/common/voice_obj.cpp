@@ -17,7 +17,6 @@ static int unknownId(u16 id, Where where) {
 
 int vSetObjCheckOption(u16 id, u32* option) {
   if (option == nullptr) return -1;
-  *option = 0;
   switch (id) {
     case 2839:
     case 2841:
@@ -35,7 +34,6 @@ int vSetObjCheckOption(u16 id, u32* option) {
 
 int nSetObjCheckOption(u16 id, u32* option) {
   if (option == nullptr) return -1;
-  *option = 0;
   if (id >= 3073 && id <= 3092) {
     *option = kAnyCard;
   } else if (id == 2844 || id == 3093 || id == 3094 || (id >= 3096 && id <= 3108)) {
