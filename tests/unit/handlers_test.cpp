@@ -1,5 +1,7 @@
 // What handlers of messages give shows in the gateway's trace alone.
 
+#include <regex>
+
 #include "common/debug_control.h"
 #include "common/msan_snmp.h"
 #include "common/wire.h"
@@ -71,6 +73,28 @@ TEST_F(Handlers, OfCommandsRefuseANumberOfWordsThatNoLineHas) {
     if (holds(" profile [id|name|all] {") || holds(" profile <name> {id")) continue;
     EXPECT_EQ(command.handler(nullptr, &vty, 40, words.data()), -1) << syntax;
   }
+}
+
+// A line of a syntax: of words to choose from the first, without what may be missing.
+std::string lineOf(std::string syntax, const char* place) {
+  syntax = std::regex_replace(syntax, std::regex(R"(\{[^}]*\}\*\d)"), "");
+  syntax = std::regex_replace(syntax, std::regex(R"(\[([^|\]]*)[^\]]*\])"), "$1");
+  syntax = std::regex_replace(syntax, std::regex("<(ifStr|interface)>"), place);
+  return std::regex_replace(syntax, std::regex("<[^>]*>"), "1");
+}
+
+TEST_F(Handlers, OfCommandsFailForAPlaceThatThereIsNot) {
+  u32 run = 0;
+  for (const host::InstalledCommand& command : host::installedCommands()) {
+    if (lineOf(command.syntax, "x") == lineOf(command.syntax, "y")) continue;
+    for (const char* place : {"x", "1/1"}) {
+      const std::string line = lineOf(command.syntax, place), told = typed(command.node, line);
+      run += told != "not run";
+      const bool says = line.find("self_port") != line.npos || line.find("show queue") != line.npos;
+      EXPECT_TRUE(says || !told.ends_with(" = 0")) << line << told;
+    }
+  }
+  EXPECT_GE(run, 90U);
 }
 
 }  // namespace
