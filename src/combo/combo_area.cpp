@@ -26,12 +26,12 @@ static constexpr SlotStep hotplug[] = {hotplug_data_port_enable, hotplug_ad_prf_
 
 void msan_combo_init() {
   callAll(init);
-  ulogPrintf(gModuleId_Msan, 10, "msan combo init ok! \n\r");
+  ulogPrintf(gModuleId_Msan, kLogDebug, "msan combo init ok! \n\r");
 }
 
 void msan_combo_snmp_register() {
   callAll(snmpRegister);
-  ulogPrintf(gModuleId_Msan, 10, "msan combo snmp register ok! \n\r");
+  ulogPrintf(gModuleId_Msan, kLogDebug, "msan combo snmp register ok! \n\r");
 }
 
 void msan_combo_cli_install() { callAll(install); }

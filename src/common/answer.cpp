@@ -20,7 +20,7 @@ u64 numberIn(WireIn answer, u32 offset, u32 width, ByteOrder order) {
 
 int get_value_float_to_int(const u8* value, char* text) {
   if (value == nullptr || text == nullptr) {
-    ulogPrintf(gModuleId_Msan, 10, "%s: the pointer is NULL.\r\n", __func__);
+    ulogPrintf(gModuleId_Msan, kLogDebug, "%s: the pointer is NULL.\r\n", __func__);
     return -24;
   }
   static constexpr double powers[] = {1, 10, 100, 1000, 10000, 100000};

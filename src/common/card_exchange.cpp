@@ -51,7 +51,7 @@ static int findCard(u16 slot, u16* amount) {
 }
 
 static int nullExchange(const char* function, int line) {
-  ulogPrintf(gModuleId_Msan, 10, "%s(%d):Pointer is NULL.\r\n", function, line);
+  ulogPrintf(gModuleId_Msan, kLogDebug, "%s(%d):Pointer is NULL.\r\n", function, line);
   return kNullExchange;
 }
 

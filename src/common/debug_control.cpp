@@ -22,8 +22,8 @@ void msanSetDebugControl(u32 module, u32 level, u16 word) {
     gMsanDebugControl[row][level].store(word, std::memory_order_relaxed);
   }
   const i32 flag = word != 0 ? 1 : 0;
-  ulogSetModIgnore(gModuleId_Msan, 10, flag);
-  ulogSetModOutput(gModuleId_Msan, 10, flag);
+  ulogSetModIgnore(gModuleId_Msan, kLogDebug, flag);
+  ulogSetModOutput(gModuleId_Msan, kLogDebug, flag);
 }
 
 static int wrong(Vty* vty, const char* what) {

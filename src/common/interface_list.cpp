@@ -141,7 +141,7 @@ int CliAddrFun(const void* left, const void* right) {
 
 int compare_adsl_slot_no(const void* left, const void* right) {
   if (left == nullptr || right == nullptr) {
-    ulogPrintf(gModuleId_Msan, 10, "compare_adsl_slot_no,input parameter error!\r\n");
+    ulogPrintf(gModuleId_Msan, kLogDebug, "compare_adsl_slot_no,input parameter error!\r\n");
     return -1;
   }
   u16 slotA = 0, portA = 0, slotB = 0, portB = 0, type = 0;

@@ -49,19 +49,19 @@ int inRecoverConfProcess() { return is_cliFastMode(); }
 int msan_Module_Init() {
   gModuleId_Msan = modInitRegister("msan", 0, nload_ngn_protocol_type, nullptr, 0, 0, 0);
   if (gModuleId_Msan < 0) {
-    ulogPrintf(gModuleId_Msan, 14, "%s: Failed to get module id, ret = %d.\r\n", __func__, gModuleId_Msan);
+    ulogPrintf(gModuleId_Msan, kLogStart, "%s: Failed to get module id, ret = %d.\r\n", __func__, gModuleId_Msan);
     return gModuleId_Msan;
   }
   g_MsanMemPoolId = mpuCreate("MsanPool", kMsanPoolSize, 1, 1);
   if (g_MsanMemPoolId < 0) {
-    ulogPrintf(gModuleId_Msan, 13, "msan create mem pool failed!\r\n");
+    ulogPrintf(gModuleId_Msan, kLogError, "msan create mem pool failed!\r\n");
     return -1;
   }
   char version[21];
   std::snprintf(version, sizeof version, "%s %s", __DATE__, __TIME__);
   const i32 result = setModVersion(gModuleId_Msan, gModuleVer_Msan, version);
   if (result < 0) {
-    ulogPrintf(gModuleId_Msan, 14, "%s: Failed to set module version, ret = %d.\r\n", __func__, result);
+    ulogPrintf(gModuleId_Msan, kLogStart, "%s: Failed to set module version, ret = %d.\r\n", __func__, result);
     return result;
   }
   msan_Init_Config();
@@ -119,7 +119,7 @@ int msan_init_after_cfgexecute() {
 template <class Change>
 static int changeEvents(DbConnection database, const char* function, Change change) {
   if (database == nullptr) {
-    ulogPrintf(gModuleId_Msan, 13, "\r\nomRegister_events err! db = 0x%x", 0U);
+    ulogPrintf(gModuleId_Msan, kLogError, "\r\nomRegister_events err! db = 0x%x", 0U);
     return -1;
   }
   mco_trans_h transaction = nullptr;

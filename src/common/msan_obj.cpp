@@ -127,14 +127,14 @@ int sysGetSlotSwAliveStatus(u16 slot) {
 int sysGetSlotHwAliveStatus(u16 slot) { return card_exist(slot) == 1 ? 1 : 0; }
 
 int IsPortNoValidForCardType(u16 cardType, u16 subtype, u16 port) {
-  if (subtype != 0) ulogPrintf(gModuleId_Msan, 10, "cardsubtype %d error.\r\n", subtype);
+  if (subtype != 0) ulogPrintf(gModuleId_Msan, kLogDebug, "cardsubtype %d error.\r\n", subtype);
   u16 amount = 0;
   if (const int code = ddGetBoardServePortAmountByType(cardType, &amount)) {
-    ulogPrintf(gModuleId_Msan, 10, "ddGetBoardServePortAmountByType error!,ret= %d\n", code);
+    ulogPrintf(gModuleId_Msan, kLogDebug, "ddGetBoardServePortAmountByType error!,ret= %d\n", code);
     return 0;
   }
   if (port == 0 || port > amount) {
-    ulogPrintf(gModuleId_Msan, 10, "port %d is out range\n", port);
+    ulogPrintf(gModuleId_Msan, kLogDebug, "port %d is out range\n", port);
     return 0;
   }
   return 1;
@@ -161,25 +161,27 @@ static bool allTraced() { return debugWord(Area::common, DebugWord::func) == 655
 
 int getSlotPortNumberByType(u16 cardType, u16 subtype, u16 portType, u16* amount) {
   if (amount == nullptr) {
-    ulogPrintf(gModuleId_Msan, 13, "Function:%s, Line:%d the pointer is NULL", __func__, __LINE__);
+    ulogPrintf(gModuleId_Msan, kLogError, "Function:%s, Line:%d the pointer is NULL", __func__, __LINE__);
     return -1;
   }
   if (subtype != 0) {
-    ulogPrintf(gModuleId_Msan, 10, "cardsubtype %d error\n", subtype);
+    ulogPrintf(gModuleId_Msan, kLogDebug, "cardsubtype %d error\n", subtype);
     return -1;
   }
   u16 type = 0;
   if (const int code = ddGetPortTypeByBoardType(cardType, 1, &type)) {
-    if (allTraced()) ulogPrintf(gModuleId_Msan, 10, "%s, %d: port_type error (%d)!\n\r", __func__, __LINE__, code);
+    if (allTraced())
+      ulogPrintf(gModuleId_Msan, kLogDebug, "%s, %d: port_type error (%d)!\n\r", __func__, __LINE__, code);
     return -1;
   }
   if (type != portType) {
-    if (allTraced()) ulogPrintf(gModuleId_Msan, 10, "%s, %d: objType error(%d)!\n\r", __func__, __LINE__, portType);
+    if (allTraced())
+      ulogPrintf(gModuleId_Msan, kLogDebug, "%s, %d: objType error(%d)!\n\r", __func__, __LINE__, portType);
     return -1;
   }
   if (ddGetBoardServePortAmountByType(cardType, amount) != 0) {
-    ulogPrintf(gModuleId_Msan, 10, "cardtype %d or cardsubtype %d  or porttype %d is not exist\n", cardType, subtype,
-               portType);
+    ulogPrintf(gModuleId_Msan, kLogDebug, "cardtype %d or cardsubtype %d  or porttype %d is not exist\n", cardType,
+               subtype, portType);
     return -1;
   }
   return 0;
@@ -187,17 +189,18 @@ int getSlotPortNumberByType(u16 cardType, u16 subtype, u16 portType, u16* amount
 
 int getSnmpCardMaxPortNumberByType(u16 cardType, u16 portType, u16* amount) {
   if (amount == nullptr) {
-    ulogPrintf(gModuleId_Msan, 13, "Function:%s, Line:%d the pointer is NULL", __func__, __LINE__);
+    ulogPrintf(gModuleId_Msan, kLogError, "Function:%s, Line:%d the pointer is NULL", __func__, __LINE__);
     return -1;
   }
   u16 type = 0;
   if (ddGetPortTypeByBoardType(cardType, 1, &type) != 0 || ddGetBoardServePortAmountByType(cardType, amount) != 0) {
-    ulogPrintf(gModuleId_Msan, 10, "Function:%s, Line:%d  the input para snmpType = %d error!", __func__, __LINE__,
-               cardType);
+    ulogPrintf(gModuleId_Msan, kLogDebug, "Function:%s, Line:%d  the input para snmpType = %d error!", __func__,
+               __LINE__, cardType);
     return -1;
   }
   if (type != portType) {
-    ulogPrintf(gModuleId_Msan, 10, "Function:%s, Line:%d  the portType  = %d error!", __func__, __LINE__, portType);
+    ulogPrintf(gModuleId_Msan, kLogDebug, "Function:%s, Line:%d  the portType  = %d error!", __func__, __LINE__,
+               portType);
     return -1;
   }
   return 0;

@@ -17,7 +17,7 @@
 
 void buildSnmpErrRetPkt(u8* reply, u32* replyLen, u16 id, const SnmpErrInfo* err) {
   if (reply == nullptr || replyLen == nullptr) {
-    ulogPrintf(gModuleId_Msan, 13, "%s: Invalid input para!\r\n", __func__);
+    ulogPrintf(gModuleId_Msan, kLogError, "%s: Invalid input para!\r\n", __func__);
     return;
   }
   putNumber(reply, 4, 0x41);
@@ -71,25 +71,25 @@ struct Call {
   void* p8;
   u32 before = replyLen != nullptr ? *replyLen : 0;  // tells a reply that was written
 
-  void log(const char* what) const { ulogPrintf(gModuleId_Msan, 13, "%s: %s\r\n", function, what); }
-  void logId(const char* what) const { ulogPrintf(gModuleId_Msan, 13, "Snmp msg 0x%x %s\r\n", id, what); }
+  void log(const char* what) const { ulogPrintf(gModuleId_Msan, kLogError, "%s: %s\r\n", function, what); }
+  void logId(const char* what) const { ulogPrintf(gModuleId_Msan, kLogError, "Snmp msg 0x%x %s\r\n", id, what); }
   void unregistered() const {
-    if (debugOn(Area::common)) ulogPrintf(gModuleId_Msan, 10, "%s: Unregistered msg!\r\n", function);
+    if (debugOn(Area::common)) ulogPrintf(gModuleId_Msan, kLogDebug, "%s: Unregistered msg!\r\n", function);
   }
   void handled(int result) const {
     if (result != 0 && debugOn(Area::common, DebugWord::func, id)) {
-      ulogPrintf(gModuleId_Msan, 10, "Snmp msg 0x%x process failed!\r\n", id);
+      ulogPrintf(gModuleId_Msan, kLogDebug, "Snmp msg 0x%x process failed!\r\n", id);
     }
   }
   void dumpRequest() const {
     if (length > 0 && debugOn(Area::common, DebugWord::buf, id)) {
-      ulogTypePkt(gModuleId_Msan, 10, data, static_cast<u32>(length));
+      ulogTypePkt(gModuleId_Msan, kLogDebug, data, static_cast<u32>(length));
     }
   }
   int end() const {
     if (reply != nullptr && replyLen != nullptr && *replyLen != before && *replyLen <= kMaxPacket &&
         debugOn(Area::common, DebugWord::buf, id)) {
-      ulogTypePkt(gModuleId_Msan, 10, reply, *replyLen);
+      ulogTypePkt(gModuleId_Msan, kLogDebug, reply, *replyLen);
     }
     return 1;
   }
@@ -157,7 +157,6 @@ std::optional<int> beginReply(const Call& call, SnmpMsgEntry& row, u8* last) {
   const u32 capacity = replyRoom(row.maxReplyLen);
   PoolBytes buffer(static_cast<u8*>(mpuAlloc_(g_MsanMemPoolId, capacity, __FILE__, __LINE__)));
   if (buffer == nullptr) {
-    *last = 1;
     return call.refuse("Malloc failed!");
   }
   std::memset(buffer.get(), 0, capacity);
@@ -168,7 +167,6 @@ std::optional<int> beginReply(const Call& call, SnmpMsgEntry& row, u8* last) {
     length = std::min(length, kMaxPacket);
     std::memcpy(call.reply, buffer.get(), length);
     *call.replyLen = length;
-    *last = 1;
     call.handled(failed);
     return call.end();
   }
@@ -186,7 +184,6 @@ int handOut(const Call& call, SnmpMsgEntry& row, u8* last) {
   }
   if (row.fragCursor == nullptr || row.fragLeft == 0) {
     clearSnmpMsgFragInfo(call.id);
-    *last = 1;
     return call.refuseId("left buf is null!");
   }
   const u32 piece = std::min(row.fragLeft, kMaxPacket);
@@ -210,7 +207,7 @@ int snmpSystemWrite(u16 id, u8 lastFlag, u8* data, i32 len, u8* reply, u32* repl
   if (data == nullptr || reply == nullptr || replyLen == nullptr) return call.refuse("Invalid input para!");
   if (len < 0 || static_cast<u32>(len) > kMaxPacket) return call.refuse("Invalid input packet length!");
   if (debugOn(Area::common, DebugWord::func, id)) {
-    ulogPrintf(gModuleId_Msan, 10, "%s: snmp msg 0x%x, lastflag %d. \n\r", __func__, id, lastFlag);
+    ulogPrintf(gModuleId_Msan, kLogDebug, "%s: snmp msg 0x%x, lastflag %d. \n\r", __func__, id, lastFlag);
   }
   call.dumpRequest();
   SnmpMsgEntry row;
@@ -232,7 +229,7 @@ int snmpSystemRead(u16 id, u8* lastFlagOut, u8* data, i32 len, u8* reply, u32* r
   // A negative length is no frame: handlers subtract the envelope from it.
   if (data == nullptr || reply == nullptr || replyLen == nullptr || len < 0) return call.refuse("Invalid input para!");
   if (debugOn(Area::common, DebugWord::func, id)) {
-    ulogPrintf(gModuleId_Msan, 10, "%s: get snmp msg 0x%x. \n\r", __func__, id);
+    ulogPrintf(gModuleId_Msan, kLogDebug, "%s: get snmp msg 0x%x. \n\r", __func__, id);
   }
   call.dumpRequest();
   SnmpMsgEntry row;

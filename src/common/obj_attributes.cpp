@@ -182,7 +182,7 @@ int delPortAttrDataByCondition(u16 slot, u16 port, u32 attribute, i32) {
 }
 
 static int badSync(int line, Where where, const char* what) {
-  ulogPrintf(gModuleId_Msan, 13, "%s:%d:%s:%lu:\r\n%s\r\n", fileName(where), line, where.function, 0UL, what);
+  ulogPrintf(gModuleId_Msan, kLogError, "%s:%d:%s:%lu:\r\n%s\r\n", fileName(where), line, where.function, 0UL, what);
   return -1;
 }
 

@@ -41,20 +41,20 @@ u16 getSnmpMsgIdx(u16 id) { return indexEntry(id); }
 
 int SnmpMsgRegister(const SnmpMsgReg* message) {
   if (message == nullptr || message->description == nullptr) {
-    ulogPrintf(gModuleId_Msan, 13, "%s: Invalid input para!\r\n", __func__);
+    ulogPrintf(gModuleId_Msan, kLogError, "%s: Invalid input para!\r\n", __func__);
     return -1;
   }
   if (gSnmpMsgTbl == nullptr) {
-    ulogPrintf(gModuleId_Msan, 13, "%s: no registry for message 0x%x!\r\n", __func__, message->msgType);
+    ulogPrintf(gModuleId_Msan, kLogError, "%s: no registry for message 0x%x!\r\n", __func__, message->msgType);
     return -1;
   }
   u16& index = indexEntry(message->msgType);
   if (index < 65535) {
-    ulogPrintf(gModuleId_Msan, 13, "%s: Can't repeatedly register!\r\n", __func__);
+    ulogPrintf(gModuleId_Msan, kLogError, "%s: Can't repeatedly register!\r\n", __func__);
     return -1;
   }
   if (gSnmpMsgNum >= kMaxMessages) {
-    ulogPrintf(gModuleId_Msan, 13, "%s: Snmp msg registry is full!\r\n", __func__);
+    ulogPrintf(gModuleId_Msan, kLogError, "%s: Snmp msg registry is full!\r\n", __func__);
     return -1;
   }
   SnmpMsgEntry& row = gSnmpMsgTbl[gSnmpMsgNum];
@@ -74,12 +74,12 @@ int SnmpMsgRegister(const SnmpMsgReg* message) {
 static SnmpMsgEntry* findRow(u16 id, const char* function) {
   const u16 index = getSnmpMsgIdx(id);
   if (index >= kMaxMessages) {
-    if (debugOn(Area::common)) ulogPrintf(gModuleId_Msan, 10, "%s: Invalid cmd type!\r\n", function);
+    if (debugOn(Area::common)) ulogPrintf(gModuleId_Msan, kLogDebug, "%s: Invalid cmd type!\r\n", function);
     return nullptr;
   }
   SnmpMsgEntry& row = gSnmpMsgTbl[index];
   if (row.registered != 1 || row.msgType != id) {
-    if (debugOn(Area::common)) ulogPrintf(gModuleId_Msan, 10, "%s: Unregistered msg!\r\n", function);
+    if (debugOn(Area::common)) ulogPrintf(gModuleId_Msan, kLogDebug, "%s: Unregistered msg!\r\n", function);
     return nullptr;
   }
   return &row;
@@ -87,7 +87,7 @@ static SnmpMsgEntry* findRow(u16 id, const char* function) {
 
 int getSnmpMsgInfo(u16 id, SnmpMsgEntry* out) {
   if (out == nullptr) {
-    ulogPrintf(gModuleId_Msan, 13, "%s: Invalid input para!\r\n", __func__);
+    ulogPrintf(gModuleId_Msan, kLogError, "%s: Invalid input para!\r\n", __func__);
     return -1;
   }
   const SnmpMsgEntry* row = findRow(id, __func__);
@@ -98,7 +98,7 @@ int getSnmpMsgInfo(u16 id, SnmpMsgEntry* out) {
 
 int setSnmpMsgFragInfo(u16 id, const SnmpMsgEntry* from) {
   if (from == nullptr) {
-    ulogPrintf(gModuleId_Msan, 13, "%s: Invalid input para!\r\n", __func__);
+    ulogPrintf(gModuleId_Msan, kLogError, "%s: Invalid input para!\r\n", __func__);
     return -1;
   }
   SnmpMsgEntry* row = findRow(id, __func__);
@@ -127,21 +127,21 @@ void initAgentIfEnv() {
   const u32 size = kMaxMessages * sizeof(SnmpMsgEntry);
   gSnmpMsgTbl = static_cast<SnmpMsgEntry*>(mpuAlloc_(g_MsanMemPoolId, size, __FILE__, __LINE__));
   if (gSnmpMsgTbl == nullptr) {
-    ulogPrintf(gModuleId_Msan, 13, "%s: Malloc failed!\r\n", __func__);
+    ulogPrintf(gModuleId_Msan, kLogError, "%s: Malloc failed!\r\n", __func__);
     return;
   }
   bep_memSetEx(gSnmpMsgTbl, 0, size);
   bep_memSetEx(gSnmpMsgIdxTbl, 0xFF, sizeof gSnmpMsgIdxTbl);
   gSnmpMsgNum = 0;
   if (RegisterHookFunc(snmpSystemWrite, snmpSystemRead, gModuleId_Msan) != 1) {
-    ulogPrintf(gModuleId_Msan, 13, "%s: Register hook failed!\r\n", __func__);
+    ulogPrintf(gModuleId_Msan, kLogError, "%s: Register hook failed!\r\n", __func__);
     return;
   }
   if (initAgentIfCmd() != 0) {
-    ulogPrintf(gModuleId_Msan, 13, "%s: Init command failed!\r\n", __func__);
+    ulogPrintf(gModuleId_Msan, kLogError, "%s: Init command failed!\r\n", __func__);
     return;
   }
-  ulogPrintf(gModuleId_Msan, 12, "msan snmp init OK!\r\n");
+  ulogPrintf(gModuleId_Msan, kLogProgress, "msan snmp init OK!\r\n");
 }
 
 // A handler's address, as wide as the target's: 0x and at least eight digits.

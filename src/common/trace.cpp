@@ -51,6 +51,6 @@ void printTrace(Area area, Where where, const char* words, ...) {
   va_start(arguments, words);
   const Words line(words, arguments);
   va_end(arguments);
-  ulogPrintf(gModuleId_Msan, 10, "\r\n %s, %s %d, %s. \r\n", FunctionName(where).text, fileName(where), where.line,
-             line.text);
+  ulogPrintf(gModuleId_Msan, kLogDebug, "\r\n %s, %s %d, %s. \r\n", FunctionName(where).text, fileName(where),
+             where.line, line.text);
 }

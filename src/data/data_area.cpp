@@ -102,12 +102,12 @@ static constexpr void (*slotShowrun[])(Vty* vty, u16 slot) = {
 
 void msan_data_init() {
   callAll(init);
-  ulogPrintf(gModuleId_Msan, 10, "msan data init ok! \n\r");
+  ulogPrintf(gModuleId_Msan, kLogDebug, "msan data init ok! \n\r");
 }
 
 void msan_data_snmp_register() {
   callAll(snmpRegister);
-  ulogPrintf(gModuleId_Msan, 10, "msan data snmp register ok! \n\r");
+  ulogPrintf(gModuleId_Msan, kLogDebug, "msan data snmp register ok! \n\r");
 }
 
 void msan_data_cli_install() { callAll(install); }

@@ -7,11 +7,11 @@
 #include "platform/log.h"
 #include "ppda/volt_current.h"
 
-void msan_ppda_init() { ulogPrintf(gModuleId_Msan, 10, "msan ppda init ok! \n\r"); }
+void msan_ppda_init() { ulogPrintf(gModuleId_Msan, kLogDebug, "msan ppda init ok! \n\r"); }
 
 void msan_ppda_snmp_register() {
   reg_snmp_pots_voltcurrent_init();
-  ulogPrintf(gModuleId_Msan, 10, "msan ppda snmp register ok! \n\r");
+  ulogPrintf(gModuleId_Msan, kLogDebug, "msan ppda snmp register ok! \n\r");
 }
 
 void msan_ppda_cmd_install() { volt_current_install(); }
@@ -23,5 +23,5 @@ void msan_ppda_showrun(Vty* vty) {
 
 void msan_ppda_hotplug(u16 slot) {
   vdistrib_pots_voltcurrent(slot);
-  if (debugOn(Area::ppda)) ulogPrintf(gModuleId_Msan, 10, "%s: finished. \n\r", __func__);
+  if (debugOn(Area::ppda)) ulogPrintf(gModuleId_Msan, kLogDebug, "%s: finished. \n\r", __func__);
 }

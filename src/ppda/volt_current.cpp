@@ -108,7 +108,7 @@ int vcheck_pots_voltcurrent_handle(LIST* list, SnmpErrInfo* err) {
 // --- Send ---
 
 static void dumpGated(const u8* packet, u32 length) {
-  if (debugOn(Area::ppda, DebugWord::buf)) ulogTypePkt(gModuleId_Msan, 10, packet, length);
+  if (debugOn(Area::ppda, DebugWord::buf)) ulogTypePkt(gModuleId_Msan, kLogDebug, packet, length);
 }
 
 int vbuild_set_pots_voltcurrent_msc_packet(LIST* list, LIST* sends) {
@@ -290,7 +290,6 @@ int vsnmp_get_pots_voltcurrent(u16 id, u8* last, u8* data, i32 length, u8* reply
       vencode_pots_voltcurrent_handle(records, out, &bytes) != 0) {
     return answerFailed(id, reply, replyLen);
   }
-  *last = 1;
   putNumber(reply, 4, 1);
   *replyLen = bytes + kReplyArea;
   return 0;

@@ -81,7 +81,7 @@ static int showrunSlot(Vty* vty, u16 slot, u16 amount) {
   for (u16 port = 1; port <= amount; ++port) {
     PotsFeed record;
     if (!readPort(slot, port, record)) {
-      ulogPrintf(gModuleId_Msan, 10, "%s: no feed values for slot %d port %d.\r\n", __func__, slot, port);
+      ulogPrintf(gModuleId_Msan, kLogDebug, "%s: no feed values for slot %d port %d.\r\n", __func__, slot, port);
       return -1;
     }
     if (record.slot == 0 || record.port == 0 || (record.voltage == 42 && record.current == 22)) continue;
@@ -95,7 +95,7 @@ void vshow_run_pots_voltcurrent(Vty* vty) {
   u32 slots[kMostServeSlots];
   u32 count = 0;
   if (getServeSlots(slots, &count) != 0) {
-    ulogPrintf(gModuleId_Msan, 10, "%s: the slots can't be had.\r\n", __func__);
+    ulogPrintf(gModuleId_Msan, kLogDebug, "%s: the slots can't be had.\r\n", __func__);
     return;
   }
   for (u32 i = 0; i < count; ++i) {
@@ -104,7 +104,7 @@ void vshow_run_pots_voltcurrent(Vty* vty) {
     if (card <= 0 || caCheckCardTypeIsMsanPotsCard(static_cast<u16>(card)) != 0) continue;
     u16 amount = 0;
     if (ddGetBoardServePortAmountByType(static_cast<u16>(card), &amount) != 0 && amount != 0) {
-      ulogPrintf(gModuleId_Msan, 10, "%s: the ports of slot %d can't be had.\r\n", __func__, slot);
+      ulogPrintf(gModuleId_Msan, kLogDebug, "%s: the ports of slot %d can't be had.\r\n", __func__, slot);
       return;
     }
     if (showrunSlot(vty, slot, amount) != 0) return;

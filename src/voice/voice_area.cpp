@@ -214,12 +214,12 @@ static constexpr PrintStep showrun[] = {
 
 void msanVoice_Init() {
   callAll(init);
-  ulogPrintf(gModuleId_Msan, 10, "msan voice init ok! \n\r");
+  ulogPrintf(gModuleId_Msan, kLogDebug, "msan voice init ok! \n\r");
 }
 
 void msanVoice_Init_Snmp() {
   callAll(snmpRegister);
-  ulogPrintf(gModuleId_Msan, 10, "msan voice snmp register ok! \n\r");
+  ulogPrintf(gModuleId_Msan, kLogDebug, "msan voice snmp register ok! \n\r");
 }
 
 int msanVoice_Init_Cmd() {
@@ -236,7 +236,7 @@ void msan_voice_hotplug(u16 slot) {
   ngn_data_distribute(slot);
   send_rtp_vlan_by_slot(slot);
   send_rtp_ip_by_slot(slot);
-  if (debugOn(Area::voice)) ulogPrintf(gModuleId_Msan, 10, "%s: finished. \n\r", __func__);
+  if (debugOn(Area::voice)) ulogPrintf(gModuleId_Msan, kLogDebug, "%s: finished. \n\r", __func__);
 }
 
 void msan_voice_init_after_cfgexecute() { callAll(afterConfiguration); }

@@ -1,7 +1,9 @@
 #pragma once
-// The node's log. Severities: 10 debug, 12 progress, 13 error, 14 failure of a start-up step.
+// The node's log.
 
 #include "platform/types.h"
+
+enum LogSeverity : i32 { kLogDebug = 10, kLogProgress = 12, kLogError = 13, kLogStart = 14 };  // of a start-up step
 
 void ulogPrintf(i32 module, i32 severity, const char* format, ...) __attribute__((format(printf, 3, 4)));
 

@@ -101,8 +101,7 @@ static int parse_get_port_info(LIST* list, SnmpErrInfo* err, u32 count, WireIn i
   return 0;
 }
 
-int snmp_get_adsl_port_info(u16 id, u8* last, u8* data, i32 length, u8* reply, u32* replyLen, void*, void*) {
-  *last = 1;
+int snmp_get_adsl_port_info(u16 id, u8*, u8* data, i32 length, u8* reply, u32* replyLen, void*, void*) {
   Reader from(data != nullptr && length >= 32 ? WireIn(data + 32, static_cast<u32>(length) - 32) : WireIn());
   const u32 count = from.number(4);
   SnmpErrInfo err;

@@ -197,7 +197,7 @@ void setAdslField(AdslPrfItem* item, u32 selector, u32 value) {
 
 int modify_spc_adsl_prf_para(SnmpErrInfo* err, const AdslPrfRecord* values, u32 selector) {
   if (err == nullptr || values == nullptr) {
-    ulogPrintf(gModuleId_Msan, 10, "%s: input parameter error!\r\n", __func__);
+    ulogPrintf(gModuleId_Msan, kLogDebug, "%s: input parameter error!\r\n", __func__);
     return -1;
   }
   if (selector >= std::size(parts) || parts[selector].size == 0) return -1;

@@ -72,7 +72,7 @@ static_assert(std::size(gDropReasonStr) == 48);
 
 const char* get_dropreason_str_byindex(u32 index) {
   if (index < std::size(gDropReasonStr)) return gDropReasonStr[index];
-  ulogPrintf(gModuleId_Msan, 10, "input index %d is out of range.\r\n", static_cast<int>(index));
+  ulogPrintf(gModuleId_Msan, kLogDebug, "input index %d is out of range.\r\n", static_cast<int>(index));
   return "";
 }
 
@@ -196,7 +196,8 @@ constexpr PortRead seltResult{2836, "Port SELT test", 400000, get_gepon_slot_msa
 // --- Blocks ---
 
 static void tooShort(WireIn answer) {
-  ulogPrintf(gModuleId_Msan, 10, "the input len %d is small than real legnth.\r\n", static_cast<int>(answer.size()));
+  ulogPrintf(gModuleId_Msan, kLogDebug, "the input len %d is small than real legnth.\r\n",
+             static_cast<int>(answer.size()));
 }
 
 // The first block of the rest with its entries; empty if it is not all there, or if as many blocks of its size as the

@@ -26,7 +26,6 @@ static int answerCode(const SnmpCall& call, int code) {
 static int snmpRead(const PortRead& read, const SnmpCall& call) {
   if (call.lastFlagOut == nullptr || call.data == nullptr || call.reply == nullptr || call.replyLen == nullptr)
     return -1;
-  *call.lastFlagOut = 1;
   const WireIn frame(call.data, call.length > 0 ? static_cast<u32>(call.length) : 0);
   if (frame.size() < kItems) return answerCode(call, kTooFewBytes);
   const u32 count = getNumber(&frame[kArea], 4);
@@ -57,7 +56,7 @@ static int showRead(const PortRead& read, Vty* vty, const char* slotWord, const 
   const OnePortRequest request(slot, static_cast<u16>(bep_atoiEx(portWord)));
   const PoolBytes answer(static_cast<u8*>(mpuAlloc_(g_MsanMemPoolId, kShownAnswer, __FILE__, __LINE__)));
   if (answer == nullptr) {
-    ulogPrintf(gModuleId_Msan, 10, "OMS_MALLOC  outbuf(0x%08x) failed!\r\n", kShownAnswer);
+    ulogPrintf(gModuleId_Msan, kLogDebug, "OMS_MALLOC  outbuf(0x%08x) failed!\r\n", kShownAnswer);
     return kNoRoom;
   }
   std::memset(answer.get(), 0, kShownAnswer);
@@ -124,7 +123,8 @@ template <const PortRead&... reads>
 static int registerReads() {
   for (const SnmpMsgReg& message :
        {SnmpMsgReg{reads.id, {0, 0}, nullptr, readGet<reads>, reads.mostReply, reads.name}...}) {
-    if (SnmpMsgRegister(&message) != 0) ulogPrintf(gModuleId_Msan, 10, "register %s failed!\r\n", message.description);
+    if (SnmpMsgRegister(&message) != 0)
+      ulogPrintf(gModuleId_Msan, kLogDebug, "register %s failed!\r\n", message.description);
   }
   return 0;
 }

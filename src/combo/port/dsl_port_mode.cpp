@@ -34,7 +34,7 @@ int get_dsl_obj_mode(const ObjIndex* object, u16* mode) {
     *mode = kAtmMode;
     return 0;
   }
-  ulogPrintf(gModuleId_Msan, 10, "input port is not dsl Port!\r\n");
+  ulogPrintf(gModuleId_Msan, kLogDebug, "input port is not dsl Port!\r\n");
   return -1;
 }
 

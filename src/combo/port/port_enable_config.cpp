@@ -220,7 +220,6 @@ static int snmp_set_port_enable(u16 id, u8, u8* data, i32 length, u8* reply, u32
 
 static int snmp_get_port_enable(u16 id, u8* last, u8* data, i32 length, u8* reply, u32* replyLen, void*, void*) {
   if (last == nullptr || data == nullptr || reply == nullptr || replyLen == nullptr) return -1;
-  *last = 1;
   Request request;
   SnmpErrInfo err;
   ObjList nodes;

@@ -72,7 +72,7 @@ static bool encodePort(const ProfileKind& kind, const AdslPortPrfNode& node, Wri
   AnyProfile record;
   SnmpErrInfo err;
   if (getProfile(kind, &err, &record, node.prfId) != 0) {
-    ulogPrintf(gModuleId_Msan, 10, "%s: profile %d can't be read!\r\n", __func__, node.prfId);
+    ulogPrintf(gModuleId_Msan, kLogDebug, "%s: profile %d can't be read!\r\n", __func__, node.prfId);
     return false;
   }
   putPortHead(to, node.port);
@@ -98,7 +98,7 @@ int flushProfile(const ProfileKind& kind, SnmpErrInfo* err, u32 id) {
     const auto* port = dataOf<const ObjIndex>(cell);
     u16 used = 0;
     if (attachedProfile(kind, port, &used) < 0) {
-      ulogPrintf(gModuleId_Msan, 10, "%s,getObjAttrDataByCondition error!\r\n", kind.texts.flushName);
+      ulogPrintf(gModuleId_Msan, kLogDebug, "%s,getObjAttrDataByCondition error!\r\n", kind.texts.flushName);
       return -1;
     }
     if (used == id && addPortNode(users, err, *port, used) != 0) return -1;

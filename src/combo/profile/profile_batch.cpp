@@ -41,7 +41,7 @@ static int checkRecord(const ProfileKind& kind, SnmpErrInfo* err, ProfileHead* r
   if (checkValues(kind, err, record) != 0) return -1;
   if (record->requestId == kAllocateId) return prfIsNameExist(kind.type, record->name) == 0 ? 0 : -1;
   if (record->requestId == kDefaultProfile) {
-    ulogPrintf(gModuleId_Msan, 10, "default prf cann't to be delete or modified!\r\n");
+    ulogPrintf(gModuleId_Msan, kLogDebug, "default prf cann't to be delete or modified!\r\n");
     return 0;
   }
   if (checkIdLegalExp0(kind, err, record->requestId) != 0) return -1;

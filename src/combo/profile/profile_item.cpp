@@ -90,7 +90,7 @@ void resetItem(const ProfileShape& shape, void* item) {
 }
 
 static int fail(SnmpErrInfo* err, u16 code, const char* logged) {
-  if (logged != nullptr) ulogPrintf(gModuleId_Msan, 10, "%s\r\n", logged);
+  if (logged != nullptr) ulogPrintf(gModuleId_Msan, kLogDebug, "%s\r\n", logged);
   err->errCode = code;
   return -1;
 }

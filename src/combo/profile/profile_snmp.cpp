@@ -55,7 +55,7 @@ int endReply(const SnmpCall& call, const Writer& to) {
 void registerProfileMessages(std::span<const ProfileMessage> messages) {
   for (const ProfileMessage& message : messages) {
     const SnmpMsgReg row{message.id, {1, 1}, message.set, message.get, message.mostReply, message.description};
-    if (SnmpMsgRegister(&row) != 0) ulogPrintf(gModuleId_Msan, 10, "register %s failed!\r\n", message.name);
+    if (SnmpMsgRegister(&row) != 0) ulogPrintf(gModuleId_Msan, kLogDebug, "register %s failed!\r\n", message.name);
   }
 }
 
@@ -69,7 +69,7 @@ static int decodeAll(const ProfileKind& kind, const SnmpCall& call, SnmpErrInfo*
     auto* record = reinterpret_cast<ProfileHead*>(records + i * kind.recordSize());
     if (decodeProfile(kind, err, record, &length, from.rest()) != 0) {
       if (err->errCode == kRequestTooShort) {
-        ulogPrintf(gModuleId_Msan, 10, "%s error,iInDataLen = %d!", kind.texts.writeName, call.length);
+        ulogPrintf(gModuleId_Msan, kLogDebug, "%s error,iInDataLen = %d!", kind.texts.writeName, call.length);
       }
       return -1;
     }
@@ -117,7 +117,6 @@ int snmpDeleteProfiles(const ProfileKind& kind, const SnmpCall& call) {
 }
 
 int snmpReadProfiles(const ProfileKind& kind, const SnmpCall& call) {
-  *call.lastFlagOut = 1;
   Writer to = beginReply(call);
   const ProfileLock lock(kind);
   if (encodeAll(kind, to) != 0) return answerCode(call, kNoMemory);
@@ -125,7 +124,6 @@ int snmpReadProfiles(const ProfileKind& kind, const SnmpCall& call) {
 }
 
 int snmpReadProfilesBare(const ProfileKind& kind, const SnmpCall& call) {
-  *call.lastFlagOut = 1;
   if (call.length != static_cast<i32>(kArea)) return answerCode(call, kRequestTooShort);
   return snmpReadProfiles(kind, call);
 }
@@ -189,7 +187,7 @@ int encodePorts(const ProfileKind& kind, LIST* list, Writer& to) {
     u16 slot = 0, portNo = 0, type = 0, id = 0;
     if (ObjIndexConvertSlotNoPort(&slot, &portNo, &type, port) != 0) return -1;
     if (attachedProfile(kind, port, &id) < 0) {
-      ulogPrintf(gModuleId_Msan, 10, "%s: attribute %d of %d/%d can't be read!\r\n", __func__,
+      ulogPrintf(gModuleId_Msan, kLogDebug, "%s: attribute %d of %d/%d can't be read!\r\n", __func__,
                  static_cast<int>(kind.attribute), slot, portNo);
       id = kDefaultProfile;
     }
@@ -259,7 +257,6 @@ int askedPorts(std::span<const u16> types, const SnmpCall& call, SnmpErrInfo* er
 }
 
 int snmpReadPorts(const ProfileKind& kind, const SnmpCall& call) {
-  *call.lastFlagOut = 1;
   ObjList ports;
   SnmpErrInfo err;
   if (askedPorts(kind.portTypes, call, &err, ports) != 0) return answerError(call, err);

@@ -138,7 +138,7 @@ void pvc_create_dft_prf() { createDefault(pvcKind); }
 int get_pvc_prf(PvcPrfRecord* record, u16 id) { return readProfile(pvcKind, record, id); }
 int set_pvc_prf(SnmpErrInfo* err, PvcPrfRecord* records, u16 count) {
   if (count > pvcKind.count()) {
-    ulogPrintf(gModuleId_Msan, 10, "prfNum is error!\r\n");
+    ulogPrintf(gModuleId_Msan, kLogDebug, "prfNum is error!\r\n");
     return -1;
   }
   return writeBatch(pvcKind, err, records, count);

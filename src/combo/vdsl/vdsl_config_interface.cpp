@@ -24,7 +24,7 @@ static constexpr Step install[] = {install_vdsl_line_cmd, install_vdsl_ser_cmd, 
 // Line, service and power back-off tell it in the log, the others on standard output.
 static void registerFailed(const ProfileKind& kind) {
   if (kind.write == writeBatch) {
-    ulogPrintf(gModuleId_Msan, 10, "\r\n[ERROR] %s(%d):%s->prfRegNewType err! profileID = %d",
+    ulogPrintf(gModuleId_Msan, kLogDebug, "\r\n[ERROR] %s(%d):%s->prfRegNewType err! profileID = %d",
                "vdsl_config_interface.cpp", __LINE__, "vdsl_init_cfg", kind.writeId);
   } else {
     std::printf("\r\nvdsl %s prf,prfRegNewType failed!\r", kind.word + std::strlen("vdsl"));

@@ -187,7 +187,7 @@ class CardMessage {
   }
 
   void log(const char* step, u16 slot) const {
-    ulogPrintf(gModuleId_Msan, 10, "F(%s)L(%d):  %s slotno %d mscmsg err\r\n",
+    ulogPrintf(gModuleId_Msan, kLogDebug, "F(%s)L(%d):  %s slotno %d mscmsg err\r\n",
                FunctionName(item_.at("send_*_cfg")).text, item_.line, step, slot);
   }
 
@@ -209,8 +209,8 @@ static int sendEach(const DataItem& item, LIST* records) {
   for (NODE* cell = lstFirst(records); cell != nullptr; cell = lstNext(cell)) {
     const auto* record = dataOf<const void>(cell);
     if (message.begin() != 0) {
-      ulogPrintf(gModuleId_Msan, 10, "Function:%s, Line:%d:  MSAN_MALLOC err.\r\n", FunctionName(item.at("set_*")).text,
-                 item.line);
+      ulogPrintf(gModuleId_Msan, kLogDebug, "Function:%s, Line:%d:  MSAN_MALLOC err.\r\n",
+                 FunctionName(item.at("set_*")).text, item.line);
       return -1;
     }
     if (message.add(record) == 0) message.send(objectOf(record).addr[1]);
@@ -341,8 +341,8 @@ void recoverWholeSlot(const DataItem& item, u16 slot, Where where) {
   CardMessage message(item, 1);
   if (readRecord(item, record) != 0 || message.begin() != 0 || message.add(record) != 0) return;
   if (message.send(slot) < 0) {
-    ulogPrintf(gModuleId_Msan, 10, "Function:%s, Line:%d: send slotno %d mscmsg err. \r\n", where.function, where.line,
-               slot);
+    ulogPrintf(gModuleId_Msan, kLogDebug, "Function:%s, Line:%d: send slotno %d mscmsg err. \r\n", where.function,
+               where.line, slot);
   }
 }
 

@@ -96,7 +96,7 @@ int del_loopdetect_db_api(u32 objectId) {
 static bool reaches(const ObjIndex* object) {
   const u16 slot = object->addr[1];
   if (sysGetSlotSwAliveStatus(slot) == 1) return true;
-  ulogPrintf(gModuleId_Msan, 10, "%s: the software of slot %d does not run.\r\n", "send_loopdetect", slot);
+  ulogPrintf(gModuleId_Msan, kLogDebug, "%s: the software of slot %d does not run.\r\n", "send_loopdetect", slot);
   return false;
 }
 
@@ -104,7 +104,7 @@ static void report(LIST* records, u16 id, int origin) { msan_cfg_sync_trigger(re
 
 void loopdetect_callback_after_cardauth_db(u16 slot) {
   if (!isDataCard(slot)) {
-    ulogPrintf(gModuleId_Msan, 10, "%s: no data card in slot %d.\r\n", __func__, slot);
+    ulogPrintf(gModuleId_Msan, kLogDebug, "%s: no data card in slot %d.\r\n", __func__, slot);
     return;
   }
   ObjList records;
@@ -127,7 +127,7 @@ void loop_detect_cfg_recover(u16 slot) {
   if (ddIsServeBoardSlot(slot, &served) == 0)
     recoverSlot(loopDetect, slot);
   else
-    ulogPrintf(gModuleId_Msan, 10, "file %s func %s slotNo %d invalid.\r\n", __FILE__, __func__, slot);
+    ulogPrintf(gModuleId_Msan, kLogDebug, "file %s func %s slotNo %d invalid.\r\n", __FILE__, __func__, slot);
 }
 
 // --- Commands ---
@@ -225,7 +225,7 @@ static int printPort(Vty* vty, u16 slot, u16 port) {
   LoopDetectRecord record;
   placeObject(slot, port, &record.object);
   if (readRecord(loopDetect, &record) != 0) {
-    ulogPrintf(gModuleId_Msan, 10, "%s: port %d/%d can't be read.\r\n", "show_run_loopdetect", slot, port);
+    ulogPrintf(gModuleId_Msan, kLogDebug, "%s: port %d/%d can't be read.\r\n", "show_run_loopdetect", slot, port);
     return -1;
   }
   if (record.value == LoopDetectValue{}) return 0;
@@ -241,7 +241,7 @@ void show_run_loopdetect(Vty* vty) {
   u32 slots[100];
   u32 count = 0, most = 0;
   if (ddGetServeSlotList(slots, 100, &count) != 0 || ddGetMaxSlotNum(&most) != 0 || count > most) {
-    ulogPrintf(gModuleId_Msan, 10, "%s: the slots are not known.\r\n", __func__);
+    ulogPrintf(gModuleId_Msan, kLogDebug, "%s: the slots are not known.\r\n", __func__);
     return;
   }
   for (u32 i = 0; i < count; ++i) {

@@ -143,13 +143,14 @@ void delete_mac_limit_cfg_dbapi(u32 objectId, u16 index) {
 static bool reaches(const ObjIndex* object) { return sysGetSlotSwAliveStatus(object->addr[1]) == 1; }
 
 static void sendFailed(u16 slot) {
-  ulogPrintf(gModuleId_Msan, 10, "file %s func %s send slotno %d mscmsg err\r\n", __FILE__, "send_macnum_limit", slot);
+  ulogPrintf(gModuleId_Msan, kLogDebug, "file %s func %s send slotno %d mscmsg err\r\n", __FILE__, "send_macnum_limit",
+             slot);
 }
 
 void recover_macnum_limit_cfg(u16 slot) {
   u32 served = 0;
   if (ddIsServeBoardSlot(slot, &served) != 0) {
-    ulogPrintf(gModuleId_Msan, 10, "file %s func %s slotOut %d invalid.\r\n", __FILE__, __func__, slot);
+    ulogPrintf(gModuleId_Msan, kLogDebug, "file %s func %s slotOut %d invalid.\r\n", __FILE__, __func__, slot);
     return;
   }
   if (isDataCard(slot)) recoverSlot(macLimit, slot, hasRows);

@@ -151,7 +151,7 @@ void res_port_plc_attach_cfg(u16 slot) {
     return;
   }
   const Where where = Where::here();
-  ulogPrintf(gModuleId_Msan, 10, "\r\n %s, %s %d, caCheckCardTypeIsVDSLCard error. \r\n", where.function,
+  ulogPrintf(gModuleId_Msan, kLogDebug, "\r\n %s, %s %d, caCheckCardTypeIsVDSLCard error. \r\n", where.function,
              fileName(where), where.line);
 }
 

@@ -56,7 +56,7 @@ static int parse(Reader& in, EthSchedule* record, SnmpErrInfo* err) {
   const u16 count = record->value.ruleNum = readU16(in);
   if (in.failed()) return -1;
   if (count < 1 || count > kQueues) {
-    ulogPrintf(gModuleId_Msan, 10, "\r\n obj-usitem[%d] error %d", port, count);
+    ulogPrintf(gModuleId_Msan, kLogDebug, "\r\n obj-usitem[%d] error %d", port, count);
     return reject(err, kQueueCount, {count});
   }
   for (u16 i = 0; i < count; ++i) record->value.queues[i] = readQueue(in, record->value.mode);
@@ -155,7 +155,7 @@ static constexpr int kNullValue = -24, kPartOfValue = -33, kOtherQueues = -32;
 static int checkAccess(const char* function, const void* value, u32 offset, u32 length) {
   if (value == nullptr) return kNullValue;
   if (offset == 0 && length >= sizeof(EthScheduleRecord)) return 0;
-  ulogPrintf(gModuleId_Msan, 10, "%s(%d):input len  = %d is error.\r\n", function, __LINE__, length);
+  ulogPrintf(gModuleId_Msan, kLogDebug, "%s(%d):input len  = %d is error.\r\n", function, __LINE__, length);
   return kPartOfValue;
 }
 
@@ -179,7 +179,7 @@ int set_eth_schedule_cfg_dbapi(u32 objectId, const void* value, u32 offset, u32 
   if (const int code = checkAccess(__func__, value, offset, length)) return code;
   const auto& schedule = *static_cast<const EthScheduleRecord*>(value);
   if (schedule.ruleNum != kQueues) {
-    ulogPrintf(gModuleId_Msan, 10, "%s(%d):input item = %d is error.\r\n", __func__, __LINE__, schedule.ruleNum);
+    ulogPrintf(gModuleId_Msan, kLogDebug, "%s(%d):input item = %d is error.\r\n", __func__, __LINE__, schedule.ruleNum);
     return kOtherQueues;
   }
   Transaction transaction(Access::write);
@@ -227,19 +227,19 @@ int delete_eth_schedule_cfg_dbapi(u32 objectId) {
 static int select(u16 slot, u16 port, ObjIndex* object, SnmpErrInfo* err) {
   static constexpr char function[] = "get_ethschedule_cfg_snmp";
   if (isSlotAuthed(slot) != 1) {
-    ulogPrintf(gModuleId_Msan, 10, "(FILE : %s, FUNC : %s, LINE : %d )The slot (%d) isn't authed.\r\n", __FILE__,
+    ulogPrintf(gModuleId_Msan, kLogDebug, "(FILE : %s, FUNC : %s, LINE : %d )The slot (%d) isn't authed.\r\n", __FILE__,
                function, __LINE__, slot);
     return reject(err, kNoSlot, {slot});
   }
   if (SlotNoPortConvertObjIndex(slot, port, 0, object) != 0) {
-    ulogPrintf(gModuleId_Msan, 10, "(FILE : %s, FUNC : %s, LINE : %d )The slot (%d) port (%d) is invalid.\r\n",
+    ulogPrintf(gModuleId_Msan, kLogDebug, "(FILE : %s, FUNC : %s, LINE : %d )The slot (%d) port (%d) is invalid.\r\n",
                __FILE__, function, __LINE__, slot, port);
     return reject(err, kNoPlace, {slot, port});
   }
   return checkObject(ethSchedule, object, err);
 }
 
-static void countRefused(u32 count) { ulogPrintf(gModuleId_Msan, 10, "\r\n objItemNum error %d", count); }
+static void countRefused(u32 count) { ulogPrintf(gModuleId_Msan, kLogDebug, "\r\n objItemNum error %d", count); }
 
 static bool holds(const ObjIndex* object) {
   SnmpErrInfo err;
@@ -249,7 +249,7 @@ static bool holds(const ObjIndex* object) {
 void recover_ethschedule_cfg(u16 slot) {
   u32 served = 0;
   if (ddIsServeBoardSlot(slot, &served) != 0) {
-    ulogPrintf(gModuleId_Msan, 10, "file %s func %s slotOut %d invalid.\r\n", __FILE__, __func__, slot);
+    ulogPrintf(gModuleId_Msan, kLogDebug, "file %s func %s slotOut %d invalid.\r\n", __FILE__, __func__, slot);
     return;
   }
   ObjIndex object;

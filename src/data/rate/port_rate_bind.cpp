@@ -112,7 +112,7 @@ static int save(const PortRateBinding* record) {
 static int select(u16 slot, u16 port, ObjIndex* object, SnmpErrInfo* err) {
   if (isSlotAuthed(slot) != 1) return reject(err, kNoSlot, {slot});
   if (SlotNoPortConvertObjIndex(slot, port, 0, object) != 0) {
-    ulogPrintf(gModuleId_Msan, 10, "Function:%s, Line:%d The slot (%d) port (%d) is invalid.\r\n",
+    ulogPrintf(gModuleId_Msan, kLogDebug, "Function:%s, Line:%d The slot (%d) port (%d) is invalid.\r\n",
                "snmp_get_port_rate_limit_prf_attach", __LINE__, slot, port);
     return reject(err, kNoPlace, {slot, port});
   }
@@ -165,7 +165,7 @@ void recover_port_rate_limit_attach_cfg(u16 slot) {
   u16 ports = 0;
   const int card = get_config_card_type(slot);
   if (card <= 0 || ddGetBoardServePortAmountByType(static_cast<u16>(card), &ports) != 0 || ports == 0) {
-    ulogPrintf(gModuleId_Msan, 10, "Function:%s, Line:%d, slot %d usport 0.\r\n", __func__, __LINE__, slot);
+    ulogPrintf(gModuleId_Msan, kLogDebug, "Function:%s, Line:%d, slot %d usport 0.\r\n", __func__, __LINE__, slot);
     return;
   }
   ObjList records;

@@ -34,7 +34,7 @@ void init_port_rate_profile_type() {
   g_port_rate_limit_prf.recordSize = g_port_rate_limit_prf.storedSize = sizeof(PortRatePrf);
   g_port_rate_limit_prf.isBound = is_port_rate_profile_bind_obj;
   if (init_comm_profile_type(&g_port_rate_limit_prf) == 0) return;
-  ulogPrintf(gModuleId_Msan, 13, "%s: register rate limit profile type failed!\r\n", __func__);
+  ulogPrintf(gModuleId_Msan, kLogError, "%s: register rate limit profile type failed!\r\n", __func__);
 }
 
 void init_port_rate_default_prf() {

@@ -48,8 +48,8 @@ static int check(PortIsolateRecord* record, SnmpErrInfo* err) {
   const u16 slot = record->object.addr[1];
   if (checkPlace(record, err) != 0) return -1;
   if (!isDataCard(slot)) {
-    ulogPrintf(gModuleId_Msan, 10, "Function:%s, Line:%d:  slot %d is not msan:%d.\r\n", "set_port_isolation", __LINE__,
-               slot, get_config_card_type(slot));
+    ulogPrintf(gModuleId_Msan, kLogDebug, "Function:%s, Line:%d:  slot %d is not msan:%d.\r\n", "set_port_isolation",
+               __LINE__, slot, get_config_card_type(slot));
     return -1;
   }
   return record->isolation_enable <= 1 ? 0 : rejectAs(err, kSwitch, {slot}, 1, record->isolation_enable);
@@ -68,7 +68,7 @@ int set_port_isolation_dbapi(u32 objectId, const void* value, u32 offset, u32 le
   if (const int code = checkAccess(value, offset, length)) return code;
   const u8 enable = *static_cast<const u8*>(value);
   if (enable > 1) {
-    ulogPrintf(gModuleId_Msan, 10, "%s(%d): isolation_enable err. isolation_enable=%d. \r\n", __func__, __LINE__,
+    ulogPrintf(gModuleId_Msan, kLogDebug, "%s(%d): isolation_enable err. isolation_enable=%d. \r\n", __func__, __LINE__,
                enable);
     return -1;
   }

@@ -117,7 +117,8 @@ int set_stormsupp_cfg_dbapi(u32 objectId, const void* data, u32 offset, u32 leng
   if (const int code = checkAccess(data, offset, length)) return code;
   const auto& value = *static_cast<const StormSuppValue*>(data);
   if (value.serviceNum > kStormTypes) {
-    ulogPrintf(gModuleId_Msan, 10, "%s(%d): serviceNum err. serviceNum=%d. \r\n", __func__, __LINE__, value.serviceNum);
+    ulogPrintf(gModuleId_Msan, kLogDebug, "%s(%d): serviceNum err. serviceNum=%d. \r\n", __func__, __LINE__,
+               value.serviceNum);
     return -1;
   }
   Transaction transaction(Access::write);
@@ -165,8 +166,8 @@ static int save(const StormSuppRecord* record) {
   const int code =
       setObjAttrDataByCondition(&record->object, kStormAttribute, &record->value, 0, sizeof(StormSuppValue));
   if (code == 0) return 0;
-  ulogPrintf(gModuleId_Msan, 10, "Function:%s, Line:%d:  setObjAttrData err %d. \r\n", "set_storm_suppression_base",
-             __LINE__, code);
+  ulogPrintf(gModuleId_Msan, kLogDebug, "Function:%s, Line:%d:  setObjAttrData err %d. \r\n",
+             "set_storm_suppression_base", __LINE__, code);
   return -1;
 }
 
@@ -243,7 +244,7 @@ int cli_set_storm_suppression_func(const CommandElement*, Vty* vty, int argc, ch
   }
   SnmpErrInfo err;
   if (const int code = setRecords(stormSuppression, records, &err)) {
-    ulogPrintf(gModuleId_Msan, 10, "set cfg error: ret = %d.\r\n", code);
+    ulogPrintf(gModuleId_Msan, kLogDebug, "set cfg error: ret = %d.\r\n", code);
     return code;
   }
   reportRecords(stormSuppression, records, kByOperator);

@@ -112,7 +112,7 @@ void showrunPortVlan(Vty* vty, const PortVlanRecord* record) {
     const VlanItem& row = record->table.rows[i];
     if (port_vlan_item_same_as_def(row)) continue;
     if (showrun_port_vlan_per_item(vty, row) != 0) {
-      ulogPrintf(gModuleId_Msan, 10, "F(%s)L(%d):  showrun_port_vlan_per_item slot %d port %d item %d fail!\r\n",
+      ulogPrintf(gModuleId_Msan, kLogDebug, "F(%s)L(%d):  showrun_port_vlan_per_item slot %d port %d item %d fail!\r\n",
                  "showrun_vlan_table_item", __LINE__, slot, port, i);
     } else if (multiPvc) {
       vty_out(vty, "attach vlan profile defVlanPrf interface %d/%d pvc %d \r\n", slot, port, i);

@@ -22,7 +22,7 @@ void init_port_vlan_cfg_module() {
   const u32 size = (kVlanProfiles + 1) * sizeof(VlanProfile);
   void* memory = mpuAlloc_(g_MsanMemPoolId, size, __FILE__, __LINE__);
   if (memory == nullptr) {
-    ulogPrintf(gModuleId_Msan, 13, "\r\n %s, %d, malloc for gPortVlanPrf fail!. \r\n", __func__, __LINE__);
+    ulogPrintf(gModuleId_Msan, kLogError, "\r\n %s, %d, malloc for gPortVlanPrf fail!. \r\n", __func__, __LINE__);
     return;
   }
   std::memset(memory, 0, size);
@@ -41,7 +41,7 @@ void cfg_def_vlan_profile() {
 // Profile 0 is emptied outside recovery too, so what counts is the entry.
 void init_port_vlan_profile(u16 id) {
   if (gPortVlanPrf == nullptr || id > kVlanProfiles || gPortVlanPrf[id].valid != 1) {
-    ulogPrintf(gModuleId_Msan, 10, "%s profile %d is not exist.\r\n", __func__, id);
+    ulogPrintf(gModuleId_Msan, kLogDebug, "%s profile %d is not exist.\r\n", __func__, id);
     return;
   }
   gPortVlanPrf[id].item = VlanItem{};

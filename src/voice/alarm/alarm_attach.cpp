@@ -116,7 +116,6 @@ static int get_dsl_prf_attach_info(SnmpErrInfo* err, LIST* ports, Writer& to) {
 static int snmp_get_dsl_prf_attach(u16 id, u8* last, u8* data, i32 length, u8* reply, u32* replyLen, void*, void*) {
   static constexpr u16 types[] = {kVdslPort, kAdslPort, kAdslPotsPort, kDslPort};
   const SnmpCall call{id, last, data, length, reply, replyLen};
-  *last = 1;
   ObjList ports;
   SnmpErrInfo err;
   if (askedPorts(types, call, &err, ports) != 0) return answerError(id, err, reply, replyLen);

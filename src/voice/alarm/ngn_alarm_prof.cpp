@@ -64,7 +64,7 @@ static constexpr ProfileTexts texts{
 
 static int sendFlushed(LIST* nodes, u32 count) {
   if (attach_alarm_prf_adapt(nodes, count) == 0) return 0;
-  ulogPrintf(gModuleId_Msan, 10, "flushAlarmPrf attachAlarmPrfAdapt failed!\r\n");
+  ulogPrintf(gModuleId_Msan, kLogDebug, "flushAlarmPrf attachAlarmPrfAdapt failed!\r\n");
   return -1;
 }
 
@@ -171,7 +171,7 @@ int get_free_alarm_prf_id(SnmpErrInfo* err, std::span<AlarmPrfRecord> table, u16
 int add_alarm_prf(std::span<AlarmPrfRecord> table, AlarmPrfRecord& record) {
   const auto row = std::ranges::find_if(table, [](const auto& r) { return r.status != 1; });
   if (row == table.end()) {
-    ulogPrintf(gModuleId_Msan, 10, "addAlarmPrf,there is no position for new prf!\r\n");
+    ulogPrintf(gModuleId_Msan, kLogDebug, "addAlarmPrf,there is no position for new prf!\r\n");
     return -1;
   }
   record.status = 1;
@@ -221,7 +221,7 @@ int is_alarm_prf_id_free(u16 id) {
 // Finds the record its id. 1: it is to be passed over.
 static int resolveId(SnmpErrInfo* err, std::span<AlarmPrfRecord> rows, AlarmPrfRecord& record) {
   if (record.requestId == kDefaultProfile) {
-    ulogPrintf(gModuleId_Msan, 10, "default prf cann't to be delete or modified!\r\n");
+    ulogPrintf(gModuleId_Msan, kLogDebug, "default prf cann't to be delete or modified!\r\n");
     return 1;
   }
   if (record.requestId == kAllocateId) {
@@ -261,7 +261,7 @@ int set_alarm_prf(SnmpErrInfo* err, AlarmPrfRecord* records, u16 count) {
     if (placeRecord(err, all.rows(), records[i], modified[i]) != 0) return -1;
   }
   if (set_alarm_profile_attribute(kAlarmProfiles, all.rows().data()) != 0) {
-    ulogPrintf(gModuleId_Msan, 10, "set_alarm_prf,set_alarm_profile_attribute failed!\r\n");
+    ulogPrintf(gModuleId_Msan, kLogDebug, "set_alarm_prf,set_alarm_profile_attribute failed!\r\n");
     return -1;
   }
   for (const u16 id : modified) {
@@ -290,14 +290,14 @@ int modify_spc_alarm_prf_para(SnmpErrInfo* err, const AlarmPrfRecord* values, u3
   if (err == nullptr || values == nullptr || alarmPrfConfId < 0) return -1;
   AlarmPrfRecord record;
   if (get_alarm_prf(err, &record, static_cast<u16>(alarmPrfConfId)) != 0) {
-    ulogPrintf(gModuleId_Msan, 10, "\r\nThere's no profile can be modified!\r\n");
+    ulogPrintf(gModuleId_Msan, kLogDebug, "\r\nThere's no profile can be modified!\r\n");
     return -1;
   }
   if (selector >= 1 && selector <= kThresholds) {
     const ProfileField& field = thresholdOf(selector);
     setField(field, &record.item, fieldOf(field, &values->item));
   } else {
-    ulogPrintf(gModuleId_Msan, 10, "modify_spc_alarm_prf_para,paraType error!\r\n");
+    ulogPrintf(gModuleId_Msan, kLogDebug, "modify_spc_alarm_prf_para,paraType error!\r\n");
   }
   if (check_alarm_prf_para(err, &record) != 0) return -1;
   return set_alarm_profile_attribute(1, &record) == 0 ? 0 : -1;

@@ -22,10 +22,7 @@ static PoolBytes zeroed(u32 bytes, Where where) {
   return PoolBytes(memory);
 }
 
-static int finishGet(const SnmpCall& call, u32 payload) {
-  *call.lastFlagOut = 1;
-  return answerSuccess(call, payload);
-}
+static int finishGet(const SnmpCall& call, u32 payload) { return answerSuccess(call, payload); }
 
 void showHeading(Vty* vty, const ViewNames& names) {
   vty_out(vty, "\r\n %s", names.title);
@@ -73,7 +70,7 @@ int showView(const NodeView& view, Vty* vty, int, char**) {
 // --- Ports, for a manager ---
 
 static int tooMany(u32 total) {
-  ulogPrintf(gModuleId_Msan, 13, "item_real = %d!\r\n", total);
+  ulogPrintf(gModuleId_Msan, kLogError, "item_real = %d!\r\n", total);
   return -1;
 }
 
@@ -88,10 +85,10 @@ static int putAllPorts(Writer& out, u16 slot, u32* total) {
   const int card = get_config_card_type(slot);
   u16 amount = 0;
   if (ddGetBoardServePortAmountByType(static_cast<u16>(card), &amount) != 0) {
-    ulogPrintf(gModuleId_Msan, 13, "input error CardType = %d!\r\n", card);
+    ulogPrintf(gModuleId_Msan, kLogError, "input error CardType = %d!\r\n", card);
     return -1;
   }
-  ulogPrintf(gModuleId_Msan, 10, "slot = %d port_num = %d!\r\n", slot, amount);
+  ulogPrintf(gModuleId_Msan, kLogDebug, "slot = %d port_num = %d!\r\n", slot, amount);
   *total += amount - 1u;
   if (*total > kMaxLocations) return tooMany(*total);
   for (u32 port = 1; port <= amount; ++port) putLocation(out, slot, static_cast<u16>(port));
@@ -100,7 +97,7 @@ static int putAllPorts(Writer& out, u16 slot, u32* total) {
 
 int snmp_convert_msc(WireIn request, WireOut out, u32* count) {
   if (request.data() == nullptr || out.data() == nullptr || count == nullptr) {
-    ulogPrintf(gModuleId_Msan, 13, "input error!\r\n");
+    ulogPrintf(gModuleId_Msan, kLogError, "input error!\r\n");
     return -1;
   }
   Reader in(request);

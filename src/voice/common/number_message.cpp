@@ -30,6 +30,5 @@ int snmpGetNumber(u16 id, const SnmpCall& call, int (*load)(u16*), Where where) 
   if (const int code = load(&number)) return answerCode(call, kNotRead, code, where);
   std::memset(call.reply + kReplyArea, 0, kNumberReply);
   putNumber(call.reply + kReplyArea, 2, number);
-  *call.lastFlagOut = 1;
   return answerSuccess(call, kReplyArea + kNumberReply - 4);
 }

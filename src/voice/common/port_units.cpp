@@ -127,6 +127,5 @@ int snmpGetPorts(const PortUnits& units, const SnmpCall& call, u32 bytes, int (*
   if (gatherPorts(units, call, bytes, read, list, where) != 0) return -1;
   Writer out(WireOut(call.reply + kReplyArea, kMaxPacket - kReplyArea));
   if (encodePorts(units, list, out) != 0) return answerFailed(call, "SNMP confirm encode failed", where);
-  *call.lastFlagOut = 1;
   return answerSuccess(call, out.length() + kReplyArea - 4);
 }

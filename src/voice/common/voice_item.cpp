@@ -92,7 +92,7 @@ int encodeArea(const VoiceItem& item, LIST* list, Writer& out) {
 
 // --- SNMP ---
 
-static void dump(const u8* packet, u32 length) { ulogTypePkt(gModuleId_Msan, 10, packet, length); }
+static void dump(const u8* packet, u32 length) { ulogTypePkt(gModuleId_Msan, kLogDebug, packet, length); }
 
 int answerError(const SnmpCall& call, const SnmpErrInfo& err, const char* why, Where where) {
   buildSnmpErrRetPkt(call.reply, call.replyLen, call.id, &err);
@@ -205,7 +205,6 @@ int snmpGet(const VoiceItem& item, const SnmpCall& call) {
   out.number(4, 1);
   out.skip(item.label);
   if (encodeArea(item, list, out) != 0) return answerFailed(call, "SNMP confirm encode failed", where);
-  *call.lastFlagOut = 1;
   return answerSuccess(call, out.length() + 32);
 }
 
@@ -352,8 +351,8 @@ int refuse(Vty* vty, const char* why) {
 
 void registerMessage(const SnmpMsgReg& message, Where where) {
   if (SnmpMsgRegister(&message) == 0) return;
-  ulogPrintf(gModuleId_Msan, 13, "\r\n %s, %s %d, register SNMP command 0x%04X failed. \r\n", FunctionName(where).text,
-             fileName(where), where.line, message.msgType);
+  ulogPrintf(gModuleId_Msan, kLogError, "\r\n %s, %s %d, register SNMP command 0x%04X failed. \r\n",
+             FunctionName(where).text, fileName(where), where.line, message.msgType);
 }
 
 // --- Lists of items: one that fails does not hold up the others ---

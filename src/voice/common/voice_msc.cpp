@@ -11,7 +11,8 @@
 int sendMscMsg(u16 slot, const u8* buffer, u32 length) {
   if (buffer == nullptr) return -1;
   if (length < sizeof(MscHeader)) {
-    ulogPrintf(gModuleId_Msan, 10, "\r\n%s, %d, invalid length %d", __func__, __LINE__, static_cast<i32>(length));
+    ulogPrintf(gModuleId_Msan, kLogDebug, "\r\n%s, %d, invalid length %d", __func__, __LINE__,
+               static_cast<i32>(length));
     return -1;
   }
   MscHeader header;
@@ -19,7 +20,8 @@ int sendMscMsg(u16 slot, const u8* buffer, u32 length) {
   const int result =
       dm_MakeCmdPkt_GPON(slot, header.id, buffer + sizeof header, length - static_cast<u32>(sizeof header));
   if (result < 0) {
-    ulogPrintf(gModuleId_Msan, 10, "\r\n%s, %d, dm_MakeCmdPkt_GPON failed!ret = %d.\r\n", __func__, __LINE__, result);
+    ulogPrintf(gModuleId_Msan, kLogDebug, "\r\n%s, %d, dm_MakeCmdPkt_GPON failed!ret = %d.\r\n", __func__, __LINE__,
+               result);
   }
   return result;
 }

@@ -290,7 +290,6 @@ int snmpGet(const VoiceProfiles& kind, const SnmpCall& call) {
   if (namedProfiles(kind, list) != 0) return answerFailed(call, "get configuration failed", where);
   Writer out(WireOut(call.reply + kReplyArea, kMaxPacket - kReplyArea));
   if (encodeArea(kind.item, list, out) != 0) return answerFailed(call, "SNMP confirm encode failed", where);
-  *call.lastFlagOut = 1;
   return answerSuccess(call, out.length() + kReplyArea - 4);
 }
 
@@ -347,7 +346,7 @@ int eraseProfiles(const VoiceProfiles& kind) {
   for (u16 id = 1; id < kProfiles; ++id) {
     if (isValidProfile(kind, id) != 1) continue;
     if (holds(cited, count, id))
-      ulogPrintf(gModuleId_Msan, 10, "the %s %d has been cited.", kind.noun, id);
+      ulogPrintf(gModuleId_Msan, kLogDebug, "the %s %d has been cited.", kind.noun, id);
     else
       initProfile(kind, id);
   }

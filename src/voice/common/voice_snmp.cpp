@@ -112,7 +112,7 @@ void vSetErrorInfo(u32 code, const void* value, u16 size, SnmpErrInfo* err) {
   err->errCode = static_cast<u16>(code);
   err->errDataLen = size;
   if (size == 0) {
-    ulogTypePkt(gModuleId_Msan, 10, err, sizeof *err);
+    ulogTypePkt(gModuleId_Msan, kLogDebug, err, sizeof *err);
     return;
   }
   if (value == nullptr) return;

@@ -193,7 +193,7 @@ static int snmp_set_pots_general_para(u16 id, u8, u8* data, i32 length, u8* repl
     trace("snmp set command para is NULL");
     return -1;
   }
-  if (length > 0) ulogTypePkt(gModuleId_Msan, 10, data, static_cast<u32>(length));
+  if (length > 0) ulogTypePkt(gModuleId_Msan, kLogDebug, data, static_cast<u32>(length));
   const SnmpCall call{id, nullptr, data, length, reply, replyLen};
   if (acceptSet(call, Where::here()) != 0) return -1;
   u16 slots[kCards];
@@ -237,7 +237,6 @@ static int snmp_get_pots_general_para(u16 id, u8* last, u8* data, i32 length, u8
   if (encodeArea(potsGeneral, list, out) != 0) {
     return answerFailed(call, "encode POTS general para configuration failed", Where::here());
   }
-  *last = 1;
   return answerSuccess(call, out.length() + 32);
 }
 

@@ -151,7 +151,7 @@ static int readOrders(const PortOrders& kind, const SnmpCall& call, SnmpErrInfo*
   if (from.failed()) return reject(err, static_cast<i16>(kRequestTooShort));
   if (count == 0) return 0;
   if (count > kMostPorts) {
-    ulogPrintf(gModuleId_Msan, 10, "[ERROR]:item = %d,max item is %d!\r\n", static_cast<int>(count),
+    ulogPrintf(gModuleId_Msan, kLogDebug, "[ERROR]:item = %d,max item is %d!\r\n", static_cast<int>(count),
                static_cast<int>(kMostPorts));
     return rejectLong(err, static_cast<i16>(kTooManyItems), count);
   }
@@ -181,7 +181,8 @@ static constexpr SnmpMsgReg messages[] = {
 
 void snmp_msg_register_port_test() {
   for (const SnmpMsgReg& message : messages) {
-    if (SnmpMsgRegister(&message) != 0) ulogPrintf(gModuleId_Msan, 10, "register %s failed!\r\n", message.description);
+    if (SnmpMsgRegister(&message) != 0)
+      ulogPrintf(gModuleId_Msan, kLogDebug, "register %s failed!\r\n", message.description);
   }
 }
 

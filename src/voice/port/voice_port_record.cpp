@@ -59,13 +59,14 @@ void init_voiceport_cfg(u16 slot) {
   if (card > 0 && caCheckCardTypeIsMsanPotsCard(static_cast<u16>(card)) != 0) return;
   u16 amount = 0;
   if (card <= 0 || ddGetBoardServePortAmountByType(static_cast<u16>(card), &amount) != 0) {
-    ulogPrintf(gModuleId_Msan, 13, "%s: the card of slot %d can't be had.\r\n", __func__, slot);
+    ulogPrintf(gModuleId_Msan, kLogError, "%s: the card of slot %d can't be had.\r\n", __func__, slot);
     return;
   }
   for (u32 port = 1; port <= amount; ++port) {
     ObjIndex object;
     if (SlotNoPortConvertObjIndex(slot, static_cast<u16>(port), 0, &object) != 0) {
-      ulogPrintf(gModuleId_Msan, 13, "%s: no object for slot %d port %d.\r\n", __func__, slot, static_cast<int>(port));
+      ulogPrintf(gModuleId_Msan, kLogError, "%s: no object for slot %d port %d.\r\n", __func__, slot,
+                 static_cast<int>(port));
       continue;
     }
     const VoicePort record;

@@ -99,7 +99,7 @@ static int checkHolder(const Holders& holders, u16 slot, u16 port, const char* n
   const auto [first, last] = holders.equal_range(std::string(number, kSelfNumber));
   for (auto at = first; at != last; ++at) {
     if (at->second == own) continue;
-    ulogPrintf(gModuleId_Msan, 10, "%s: phone %.32s is exsit.\r\n", "check_voice_self_port_phone", number);
+    ulogPrintf(gModuleId_Msan, kLogDebug, "%s: phone %.32s is exsit.\r\n", "check_voice_self_port_phone", number);
     omObjId2LevelId(at->second, holder);
     return kStoreFailed;
   }
@@ -262,7 +262,6 @@ static int nsnmp_get_voice_self_port(u16 id, u8* last, u8* data, i32 length, u8*
     putItem(item, slotAt(pair), portAt(pair), number);
   }
   putNumber(reply + kReplyArea, 4, count);
-  *last = 1;
   return answerSuccess(call, kReplyArea + count * kItem);
 }
 

@@ -90,7 +90,6 @@ static int snmp_get_dsp_channel_status(u16 id, u8* last, u8* data, i32 length, u
   u32 bytes = 0;
   if (get_dsp_channel_status(WireOut(reply, kDspStatus), &bytes, &err) != 0)
     return answerError(call, err, "get DSP channel status failed", where);
-  *last = 1;
   return answerSuccess(call, bytes - 4);
 }
 

@@ -44,7 +44,7 @@ template <class... Arguments>
 static int slotListError(const Where where, int result, const char* format, Arguments... arguments) {
   char words[200];
   std::snprintf(words, sizeof words, format, arguments...);
-  ulogPrintf(gModuleId_Msan, 13, "\r\n %s, %s %d, %s\r\n", where.function, fileName(where), where.line, words);
+  ulogPrintf(gModuleId_Msan, kLogError, "\r\n %s, %s %d, %s\r\n", where.function, fileName(where), where.line, words);
   return result;
 }
 

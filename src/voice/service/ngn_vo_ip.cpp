@@ -298,7 +298,6 @@ static int snmp_get_voice_ip(u16 id, u8* last, u8* data, i32 length, u8* reply, 
   out.number(4, 1);
   out.zeros(kLabel);
   encode_voice_ip(record, 2, out);
-  *last = 1;
   return answerSuccess(call, out.length() + kReplyArea - 4);
 }
 

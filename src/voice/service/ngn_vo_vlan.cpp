@@ -187,7 +187,6 @@ static int snmp_get_voice_vlan(u16 id, u8* last, u8* data, i32 length, u8* reply
   out.zeros(kLabel);
   out.number(2, kTypes);
   for (const VoiceVlan& row : rows) encodeRecord(fields, &row, out.skip(shape.unit));
-  *last = 1;
   return answerSuccess(call, out.length() + kReplyArea - 4);
 }
 

@@ -33,14 +33,15 @@ class OwnTransaction {
   int commit() {
     const int code = mco_trans_commit(std::exchange(handle_, nullptr));
     if (code == 0) return 0;
-    ulogPrintf(gModuleId_Msan, 13, "[ERROR]%s(%d):%s:Transaction commit failed,err code rc = %d.\r\n", fileName(where_),
-               where_.line, where_.function, code);
+    ulogPrintf(gModuleId_Msan, kLogError, "[ERROR]%s(%d):%s:Transaction commit failed,err code rc = %d.\r\n",
+               fileName(where_), where_.line, where_.function, code);
     return kStoreFailed;
   }
 
  private:
   void error(const char* what) const {
-    ulogPrintf(gModuleId_Msan, 13, "[ERROR] %s(%d):%s:%s .\r\n", fileName(where_), where_.line, where_.function, what);
+    ulogPrintf(gModuleId_Msan, kLogError, "[ERROR] %s(%d):%s:%s .\r\n", fileName(where_), where_.line, where_.function,
+               what);
   }
   Where where_;
   DbConnection connection_;
@@ -65,8 +66,8 @@ constexpr Single<VoiceSelfSwitch> selfSwitch{VoiceSelfSwitch_list_cursor, VoiceS
 template <class Row>
 int read(const Single<Row>& table, u16* value, Where where) {
   if (value == nullptr) {
-    ulogPrintf(gModuleId_Msan, 13, "[ERROR] %s(%d):%s:configuration para is NULL .\r\n", fileName(where), where.line,
-               where.function);
+    ulogPrintf(gModuleId_Msan, kLogError, "[ERROR] %s(%d):%s:configuration para is NULL .\r\n", fileName(where),
+               where.line, where.function);
     return -1;
   }
   OwnTransaction transaction(Access::read, where);

@@ -51,7 +51,7 @@ int vbuild_test112_mscpacket(LIST* list) {
     encodeRecord(fields, node->data, order + 4 + kLocation);
     const int result = dm_MakeCmdPkt_GEPON(node->slot, kOrderMessage, order, sizeof order);
     if (result == 0) continue;
-    ulogPrintf(gModuleId_Msan, 10, "encode test 112 para failed. ret=%d dmpkglen =%d", result,
+    ulogPrintf(gModuleId_Msan, kLogDebug, "encode test 112 para failed. ret=%d dmpkglen =%d", result,
                static_cast<int>(sizeof order));
     return -1;
   }

@@ -51,7 +51,8 @@ static int nsnmp_register_user(u16 id, u8, u8* data, i32 length, u8* reply, u32*
   const u32 bytes = 4 + kUnit * count;
   const PoolBytes units(static_cast<u8*>(mpuAlloc_(g_MsanMemPoolId, bytes, __FILE__, __LINE__)));
   if (units == nullptr) {
-    ulogPrintf(gModuleId_Msan, 13, "\r\n %s, %s %d, malloc error. \r\n", where.function, fileName(where), where.line);
+    ulogPrintf(gModuleId_Msan, kLogError, "\r\n %s, %s %d, malloc error. \r\n", where.function, fileName(where),
+               where.line);
     return -1;
   }
   if (mspack_register_user(count, area, WireOut(units.get(), bytes)) != 0 ||

@@ -59,7 +59,6 @@ int snmpSimulate(const Simulation& simulation, const SnmpCall& call) {
   u32 length = *answered;
   if (build_snmp_from_mgc(reply, &length, simulation.answerUnit, Simulation::kGap) != 0)
     return answerFailed(call, "build_snmp_from_mgc failed", where);
-  if (call.lastFlagOut != nullptr) *call.lastFlagOut = 1;
   return answerSuccess(call, length + kArea);
 }
 
