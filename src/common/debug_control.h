@@ -36,7 +36,7 @@ inline bool debugOn(Area area, DebugWord word, u16 id) {
 // it. Does nothing for another module, or a level above 1.
 void msanSetDebugControl(u32 module, u32 level, u16 word);
 
-// Installs the debug commands. The last installer's result.
+// Installs the debug commands.
 void msan_Common_Install_Cmd();
 
 int msan_Set_DebugLevel_Func(const CommandElement* element, Vty* vty, int argc, char** argv);

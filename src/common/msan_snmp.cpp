@@ -156,9 +156,7 @@ int furtherFragment(const Call& call, SnmpMsgEntry& row) {
 std::optional<int> beginReply(const Call& call, SnmpMsgEntry& row, u8* last) {
   const u32 capacity = replyRoom(row.maxReplyLen);
   PoolBytes buffer(static_cast<u8*>(mpuAlloc_(g_MsanMemPoolId, capacity, __FILE__, __LINE__)));
-  if (buffer == nullptr) {
-    return call.refuse("Malloc failed!");
-  }
+  if (buffer == nullptr) return call.refuse("Malloc failed!");
   std::memset(buffer.get(), 0, capacity);
   u32 length = 0;
   const int failed = row.msgGetMethod(call.id, last, call.data, call.length, buffer.get(), &length, call.p7, call.p8);

@@ -1,4 +1,4 @@
-// What handlers of messages give shows in the gateway's trace alone.
+// What all handlers hold: those of messages, which give what shows in the gateway's trace alone, and those of commands.
 
 #include <regex>
 

@@ -1,9 +1,9 @@
 #pragma once
-// The node's log.
+// The node's log. kLogStart: a start-up step has failed.
 
 #include "platform/types.h"
 
-enum LogSeverity : i32 { kLogDebug = 10, kLogProgress = 12, kLogError = 13, kLogStart = 14 };  // of a start-up step
+enum LogSeverity : i32 { kLogDebug = 10, kLogProgress = 12, kLogError = 13, kLogStart = 14 };
 
 void ulogPrintf(i32 module, i32 severity, const char* format, ...) __attribute__((format(printf, 3, 4)));
 

@@ -195,7 +195,7 @@ int finishShow(Vty* vty, const VoiceItem& item, int result);
 // Prints "\r\n <why>. \r\n" for a command that can't be carried out; -1.
 int refuse(Vty* vty, const char* why);
 
-// Registers a message; logs a failure. 0 or -1.
+// Registers a message; logs a failure.
 void registerMessage(const SnmpMsgReg& message, Where where = Where::here());
 
 // --- Handlers of an item, for its row and its commands ------------------------------------------------------------

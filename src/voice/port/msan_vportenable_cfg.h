@@ -13,7 +13,7 @@ int get_voice_port_enable_objdata(u32 offset, LIST* list);
 
 // A command's way: check, store, report, send. -1 while not all is stored; behind that 0, and a failure shows in `err`.
 int distrib_voice_port_enable(LIST* list, SnmpErrInfo* err);
-// Tells the NGN side the switches of all ports, a message a slot; ends at the first failure. 0 or -1.
+// Tells the NGN side the switches of all ports, a message a slot; ends at the first failure.
 void voice_port_enable_hotplug();
 
 void msan_reg_vportenable_snmp();

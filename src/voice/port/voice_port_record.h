@@ -23,5 +23,5 @@ int set_voiceportcfg_dbapi(u32 objectId, const void* data, u32 offset, u32 lengt
 int get_voiceportcfg_dbapi(u32 objectId, void* data, u32 offset, u32 length);
 int del_voiceportcfg_dbapi(u32 objectId);
 
-// Gives each port of a POTS card that was authorised an empty row. 0 or -1.
+// Gives each port of a POTS card that was authorised an empty row; ends at the first that fails.
 void init_voiceport_cfg(u16 slot);
