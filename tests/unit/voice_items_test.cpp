@@ -5,6 +5,7 @@
 #include <iterator>
 #include <tuple>
 
+#include "common/msan_snmp.h"
 #include "host/agent.h"
 #include "messages/layout.h"
 #include "module_fixture.h"
@@ -110,11 +111,17 @@ TEST_F(VoiceMD5Test, NumbersAreEqualInAllTwentyCharacters) {
   EXPECT_EQ(std::string(number, 20), "01234567890123456789");
 }
 
-// What a manager and an operator find, in its order: every message is described, too.
+// What a manager and an operator find, in its order: a message by its id, longest reply, option bytes and text. Every
+// one is described, too.
 TEST_F(VoiceMD5Test, Catalogue) {
   std::string found;
   for (const host::Announced& message : host::announcedMessages()) {
-    found += "message " + std::to_string(message.id) + " " + message.text + "\n";
+    SnmpMsgEntry row;
+    ASSERT_EQ(getSnmpMsgInfo(message.id, &row), 0);
+    const u32 numbers[] = {message.id, row.maxReplyLen, row.option[0], row.option[1]};
+    found += "message";
+    for (const u32 number : numbers) found += " " + std::to_string(number);
+    found += " " + message.text + "\n";
     EXPECT_NE(messages::book().find(message.id), nullptr) << message.id << " is described";
   }
   for (const host::InstalledCommand& command : host::installedCommands())
