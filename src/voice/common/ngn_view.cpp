@@ -141,7 +141,7 @@ static int answerPorts(const PortView& view, const SnmpCall& call, WireIn list, 
   if (answer == nullptr) return -1;
   const auto answered = askNgn(view.id, list, WireOut(answer.get(), room));
   u32 length = 0;
-  const WireOut out(call.reply + kReplyArea, (view.mostReply > kMaxPacket ? view.mostReply : kMaxPacket) - kReplyArea);
+  const WireOut out(call.reply + kReplyArea, replyRoom(view.mostReply) - kReplyArea);
   const WireIn units(answer.get(), answered.value_or(0));
   if (!answered || (view.build != nullptr ? view.build(units, out, &length)
                                           : build_snmp_cfm_packet(units, view.unit, view.gap, out, &length)) != 0)
@@ -154,7 +154,7 @@ int snmpGet(const PortView& view, const SnmpCall& call) {
   if (beginRequest(view.id, call, Asks::something, where) != 0) return -1;
   SnmpErrInfo err;
   const i32 length = call.length - static_cast<i32>(kArea);
-  if (nCheckSnmpItemsLength(call.data + kArea, length, kLocation, 4, 0, kMostAsked, &err, where) != 0)
+  if (nCheckSnmpItemsLength(call.data + kArea, length, kLocation, 4, 0, kMostAsked, &err) != 0)
     return answerError(call, err, "invalid SNMP command para", where);
   constexpr u32 kList = 4 + kMaxLocations * kLocation;
   const PoolBytes list = zeroed(kList, where);
