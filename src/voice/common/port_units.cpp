@@ -11,9 +11,9 @@
 static constexpr u32 kArea = 32;      // of a request
 static constexpr u16 kSendSlot = 18;  // for trace lines
 
-int checkPortsFrame(const PortUnits& units, const u8* data, i32 length, WireIn& area, SnmpErrInfo* err, Where where) {
+int checkPortsFrame(const PortUnits& units, const u8* data, i32 length, WireIn& area, SnmpErrInfo* err) {
   const i32 rest = length - static_cast<i32>(kArea);
-  if (nCheckSnmpItemsLength(data + kArea, rest, units.unit(), 4, 1, units.maximum, err, where) != 0) return -1;
+  if (nCheckSnmpItemsLength(data + kArea, rest, units.unit(), 4, 1, units.maximum, err) != 0) return -1;
   area = WireIn(data + kArea, static_cast<u32>(rest));
   return 0;
 }
@@ -121,7 +121,7 @@ int snmpGetPorts(const PortUnits& units, const SnmpCall& call, u32 bytes, int (*
   if (beginRequest(units.id, call, Asks::something, where) != 0) return -1;
   SnmpErrInfo err;
   const i32 length = call.length - static_cast<i32>(kArea);
-  if (nCheckSnmpItemsLength(call.data + kArea, length, kLocation, 4, 0, units.maximum, &err, where) != 0)
+  if (nCheckSnmpItemsLength(call.data + kArea, length, kLocation, 4, 0, units.maximum, &err) != 0)
     return answerError(call, err, "invalid SNMP command para", where);
   DataList list;
   if (gatherPorts(units, call, bytes, read, list, where) != 0) return -1;

@@ -27,7 +27,7 @@ struct PortUnits {
 };
 
 // The frame behind the envelope, and what the list of its ports becomes. 0 or -1; a bad frame fills `err`.
-int checkPortsFrame(const PortUnits& units, const u8* data, i32 length, WireIn& area, SnmpErrInfo* err, Where where);
+int checkPortsFrame(const PortUnits& units, const u8* data, i32 length, WireIn& area, SnmpErrInfo* err);
 int parsePorts(const PortUnits& units, WireIn area, LIST* list);
 // Each port, then its record; the list at last. 0, or -1 with `err` filled.
 int checkPorts(const PortUnits& units, LIST* list, SnmpErrInfo* err);

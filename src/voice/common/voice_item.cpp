@@ -135,9 +135,9 @@ static int acceptSet(const VoiceItem& item, const SnmpCall& call, LIST* list, Wh
   SnmpErrInfo err;
   const u32 at = kLabelAt + item.label;
   const i32 rest = call.length - static_cast<i32>(at);
-  if (nCheckSnmpItemsLengthPre(call.data, call.length, item.label, &err, where) != 0 ||
+  if (nCheckSnmpItemsLengthPre(call.data, call.length, item.label, &err) != 0 ||
       nCheckSnmpItemsLength(call.data + at, rest, item.kept.shape->unit, static_cast<u8>(item.countWidth), item.minimum,
-                            item.maximum, &err, where) != 0) {
+                            item.maximum, &err) != 0) {
     return answerError(call, err, "invalid SNMP command para", where);
   }
   if (parseUnits(item, WireIn(call.data + at, static_cast<u32>(rest)), list) != 0) {
@@ -192,7 +192,7 @@ int snmpOrder(const VoiceItem& item, const SnmpCall& call, Where where) {
     if (acceptSet(item, call, list, where) != 0) return -1;
     units = static_cast<u32>(lstCount(list));
   }
-  if (forwardSet(item, call, units) != 0) return answerFailed(call, "build MSC msg failed", where);
+  if (forwardSet(item, call, units) != 0) return answerFailed(call, "build MSC msg 0x%04X failed", where);
   return answerSuccess(call, 0);
 }
 
@@ -278,10 +278,9 @@ int initItem(const VoiceItem& item) {
   if (item.init != nullptr) return item.init();
   AnyRecord cfg;
   resetRecord(item.kept.shape->fields, cfg);
-  const int result = storeItem(item, cfg);
-  if (result == 0) return 0;
+  if (storeItem(item, cfg) == 0) return 0;
   const FunctionName set(item.at(item.setName));
-  printTrace(item.at(item.names->init), "%s error iRet = %d", set.text, result);
+  printTrace(item.at(item.names->init), "%s error iRet = %d", set.text, -1);
   return -1;
 }
 

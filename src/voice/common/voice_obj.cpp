@@ -203,11 +203,11 @@ int vEraseObjManageData(const ObjIndex* object, u32 attribute, u16, const void* 
 
 // --- Objects of a slot ---
 
-static int walkSlot(u16 slot, std::span<const u16> types, LIST* objects) {
+static int walkSlot(u16 slot, std::span<const u16> types, LIST* objects, Where where = Where::here()) {
   ObjIndex target;
   // The system, or a slot with the type of its card. Ports are what is walked for: a target of this kind matches none.
   if (SlotNoPortConvertObjIndex(slot, 0, 0, &target) != 0) {
-    trace("convert slot %d port %d into OBJM index failed", slot, 0);
+    printTrace(where, "convert slot %d port %d into OBJM index failed", slot, 0);
     return -1;
   }
   return ForEachTargetTree(&target, objects, 0, types.data(), static_cast<i32>(types.size()));
@@ -233,14 +233,15 @@ int vGetSlotObjIndex(u16 slot, LIST* objects) {
 
 // A node of the list for each object, read from the store. `locate` sets the node's location.
 template <class Locate>
-static int readObjects(LIST* objects, u32 attribute, u32 offset, u32 size, LIST* list, Locate locate) {
+static int readObjects(LIST* objects, u32 attribute, u32 offset, u32 size, LIST* list, Locate locate,
+                       Where where = Where::here()) {
   if (list == nullptr || vCreateDataNode(list, lstCount(objects), size) != 0) return -1;
   NODE* at = lstFirst(list);
   for (NODE* cell = lstFirst(objects); cell != nullptr; cell = lstNext(cell), at = lstNext(at)) {
     const auto* object = dataOf<const ObjIndex>(cell);
     auto* node = static_cast<DataNode*>(at);
     if (getObjAttrDataByCondition(object, attribute, node->data, offset, static_cast<i32>(size)) != 0) {
-      trace("get slot %d port %d OBJM data failed", object->addr[1], object->addr[2]);
+      printTrace(where, "get slot %d port %d OBJM data failed", object->addr[1], object->addr[2]);
       return -1;
     }
     locate(*node, *object);
@@ -249,13 +250,14 @@ static int readObjects(LIST* objects, u32 attribute, u32 offset, u32 size, LIST*
 }
 
 // The v set takes the location from the record.
-static int readByRecord(LIST* objects, u32 attribute, u32 size, LIST* list) {
-  return readObjects(objects, attribute, 0, size, list, [](DataNode& node, const ObjIndex&) {
+static int readByRecord(LIST* objects, u32 attribute, u32 size, LIST* list, Where where = Where::here()) {
+  const auto locate = [](DataNode& node, const ObjIndex&) {
     Location location;
     std::memcpy(&location, node.data, std::min<std::size_t>(sizeof location, node.dataLen));
     node.slot = location.slot;
     node.port = location.port;
-  });
+  };
+  return readObjects(objects, attribute, 0, size, list, locate, where);
 }
 
 int vGetSlotObjManageDataHandle(u16 slot, u32 attribute, u32 size, LIST* list) {

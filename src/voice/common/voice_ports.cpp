@@ -69,9 +69,9 @@ int nCreatePortDataNode(LIST* list, u16 slot, u16 count, u32 attribute, u32 size
 // Replaces each node that means all ports by what `extend` appends for it. The walk ends with the last node that was
 // there.
 template <class PortOf, class Extend>
-static int extendAll(LIST* list, PortOf portOf, Extend extend) {
+static int extendAll(LIST* list, PortOf portOf, Extend extend, Where where) {
   if (list == nullptr) {
-    trace("location list para is NULL");
+    printTrace(where, "location list para is NULL");
     return -1;
   }
   int left = lstCount(list);
@@ -92,39 +92,41 @@ static Location locationIn(const DataNode& node) {
 }
 
 int vExtendPOTSPortList(LIST* list, u16 portType) {
+  const Where where = Where::here();
   const auto extend = [&](const DataNode& node) {
     const u16 slot = locationIn(node).slot;
     u16 card = 0, subtype = 0, amount = 0;
     if (sysGetSlotAuthedType(slot, &card, &subtype) != 0) {
-      trace("get card type & subtype of slot %d failed", slot);
+      printTrace(where, "get card type & subtype of slot %d failed", slot);
       return -1;
     }
     const u16 type = card == kAdslPotsCard ? kAdslPotsPort : card == kVdslPotsCard ? kVdslPotsPort : portType;
     if (getSlotPortNumberByType(card, subtype, type, &amount) != 0) {
-      trace("get port quantity of slot %d failed", slot);
+      printTrace(where, "get port quantity of slot %d failed", slot);
       return -1;
     }
     return vCreatePortDataNode(list, 0, slot, amount, kLocation);
   };
   return extendAll(
-      list, [](const DataNode& node) { return locationIn(node).port; }, extend);
+      list, [](const DataNode& node) { return locationIn(node).port; }, extend, where);
 }
 
 int nExtendPortObjList(LIST* list) {
+  const Where where = Where::here();
   const auto extend = [&](const DataNode& node) {
     u16 card = 0, subtype = 0, portType = 0, amount = 0;
     if (vGetSlotPortObjType(node.slot, &card, &subtype, &portType) != 0) {
-      trace("get card type & subtype of slot %d failed", node.slot);
+      printTrace(where, "get card type & subtype of slot %d failed", node.slot);
       return -1;
     }
     if (getSlotPortNumberByType(card, subtype, portType, &amount) != 0) {
-      trace("get port quantity of slot %d failed", node.slot);
+      printTrace(where, "get port quantity of slot %d failed", node.slot);
       return -1;
     }
     return nCreatePortDataNode(list, node.slot, amount, node.msgId, node.dataLen);
   };
   return extendAll(
-      list, [](const DataNode& node) { return node.port; }, extend);
+      list, [](const DataNode& node) { return node.port; }, extend, where);
 }
 
 int nParsePortLocation(WireIn location, Location* out) {
@@ -141,9 +143,10 @@ int vParsePOTSPortLocationCode(WireIn location, Location* record) { return nPars
 
 // Makes a node for each location behind the count, and lets `take` have both. 0 or -1.
 template <class Take>
-static int parseLocations(WireIn area, u32 size, u32* count, LIST* list, bool& all, Take take) {
+static int parseLocations(WireIn area, u32 size, u32* count, LIST* list, bool& all, Take take,
+                          Where where = Where::here()) {
   if (area.size() < 4 || count == nullptr || list == nullptr) {
-    trace("invalid location para");
+    printTrace(where, "invalid location para");
     return -1;
   }
   *count = getNumber(area.data(), 4);

@@ -252,7 +252,7 @@ static u16 sendNamed(const VoiceProfiles& kind, bool toCard = false) {
 static int acceptFrame(const SnmpCall& call, u32 unit, WireIn* area, Where where) {
   SnmpErrInfo err;
   const i32 length = call.length - static_cast<i32>(kArea);
-  if (nCheckSnmpItemsLength(call.data + kArea, length, unit, 4, 1, kProfiles, &err, where) != 0)
+  if (nCheckSnmpItemsLength(call.data + kArea, length, unit, 4, 1, kProfiles, &err) != 0)
     return answerError(call, err, "invalid SNMP command para", where);
   *area = WireIn(call.data + kArea, static_cast<u32>(length));
   return 0;

@@ -32,9 +32,8 @@ int vCheckSnmpPara(const u8* lastFlagOut, const u8* data, const u8* reply, const
 }
 
 // Refuses a request by its length.
-static int tooShort(i32 length, SnmpErrInfo* err, Where where) {
+static int tooShort(i32 length, SnmpErrInfo* err) {
   vSetErrorInfo(kTooShort, &length, sizeof length, err);
-  printTrace(where, "invalid SNMP command length: %d", length);
   return -1;
 }
 
@@ -43,29 +42,29 @@ static bool holds(i32 length, u32 head, u64 unit, u64 count) {
   return length >= 0 && static_cast<u64>(length) >= head + unit * count;
 }
 
-int nCheckSnmpItemsLengthPre(const u8* data, i32 length, u32 itemSize, SnmpErrInfo* err, Where where) {
+int nCheckSnmpItemsLengthPre(const u8* data, i32 length, u32 itemSize, SnmpErrInfo* err) {
   if (data == nullptr || err == nullptr) {
-    printTrace(where, "SNMP para is NULL");
+    trace("SNMP para is NULL");
     return -1;
   }
-  if (!holds(length, 36, itemSize, 1)) return tooShort(length, err, where);
+  if (!holds(length, 36, itemSize, 1)) return tooShort(length, err);
   const u32 count = getNumber(data + 32, 4);
   if (count == 1) return 0;
   vSetErrorInfo(kBadCount, &count, sizeof count, err);
-  printTrace(where, "SNMP items is Not equal to %d", 1);
+  trace("SNMP items is Not equal to %d", 1);
   return -1;
 }
 
 // An area with a count of `width` bytes; 0 for none, which is one unit.
 static int checkArea(const u8* data, i32 length, u32 unit, u32 width, u32 minimum, u32 maximum, SnmpErrInfo* err,
-                     Where where) {
+                     Where where = Where::here()) {
   if (data == nullptr || err == nullptr) {
     printTrace(where, "SNMP para is NULL");
     return -1;
   }
   u32 count = 1;
   if (width != 0) {
-    if (!holds(length, width, 0, 0)) return tooShort(length, err, where);
+    if (!holds(length, width, 0, 0)) return tooShort(length, err);
     count = getNumber(data, width);
     if (count < minimum || count > maximum) {
       vSetErrorInfo(kBadCount, &count, sizeof count, err);
@@ -73,25 +72,25 @@ static int checkArea(const u8* data, i32 length, u32 unit, u32 width, u32 minimu
       return -1;
     }
   }
-  return holds(length, width, unit, count) ? 0 : tooShort(length, err, where);
+  return holds(length, width, unit, count) ? 0 : tooShort(length, err);
 }
 
 int nCheckSnmpItemsLength(const u8* data, i32 length, u32 unit, u8 countWidth, u32 minimum, u32 maximum,
-                          SnmpErrInfo* err, Where where) {
+                          SnmpErrInfo* err) {
   const u32 width = countWidth == 0 || countWidth == 4 ? countWidth : 2;
-  return checkArea(data, length, unit, width, minimum, maximum, err, where);
+  return checkArea(data, length, unit, width, minimum, maximum, err);
 }
 
 int vCheckSnmpParaItemsLength(const u8* data, i32 length, u32 unit, bool counted, u32 minimum, u32 maximum,
-                              SnmpErrInfo* err, Where where) {
-  return checkArea(data, length, unit, counted ? 4 : 0, minimum, maximum, err, where);
+                              SnmpErrInfo* err) {
+  return checkArea(data, length, unit, counted ? 4 : 0, minimum, maximum, err);
 }
 
-int checkListFrame(const u8* data, i32 length, u32 unit, u32 maximum, WireIn& area, SnmpErrInfo* err, Where where) {
+int checkListFrame(const u8* data, i32 length, u32 unit, u32 maximum, WireIn& area, SnmpErrInfo* err) {
   constexpr i32 kEnvelope = 32;
   const i32 rest = std::max(length, 0) - kEnvelope;
-  if (rest < 0) return tooShort(rest, err, where);
-  if (vCheckSnmpParaItemsLength(data + kEnvelope, rest, unit, true, 1, maximum, err, where) != 0) return -1;
+  if (rest < 0) return tooShort(rest, err);
+  if (vCheckSnmpParaItemsLength(data + kEnvelope, rest, unit, true, 1, maximum, err) != 0) return -1;
   area = WireIn(data + kEnvelope, static_cast<u32>(rest));
   return 0;
 }

@@ -35,19 +35,18 @@ int vCheckSnmpOutPara(const u8* lastFlagOut, const u8* reply, const u32* replyLe
 int vCheckSnmpPara(const u8* lastFlagOut, const u8* data, const u8* reply, const u32* replyLen);
 
 // The frame holds its head and one item of `itemSize` bytes, and counts one item.
-int nCheckSnmpItemsLengthPre(const u8* data, i32 length, u32 itemSize, SnmpErrInfo* err, Where where = Where::here());
+int nCheckSnmpItemsLengthPre(const u8* data, i32 length, u32 itemSize, SnmpErrInfo* err);
 
 // A configuration area: a count of `countWidth` bytes (0: none, one unit) within the limits, and that many units.
 int nCheckSnmpItemsLength(const u8* data, i32 length, u32 unit, u8 countWidth, u32 minimum, u32 maximum,
-                          SnmpErrInfo* err, Where where = Where::here());
+                          SnmpErrInfo* err);
 // The same with a 4-byte count when `counted`; without it one unit.
 int vCheckSnmpParaItemsLength(const u8* data, i32 length, u32 unit, bool counted, u32 minimum, u32 maximum,
-                              SnmpErrInfo* err, Where where = Where::here());
+                              SnmpErrInfo* err);
 
 // The frame of a list: behind the envelope a u32 count of 1 to `maximum`, and that many units. `area` begins at the
 // count. 0 or -1; the length that is told is the one behind the envelope.
-int checkListFrame(const u8* data, i32 length, u32 unit, u32 maximum, WireIn& area, SnmpErrInfo* err,
-                   Where where = Where::here());
+int checkListFrame(const u8* data, i32 length, u32 unit, u32 maximum, WireIn& area, SnmpErrInfo* err);
 
 // 00 00 00 01 and the reply's length: the payload's with these four bytes.
 void nBuildSuccessInfo(u32 payloadLength, u8* reply, u32* replyLen);

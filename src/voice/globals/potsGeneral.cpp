@@ -98,7 +98,7 @@ static PoolBytes encoded(const PotsGeneral& cfg, Where where = Where::here()) {
 }
 
 // The slots of the POTS cards. 0, or the code for what is wrong with them.
-static u16 potsSlots(u16* slots, u16& count, Where where = Where::here()) {
+static u16 potsSlots(u16* slots, u16& count, Where where) {
   count = kCards;
   if (get_msan_card_slot_list(slots, &count) != 0) {
     printTrace(where, "get POTS slots No failed");
@@ -110,12 +110,12 @@ static u16 potsSlots(u16* slots, u16& count, Where where = Where::here()) {
 }
 
 // Encodes and sends to all POTS cards. 0, or the code of the step that failed.
-static u16 sendToAll(const PotsGeneral& cfg) {
-  const PoolBytes buffer = encoded(cfg);
+static u16 sendToAll(const PotsGeneral& cfg, Where where = Where::here()) {
+  const PoolBytes buffer = encoded(cfg, where);
   if (buffer == nullptr) return kEncodeFailed;
   u16 slots[kCards];
   u16 count = 0;
-  if (const u16 code = potsSlots(slots, count)) return code;
+  if (const u16 code = potsSlots(slots, count, where)) return code;
   DataList sends;
   if (vBuildMscPacketD(slots, count, kMessage, 0, buffer.get() + kLabel, kSent, sends) != 0) return kBuildFailed;
   return vSendMscPacket(sends) == 0 ? u16{0} : u16{kSendFailed};
@@ -168,12 +168,12 @@ int erase_pots_general_para() {
 static int acceptSet(const SnmpCall& call, Where where) {
   SnmpErrInfo err;
   WireIn area;
-  if (checkListFrame(call.data, call.length, shape.unit, 1, area, &err, where) != 0) {
-    return answerError(call, err, "invalid snmp command para", where);
+  if (checkListFrame(call.data, call.length, shape.unit, 1, area, &err) != 0) {
+    return answerError(call, err, "invalid snmp command 0x%04X para", where);
   }
   DataList list;
   if (parseUnits(potsGeneral, area, list) != 0) {
-    return answerFailed(call, "parse snmp command failed", where);
+    return answerFailed(call, "parse snmp command 0x%04X failed", where);
   }
   if (checkUnits(potsGeneral, list, &err) != 0) {
     return answerError(call, err, "check POTS general configuration failed", where);

@@ -232,7 +232,7 @@ static int nsnmp_set_voiceport(u16 id, u8, u8* data, i32 length, u8* reply, u32*
   SnmpErrInfo err;
   WireIn area;
   DataList list;
-  if (checkPortsFrame(voicePorts, data, length, area, &err, where) != 0)
+  if (checkPortsFrame(voicePorts, data, length, area, &err) != 0)
     return answerError(call, err, "invalid SNMP command para", where);
   if (parsePorts(voicePorts, area, list) != 0) return answerFailed(call, "parse configuration failed", where);
   if (checkPorts(voicePorts, list, &err) != 0) return answerError(call, err, "check configuration failed", where);

@@ -91,7 +91,7 @@ static int snmp_set_voice_port_enable(u16 id, u8, u8* data, i32 length, u8* repl
   SnmpErrInfo err;
   WireIn area;
   DataList list;
-  if (checkPortsFrame(ports, data, length, area, &err, where) != 0)
+  if (checkPortsFrame(ports, data, length, area, &err) != 0)
     return answerError(call, err, "invalid SNMP command para", where);
   if (parsePorts(ports, area, list) != 0) return answerFailed(call, "parse configuration failed", where);
   if (checkPorts(ports, list, &err) != 0) return answerError(call, err, "check configuration failed", where);

@@ -268,8 +268,8 @@ static int snmp_set_voice_ip(u16 id, u8, u8* data, i32 length, u8* reply, u32* r
   const Where where = Where::here();
   if (beginRequest(kVoiceIpMessage, call, Asks::orders, where) != 0) return -1;
   SnmpErrInfo err;
-  if (nCheckSnmpItemsLengthPre(data, length, kLabel, &err, where) != 0 ||
-      nCheckSnmpItemsLength(data + kItem, length - static_cast<i32>(kItem), kShortest, 0, 1, 1, &err, where) != 0)
+  if (nCheckSnmpItemsLengthPre(data, length, kLabel, &err) != 0 ||
+      nCheckSnmpItemsLength(data + kItem, length - static_cast<i32>(kItem), kShortest, 0, 1, 1, &err) != 0)
     return answerError(call, err, "invalid SNMP command para", where);
   VoiceIp record, old;
   if (parse_voice_ip(WireIn(data + kItem, static_cast<u32>(length) - kItem), &record) != 0)

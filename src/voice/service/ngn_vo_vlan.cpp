@@ -156,9 +156,8 @@ static int snmp_set_voice_vlan(u16 id, u8, u8* data, i32 length, u8* reply, u32*
   const Where where = Where::here();
   if (beginRequest(kVoiceVlanMessage, call, Asks::orders, where) != 0) return -1;
   SnmpErrInfo err;
-  if (nCheckSnmpItemsLengthPre(data, length, kLabel, &err, where) != 0 ||
-      nCheckSnmpItemsLength(data + kItems, length - static_cast<i32>(kItems), shape.unit, 2, kTypes, kTypes, &err,
-                            where) != 0)
+  if (nCheckSnmpItemsLengthPre(data, length, kLabel, &err) != 0 ||
+      nCheckSnmpItemsLength(data + kItems, length - static_cast<i32>(kItems), shape.unit, 2, kTypes, kTypes, &err) != 0)
     return answerError(call, err, "invalid SNMP command para", where);
   Rows rows, old;
   for (u16 i = 0; i < kTypes; ++i) parseRecord(fields, data + kItems + 2 + i * shape.unit, &rows[i]);

@@ -36,6 +36,10 @@ static std::string_view textOf(const CallOutStart& record) {
   return {record.number, strnlen(record.number, sizeof record.number)};
 }
 
+static int check_call_in_start(const CallInStart* record, SnmpErrInfo* err) {
+  return checkRecord(inFields, record, err);
+}
+
 int check_call_out_start(const CallOutStart* record, SnmpErrInfo* err) {
   const std::string_view number = textOf(*record);
   if (number.empty()) {
@@ -69,7 +73,8 @@ int is_call_out_number_duplicate(LIST* list, u16* slot, u16* port, char* number)
   return 1;
 }
 
-static int checkDuplicates(LIST* list, SnmpErrInfo* err) {
+// Behind the check of each order.
+static int check_call_out_start_handle(LIST* list, SnmpErrInfo* err) {
   u16 slot = 0, port = 0;
   char number[sizeof CallOutStart::number] = {};
   const int duplicate = is_call_out_number_duplicate(list, &slot, &port, number);
@@ -199,7 +204,7 @@ static int simulatePorts(const CommandElement*, Vty* vty, int argc, char** argv)
 // --- Rows ---
 
 constexpr Simulation callInStart = {
-    .ports = {.id = 3103, .shape = &inShape, .bytes = sizeof(CallInStart)},
+    .ports = {.id = 3103, .shape = &inShape, .bytes = sizeof(CallInStart), .check = onRecord<check_call_in_start>},
     .names = {.stem = "snmp_set_call_in_start",
               .showStem = "distrib_call_in_start",
               .title = "Call In Simulation Start Confirm",
@@ -237,7 +242,7 @@ constexpr Simulation callOutStart = {
               .shape = &outShape,
               .bytes = sizeof(CallOutStart),
               .check = onRecord<check_call_out_start>,
-              .checkList = checkDuplicates},
+              .checkList = check_call_out_start_handle},
     .names = {.stem = "snmp_get_call_out_start",
               .showStem = "distrib_call_out_start",
               .title = "Call Out Simulation Start Confirm",

@@ -65,7 +65,7 @@ static int vsnmp_test112(u16 id, u8, u8* data, i32 length, u8* reply, u32* reply
   SnmpErrInfo err;
   WireIn area;
   DataList list;
-  if (checkPortsFrame(ports, data, length, area, &err, where) != 0)
+  if (checkPortsFrame(ports, data, length, area, &err) != 0)
     return answerError(call, err, "invalid SNMP command para", where);
   if (parsePorts(ports, area, list) != 0) return answerFailed(call, "parse configuration failed", where);
   if (checkPorts(ports, list, &err) != 0) return answerError(call, err, "check configuration failed", where);

@@ -15,8 +15,15 @@ static constexpr Field fields[] = {
         {.offset = 0, .allowed = {{1, 2}}, .code = 65416, .complaint = "invalid NGN use register option: %d"}),
 };
 static constexpr Record shape(66, fields);
-static constexpr PortUnits ports = {
-    .id = kRegisterMessage, .shape = &shape, .bytes = sizeof(UserRegister), .location = kShortLocation};
+static int ncheck_register_user(const UserRegister* record, SnmpErrInfo* err) {
+  return checkRecord(fields, record, err);
+}
+
+static constexpr PortUnits ports = {.id = kRegisterMessage,
+                                    .shape = &shape,
+                                    .bytes = sizeof(UserRegister),
+                                    .location = kShortLocation,
+                                    .check = onRecord<ncheck_register_user>};
 static_assert(ports.unit() == kItem && kLocation + shape.unit == kUnit);
 
 // --- Message ---
@@ -42,7 +49,7 @@ static int nsnmp_register_user(u16 id, u8, u8* data, i32 length, u8* reply, u32*
   u32 count = 0;
   {
     DataList list;
-    if (checkPortsFrame(ports, data, length, area, &err, where) != 0)
+    if (checkPortsFrame(ports, data, length, area, &err) != 0)
       return answerError(call, err, "invalid SNMP command para", where);
     if (parsePorts(ports, area, list) != 0) return answerFailed(call, "parse configuration failed", where);
     if (checkPorts(ports, list, &err) != 0) return answerError(call, err, "check configuration failed", where);

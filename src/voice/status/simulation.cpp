@@ -37,7 +37,7 @@ int build_snmp_from_mgc(WireOut buffer, u32* length, u32 unit, u32 gap) {
 static int acceptPorts(const Simulation& simulation, const SnmpCall& call, u32* ports, Where where) {
   SnmpErrInfo err;
   WireIn area;
-  if (checkPortsFrame(simulation.ports, call.data, call.length, area, &err, where) != 0)
+  if (checkPortsFrame(simulation.ports, call.data, call.length, area, &err) != 0)
     return answerError(call, err, "invalid SNMP command para", where);
   DataList list;
   if (parsePorts(simulation.ports, area, list) != 0) return answerFailed(call, "parse configuration failed", where);
