@@ -74,7 +74,7 @@ constexpr Failing lines[] = {
     {Fault::connect, 1, "set signal tone timeout busy 1 dial 2 roh 3 call-waiting 4", "get signal tone timeout configuration failed"},
     {Fault::connect, 1, "set voice md5 authentication close", "get voice MD5 authentication configuration failed"},
     {Fault::alloc, 1, "set voice md5 authentication open mg id g shared key ab exchanged base 1F", "MD5 authentication configuration failed(-110)"},
-    {Fault::alloc, 1, "set sip digital map x.", "set SIP digital map configuration failed(-110)"},
+    {Fault::alloc, 2, "set sip digital map x.", "set SIP digital map configuration failed(-110)"},
     {Fault::alloc, 1, "set sip call-waiting-conference mode refer conference uri c sharp escape enable caller-id head from", "set SIP advanced configuration failed(-110)"},
     {Fault::connect, 1, "set sip server address s1 port 5060", "get current SIP server configuration failed"},
     {Fault::connect, 1, "set sip call-waiting-conference mode info1 sharp escape enable caller-id head from", "get current SIP advanced configuration failed"},

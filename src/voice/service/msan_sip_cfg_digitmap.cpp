@@ -3,8 +3,10 @@
 #include <string_view>
 
 #include "common/commands.h"
+#include "common/memory.h"
 #include "platform/tables.h"
 #include "voice/common/voice_item.h"
+#include "voice/common/voice_packets.h"
 #include "voice/common/voice_public.h"
 #include "voice/service/msan_sip_cfg.h"
 
@@ -62,14 +64,23 @@ static int tooLong(Vty* vty) {
   return -1;
 }
 
+// A map on its way, zeroed and from the pool: a command's thread has little stack. Null without memory.
+static PoolBytes newMap() {
+  u8* memory = nullptr;
+  vMemAlloc(&memory, sizeof(SipDigitMap));
+  return PoolBytes(memory);
+}
+static constexpr const char* kNoMap = "malloc for SIP digital map failed";
+
 static int cli_set_sip_digital_map_config_func(const CommandElement*, Vty* vty, int argc, char** argv) {
-  SipDigitMap cfg;
   if (argc != 1) return refuse(vty, "invalid parameter quantity");
   const std::string_view map = argv[0];
   if (map.empty()) return refuse(vty, "the SIP digital map is NULL");
   if (map.size() > kMap) return tooLong(vty);
-  map.copy(cfg.map, kMap);
-  return configure(vty, sipDigitMap, &cfg);
+  const PoolBytes cfg = newMap();
+  if (cfg == nullptr) return refuse(vty, kNoMap);
+  map.copy(reinterpret_cast<SipDigitMap*>(cfg.get())->map, kMap);
+  return configure(vty, sipDigitMap, cfg.get());
 }
 
 static int cli_add_sip_digital_map_config_func(const CommandElement*, Vty* vty, int argc, char** argv) {
@@ -85,14 +96,22 @@ static int cli_add_sip_digital_map_config_func(const CommandElement*, Vty* vty, 
   return configure(vty, sipDigitMap, &cfg);
 }
 
-static void show(Vty* vty, const SipDigitMap* cfg) {
-  const std::string_view map = textOf(*cfg);
+static void show(Vty* vty, const SipDigitMap& cfg) {
+  const std::string_view map = textOf(cfg);
   vty_out(vty, "\r\n SIP Digital Map Configuration");
   vty_out(vty, "\r\n ----------------------------------");
   vty_out(vty, "\r\n Digital Map Length: %d", static_cast<int>(map.size()));
   for (std::size_t at = 0; at < map.size(); at += kShown)
     vty_out(vty, "\r\n %.*s", static_cast<int>(std::min<std::size_t>(kShown, map.size() - at)), map.data() + at);
   vty_out(vty, "\r\n");
+}
+
+static int cli_show_sip_digital_map_config_func(const CommandElement*, Vty* vty, int, char**) {
+  const PoolBytes cfg = newMap();
+  if (cfg == nullptr) return refuse(vty, kNoMap);
+  const int result = loadItem(sipDigitMap, cfg.get());
+  if (result == 0) show(vty, *reinterpret_cast<const SipDigitMap*>(cfg.get()));
+  return finishShow(vty, sipDigitMap, result);
 }
 
 static void nshowrun_sipdigitmap(Vty* vty, const SipDigitMap* cfg) {
@@ -103,7 +122,8 @@ static void nshowrun_sipdigitmap(Vty* vty, const SipDigitMap* cfg) {
 }
 
 static constexpr Command commands[] = {
-    command(CONFIG_NODE, "show sip digital map", showOf<sipDigitMap>, "the map that ends a dial string"),
+    command(CONFIG_NODE, "show sip digital map", cli_show_sip_digital_map_config_func,
+            "the map that ends a dial string"),
     command(CONFIG_NODE, "set sip digital map <digitalMap>", cli_set_sip_digital_map_config_func,
             "the map that ends a dial string, up to 492 bytes of it"),
     command(CONFIG_NODE, "add sip digital map <digitalMap>", cli_add_sip_digital_map_config_func,
@@ -122,7 +142,6 @@ constexpr VoiceItem sipDigitMap = {
     .check = onRecord<ncheck_sipdigitmap>,
     .encode = onRecord<nencode_sipdigitmap>,
     .encodedBytes = 4 + kMap + kReserved,
-    .show = onRecord<show>,
     .showrun = onRecord<nshowrun_sipdigitmap>,
     .commands = commands,
     .message = setAndGet<sipDigitMap>(2330, "Set SIP digital map"),

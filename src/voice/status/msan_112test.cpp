@@ -224,21 +224,27 @@ static void show(Vty* vty, const TestResult& result, int slot, int port, WireIn 
   vty_out(vty, "\r\n %s. \r\n", result.words);
 }
 
+// Null behind a line that says which buffer there is no memory for.
+static PoolBytes bufferOf(u32 size, const char* which, Vty* vty) {
+  u8* memory = nullptr;
+  if (vMemAlloc(&memory, static_cast<i32>(size)) != 0) vty_out(vty, "\r\n malloc %s error \r\n", which);
+  return PoolBytes(memory);
+}
+
 static int showResult(const TestResult& result, Vty* vty, int argc, char** argv) {
   if (argc != 2) return say(vty, "invalid parameter quantity");
   const int slot = bep_atoiEx(argv[0]);
   const int port = bep_atoiEx(argv[1]);
-  const OnePortRequest request(static_cast<u16>(slot), static_cast<u16>(port));
-  u8* answer = nullptr;
+  const OnePortRequest asked(static_cast<u16>(slot), static_cast<u16>(port));
   u32 length = 4 + result.record;
-  if (vMemAlloc(&answer, static_cast<i32>(length)) != 0) {
-    vty_out(vty, "\r\n malloc outbuf error \r\n");
-    return -1;
-  }
-  const PoolBytes owner(answer);
-  const WireIn record(answer + 4, result.record);
+  const PoolBytes request = bufferOf(sizeof asked.bytes, "inbuf", vty);
+  if (request == nullptr) return -1;
+  const PoolBytes answer = bufferOf(length, "outbuf", vty);
+  if (answer == nullptr) return -1;
+  std::memcpy(request.get(), asked.bytes, sizeof asked.bytes);
+  const WireIn record(answer.get() + 4, result.record);
   const int code = get_gepon_slot_msan_state_base(static_cast<u8>(gModuleId_Msan), static_cast<u16>(slot), result.id,
-                                                  request.bytes, sizeof request.bytes, answer, &length);
+                                                  request.get(), sizeof asked.bytes, answer.get(), &length);
   if (code != 0) {
     vty_out(vty, "\r\n get_gepon_slot_msan_state_base error ret = %d!", code);
     return -1;
