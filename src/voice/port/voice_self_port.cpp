@@ -2,6 +2,7 @@
 
 #include <cstdio>
 #include <cstring>
+#include <optional>
 #include <string>
 #include <unordered_map>
 
@@ -197,11 +198,12 @@ static u16 portAt(const u8* item) { return static_cast<u16>(getNumber(item + 2, 
 // No number is at another port: with what the check gave, slot and port of the holder. 0 or -1.
 static int checkHolders(const u8* items, u32 count, SnmpErrInfo* err) {
   Holders holders;
-  const int read = readHolders(holders);
+  std::optional<int> read;  // by the first number
   for (const u8* item = items; item != items + count * kItem; item += kItem) {
     if (*numberAt(item) == '\0') continue;
     OmLevelId holder;
-    const int code = read != 0 ? read : checkHolder(holders, slotAt(item), portAt(item), numberAt(item), &holder);
+    if (!read) read = readHolders(holders);
+    const int code = *read != 0 ? *read : checkHolder(holders, slotAt(item), portAt(item), numberAt(item), &holder);
     if (code == 0) continue;
     u8 detail[8];
     putNumber(detail, 4, static_cast<u32>(code));
