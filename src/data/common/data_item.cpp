@@ -5,6 +5,7 @@
 
 #include "common/obj_attributes.h"
 #include "common/report.h"
+#include "platform/cards.h"
 #include "platform/log.h"
 #include "platform/objects.h"
 #include "voice/common/voice_msc.h"
@@ -162,7 +163,9 @@ class CardMessage {
     if (objects_ >= item_.leastSent) {
       buildMscHeader(buffer_.get(), item_.id, 0);
       putNumber(buffer_.get() + kHead - 4, 4, objects_);
-      result = sendMscMsg(slot, buffer_.get(), length_);
+      constexpr u32 kEnvelope = sizeof(MscHeader);
+      result = item_.sentPlain ? dm_MakeCmdPkt_GPON(slot, item_.id, buffer_.get() + kEnvelope, length_ - kEnvelope)
+                               : sendMscMsg(slot, buffer_.get(), length_);
       if (result < 0) tellSend(slot);
     }
     clear();
@@ -236,8 +239,9 @@ int sendRecords(const DataItem& item, LIST* records) {
   for (NODE* first = lstFirst(records); first != nullptr; first = lstNext(first)) {
     const auto* object = dataOf<const ObjIndex>(first);
     const u16 slot = object->addr[1];
-    if (sent[slot] || (item.reaches != nullptr && !item.reaches(object))) continue;
+    if (sent[slot]) continue;
     sent.set(slot);
+    if (item.reaches != nullptr && !item.reaches(object)) continue;
     if (message.begin() != 0) return -1;
     for (NODE* cell = first; cell != nullptr; cell = lstNext(cell)) {
       const auto* record = dataOf<const void>(cell);

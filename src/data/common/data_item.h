@@ -75,6 +75,7 @@ struct DataItem {
   // A card is told what is read back once it is stored, each object in a message of its own. One that can't be read or
   // built ends that, and nobody is told.
   bool tellsStored = false;
+  bool sentPlain = false;     // past sendMscMsg, which would log what fails
   bool checksReplay = false;  // what the startup configuration says is checked as well
 
   // An object of a SET into a record. 0, or -1 with `err` filled; a frame that has ended is the road's to tell.

@@ -314,6 +314,7 @@ constexpr DataItem stormSuppression = {
     .tooManySelected = kTooManySlots,
     .encodedBytes = kHead + kStormTypes * kEntry,
     .ofSlots = true,
+    .sentPlain = true,
     .checksReplay = true,
     .parse = onRecord<parse_storm_suppression>,
     .encode = onRecord<build_storm_suppression_mscpkt>,
