@@ -11,3 +11,5 @@ int attach_alarm_prf_adapt(LIST* nodes, u32 count);
 int set_alarm_prf_banding_db_api(u32 objectId, const void* id, u32 offset, u32 length);
 int get_alarm_prf_banding_db_api(u32 objectId, void* id, u32 offset, u32 length);
 int del_alarm_prf_banding_db_api(u32 objectId);
+// 1 if a port of whatever kind has a row with the id, 0 if none has, kStoreFailed.
+int isAlarmProfileBound(u16 id);

@@ -95,3 +95,18 @@ int del_alarm_prf_banding_db_api(u32 objectId) {
   if (const int code = bandings.find(transaction, objectId, &row)) return code == DB_NOT_FOUND ? code : kStoreFailed;
   return AlarmPrfBanding_delete(&row) == 0 ? transaction.commit() : kStoreFailed;
 }
+
+int isAlarmProfileBound(u16 id) {
+  Transaction transaction(Access::read);
+  if (!transaction) return kStoreFailed;
+  mco_cursor_t cursor;
+  int code = AlarmPrfBanding_objIdTree_index_cursor(transaction, &cursor);
+  for (; code == 0; code = mco_cursor_next(transaction, &cursor)) {
+    AlarmPrfBanding row;
+    u16 bound = 0;
+    if ((code = AlarmPrfBanding_from_cursor(transaction, &cursor, &row)) != 0) break;
+    if ((code = AlarmPrfBanding_ProfileID_get(&row, &bound)) != 0) break;
+    if (bound == id) return 1;
+  }
+  return code == DB_END ? 0 : kStoreFailed;
+}

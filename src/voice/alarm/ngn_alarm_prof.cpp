@@ -107,7 +107,12 @@ int check_alarm_prf_id_legal_exp0(SnmpErrInfo* err, u32 id) { return checkIdLega
 int check_alarm_prf_para(SnmpErrInfo* err, const ProfileHead* record) {
   return checkFields(fields, itemOf(record), err);
 }
-int check_alarm_prf_attached(SnmpErrInfo* err, u16 id) { return isAttached(alarmKind, err, id); }
+// Cards of all kinds have ports that alarm profiles are attached to.
+int check_alarm_prf_attached(SnmpErrInfo* err, u16 id) {
+  if (check_alarm_prf_id_legal_exp0(err, id) != 0) return -1;
+  const int bound = isAlarmProfileBound(id);
+  return bound < 0 ? -1 : bound;
+}
 int set_alarm_prf_cfg_id(u16 id) { return selectProfile(alarmKind, id); }
 void flush_alarm_prf(SnmpErrInfo* err, u16 id) { flushProfile(alarmKind, err, id); }
 void alarm_prf_showrun(Vty* vty) { printProfiles(alarmKind, vty); }
