@@ -104,15 +104,13 @@ int writeBatch(const ProfileKind& kind, SnmpErrInfo* err, ProfileHead* records, 
   return result;
 }
 
-static int writeOne(const ProfileKind& kind, SnmpErrInfo* err, ProfileHead* record, u16& modified) {
+static int checkOne(const ProfileKind& kind, SnmpErrInfo* err, ProfileHead* record) {
   if (checkValues(kind, err, record) != 0) return -1;
-  if (record->requestId == kDefaultProfile) return 0;
-  if (record->requestId != kAllocateId) {
-    if (checkIdLegalExp0(kind, err, record->requestId) != 0) return -1;
-    record->prfId = record->requestId;
-    record->status = 1;
-  }
-  return storeRecord(kind, err, record, modified);
+  if (record->requestId == kDefaultProfile || record->requestId == kAllocateId) return 0;
+  if (checkIdLegalExp0(kind, err, record->requestId) != 0) return -1;
+  record->prfId = record->requestId;
+  record->status = 1;
+  return 0;
 }
 
 int writeEach(const ProfileKind& kind, SnmpErrInfo* err, ProfileHead* records, u16 count) {
@@ -122,7 +120,9 @@ int writeEach(const ProfileKind& kind, SnmpErrInfo* err, ProfileHead* records, u
   ModifiedIds modified = {};
   int result = 0;
   for (u32 i = 0; i < count && result == 0; ++i) {
-    result = writeOne(kind, err, recordAt(kind, records, i), modified[i]);
+    ProfileHead* record = recordAt(kind, records, i);
+    if (checkOne(kind, err, record) != 0) return -1;  // what is stored ahead of it reaches no card yet
+    if (record->requestId != kDefaultProfile) result = storeRecord(kind, err, record, modified[i]);
   }
   flushModified(kind, err, modified, count);
   return result;
