@@ -39,7 +39,8 @@ void append(std::vector<u8>& bytes, std::size_t count, u8 byte) {
 void appendHex(std::vector<u8>& bytes, std::string_view word) {
   if (!isHex(word)) {
     constexpr std::string_view kForms[] = {"u8:", "u16:", "u32:", "i32:", "le16:", "le32:", "mac:", "ip:", "-"};
-    throw unknownWord("kind of bytes", word.substr(0, word.find(':') + 1), kForms);
+    const auto colon = word.find(':');
+    throw unknownWord("kind of bytes", colon == word.npos ? word : word.substr(0, colon + 1), kForms);
   }
   if (word.size() % 2 != 0) refuse(word, "has an odd number of hex digits");
   for (std::size_t i = 0; i < word.size(); i += 2) append(bytes, 1, byteAt(word, i));

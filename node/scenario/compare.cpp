@@ -196,7 +196,7 @@ bool matchesLine(std::string_view expected, std::string_view line) {
   if (expected == line) return true;
   const std::string_view mark = firstWord(expected);
   if (mark != firstWord(line)) return false;
-  if (mark == "row") return matchesRow(expected, line);
+  if (mark == "row" || mark == "out") return matchesRow(expected, line);
   const auto expectedHex = hexBegin(expected);
   const auto lineHex = hexBegin(line);
   return expectedHex && lineHex && expected.substr(0, *expectedHex) == line.substr(0, *lineHex) &&

@@ -140,6 +140,7 @@ void recordFailedLine(const node::FailedLine& failed, Outcome& outcome) {
 
 Action readRestart(Arguments&) {
   return [](Stage& stage, Outcome& outcome) {
+    stage.terminal = {};  // what would be done on yes is unloaded
     stage.node.restart(stage.startup, [&](const node::FailedLine& failed) { recordFailedLine(failed, outcome); });
   };
 }
@@ -220,6 +221,12 @@ Content readContent(Arguments& arguments, const Content& plain) {
   return content;
 }
 
+std::string flowName(Arguments& arguments) {
+  std::string name(arguments.word("name"));
+  if (name.size() > kFlowName) throw BadLine(fmt::format("\"{}\" is longer than {} characters", name, kFlowName));
+  return name;
+}
+
 Action removing(host::FlowRemoval (*remove)(i16), i16 id) {
   return calling([=](Stage&) { return remove(id) == host::FlowRemoval::removed ? 0 : -1; });
 }
@@ -229,7 +236,7 @@ bool asksRemoval(std::string_view name, const Arguments& arguments) { return nam
 
 Action readFlowRule(Arguments& arguments) {
   const auto id = static_cast<i16>(arguments.number("id", 1, kMostFlowId));
-  const std::string name(arguments.word("name"));
+  const std::string name = flowName(arguments);
   if (asksRemoval(name, arguments)) return removing(host::removeFlowRule, id);
   const FlowRule rule = readContent(arguments, host::plainFlowRule(name));
   return preparing([=](Stage&) { host::setFlowRule(id, name, rule); });
@@ -237,7 +244,7 @@ Action readFlowRule(Arguments& arguments) {
 
 Action readFlowPolicy(Arguments& arguments) {
   const auto id = static_cast<i16>(arguments.number("id", 1, kMostFlowId));
-  const std::string name(arguments.word("name"));
+  const std::string name = flowName(arguments);
   if (asksRemoval(name, arguments)) return removing(host::removeFlowPolicy, id);
   const host::FlowPolicyPack pack = readContent(arguments, host::plainFlowPolicy(name));
   return preparing([=](Stage&) { host::setFlowPolicy(id, name, pack); });

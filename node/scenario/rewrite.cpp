@@ -56,8 +56,11 @@ void printDifference(std::FILE* to, const Scenario& scenario, const std::vector<
     const auto pairs = align(directive.expectations, record);
     if (!isRewritten(directive, pairs, all)) continue;
     fmt::print(to, "{}:{}: {}\n", scenario.name, directive.line, directive.text);
-    if (record.empty()) fmt::print(to, "+{}\n", kNothing);
-    for (const std::string& line : diff(pairs, directive.expectations, record)) fmt::print(to, "{}\n", line);
+    // Line by line as it stands: what a gap or ".." of an expectation stood for is written in its place.
+    std::vector<std::string> before, after;
+    for (const Expectation& expectation : directive.expectations) before.push_back(expectation.text);
+    appendRecord(after, record);
+    for (const std::string& line : diffLines(before, after)) fmt::print(to, "{}\n", line);
   }
 }
 

@@ -204,13 +204,11 @@ constexpr Function kFunctions[] = {
     STD(stdmib_get_port_fdb, "slot port >addresses=100 <>length"),
 };
 
-constexpr i64 kLeastNumber = -0x80000000ll;
-constexpr i64 kMostNumber = 0xffffffff;
-
 // What stands for a parameter on the line. A text and a view are the last one.
 std::vector<u8> readValue(const Parameter& parameter, Arguments& arguments) {
   if (parameter.form == Form::number) {
-    const i64 number = arguments.number(parameter.name, kLeastNumber, kMostNumber);
+    const i64 half = i64{1} << (8 * parameter.size - 1);  // with a sign or without
+    const i64 number = arguments.number(parameter.name, -half, 2 * half - 1);
     std::vector<u8> value(sizeof number);
     std::memcpy(value.data(), &number, sizeof number);
     return value;

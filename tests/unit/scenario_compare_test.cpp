@@ -48,6 +48,8 @@ TEST(ScenarioMatching, HexStringsInRowsAndProfiles) {
   EXPECT_FALSE(matchesLine("row key=00.. c=5", "row key=00ff c=6"));
   EXPECT_FALSE(matchesLine("row key=00..", "row key=00ff c=6"));
   EXPECT_FALSE(matchesLine("row key=00..", "row yek=00ff"));
+  EXPECT_TRUE(matchesLine("out view=..*16", "out view=00*16"));
+  EXPECT_FALSE(matchesLine("out view=..", "out slot=10"));
   EXPECT_TRUE(matchesLine("profile 2 \"a b\" 01..", "profile 2 \"a b\" 01ff"));
   EXPECT_FALSE(matchesLine("profile 2 \"a c\" 01..", "profile 2 \"a b\" 01ff"));
 }

@@ -126,6 +126,8 @@ TEST(ScenarioReader, ArgumentsOfEveryDirectiveAreChecked) {
                            "flow-rule 0 NAME",
                            "flow-rule 32768 NAME",
                            "flow-rule 1 NAME 00*343",
+                           "flow-policy 1 abcdefghijklmnopqrstu",
+                           "std std_snmp_data_port_enable_get 65536 1",
                            "flow-policy 1 NAME 00*98",
                            "master",
                            "events detach",
