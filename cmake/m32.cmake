@@ -9,5 +9,10 @@ set(CMAKE_CXX_FLAGS_INIT "-m32 -idirafter /usr/include/x86_64-linux-gnu")
 set(CMAKE_LIBRARY_ARCHITECTURE i386-linux-gnu)
 set(ENV{PKG_CONFIG_LIBDIR} /usr/lib/i386-linux-gnu/pkgconfig:/usr/share/pkgconfig)
 
-# What is built runs on this machine.
-set(CMAKE_CROSSCOMPILING_EMULATOR env)
+# What is built runs on this machine; where its kernel runs no 32-bit programs, by an emulator.
+execute_process(COMMAND /lib/ld-linux.so.2 --version RESULT_VARIABLE refused OUTPUT_QUIET ERROR_QUIET)
+if(refused)
+  set(CMAKE_CROSSCOMPILING_EMULATOR qemu-i386)
+else()
+  set(CMAKE_CROSSCOMPILING_EMULATOR env)
+endif()

@@ -24,6 +24,7 @@ packagesFor() {
     fuzz) echo clang-16 libclang-rt-16-dev llvm-16 ;;
     # g++-multilib would exclude other cross compilers; the test library is built from its sources for 32 bits.
     m32) echo g++-12-multilib liblmdb-dev:i386 libfmt-dev:i386 googletest ;;
+    emulator) echo qemu-user ;;
     *) fail "no packages are known for $1" ;;
   esac
 }
