@@ -51,7 +51,7 @@ void declare(CLI::App& app, Options& options) {
       ->check(CLI::Range(0, 3600));
   app.add_flag("--yes", options.yes, "questions of commands are answered with yes");
   app.add_option("--confirm", options.confirm,
-                 "ahead of the file: what it changes is taken back after so long\n"
+                 "ahead of the lines: what they change is taken back after so long\n"
                  "unless somebody runs \"confirm\"")
       ->type_name("SECONDS")
       ->check(CLI::Range(1, 86400));
@@ -154,6 +154,10 @@ int run(const Options& options) {
   u64 number = 0;
   bool asks = false;
   if (options.yes) ctl::runCommand(connection, "answer yes", 0);
+  if (options.confirm != 0) {
+    const std::string line = "confirm within " + std::to_string(options.confirm) + " seconds";
+    if (ctl::runCommand(connection, line, 0).failed != 0) return kLineFailed;
+  }
   for (const std::string& command : options.commands) {
     const auto outcome = ctl::runCommand(connection, command, ++number);
     if (outcome.failed != 0) code = kLineFailed;
@@ -163,10 +167,6 @@ int run(const Options& options) {
   if (asks && options.file.empty()) {
     std::fprintf(stderr, "msanctl: command:%llu asks, and got no answer\n", static_cast<unsigned long long>(number));
     code = kLineFailed;
-  }
-  if (options.confirm != 0) {
-    const std::string line = "confirm within " + std::to_string(options.confirm) + " seconds";
-    if (ctl::runCommand(connection, line, 0).failed != 0) return kLineFailed;
   }
   if (!options.file.empty()) return std::max(code, runFile(connection, options.file));
   if (!options.commands.empty()) return code;

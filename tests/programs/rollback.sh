@@ -60,7 +60,7 @@ expectMatch "nothing waits any more" "no change waits to be confirmed*" "$(ctl -
 PATH=$PATH:/usr/sbin timeout 20 snmptrapd -f -Lo -On -C --disableAuthorization=yes "127.0.0.1:$((port + 10000))" \
   >"$folder/notification" 2>&1 &
 listener=$!
-ctl -c 'confirm within 1 seconds' -c 'set cid mode fsk' >/dev/null
+ctl --confirm 1 -c 'set cid mode fsk' >/dev/null
 mkfifo "$folder/typed"
 ctl <"$folder/typed" >"$folder/watched" & # a terminal that does nothing meanwhile
 watcher=$!
