@@ -307,7 +307,9 @@ bool runLine(Connection& connection, const std::string& line) {
     const auto result = wire::readResult(frame->payload);
     if (!result) throw ConnectionError("what answers is no msand");
     if (notUnderstood(*result)) std::puts(pointer(connection.prompt(), line, *result, terminalWidth()).c_str());
-    if (!result->good() && (last == '\0' || result->outcome != 0)) std::printf("%% %s\n", reasonOf(*result).c_str());
+    const bool asks = result->outcome == wire::kAsks;  // the prompt is the question
+    if (!result->good() && !asks && (last == '\0' || result->outcome != 0))
+      std::printf("%% %s\n", reasonOf(*result).c_str());
     return true;
   }
 }
