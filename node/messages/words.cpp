@@ -292,8 +292,13 @@ void fill(Json& told, const Json& known, std::optional<i64> like) {
   } else if (told.is_array() && known.is_array()) {
     const bool named =
         !known.empty() && std::ranges::any_of(kKeys, [&](const Key& key) { return hasKey(known[0], key); });
-    for (std::size_t i = 0; i < told.size(); ++i)
-      if (const Json* const item = knownFor(told[i], i, known, like)) fill(told[i], *item, like);
+    for (std::size_t i = 0; i < told.size(); ++i) {
+      const Json* const item = knownFor(told[i], i, known, like);
+      if (item != nullptr) fill(told[i], *item, like);
+      if (item != nullptr || !named || !hasKey(told[i], kKeys[1])) continue;
+      const Json& id = told[i]["id"];
+      throw BadValue("there is no id " + (id.is_string() ? id.get<std::string>() : id.dump()) + "; --new makes one");
+    }
     for (std::size_t i = told.size(); i < known.size() && !named; ++i) told.push_back(known[i]);
   }
 }

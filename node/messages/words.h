@@ -26,7 +26,7 @@ void requireNames(const Layout& layout, const Json& told);
 
 // Fills what `told` leaves open from `known`: members of objects, and those of an item of an array from the item of the
 // same slot and port, of the same id (or, `like` told, of that id), else of the same index. Items with such a name that
-// are not told stay away.
+// are not told stay away; one of an id that is not known, with no `like`, is a BadValue.
 void fill(Json& told, const Json& known, std::optional<i64> like = {});
 
 // The JSON pointers of all values that are not objects or arrays.

@@ -49,6 +49,8 @@ ctl -c "chassis slot 1 card adsl16" >/dev/null
 frames set adslProfiles --new id=65535 name=gold snrmdn=9.5
 frames set adslProfiles id=1 minrateup=64 'tone[1].start=5' 'tone[1].end=9'
 expect "a profile" "0 done" "$code $out"
+frames set adslProfiles id=77 snrmdn=9
+expect "none to be changed" "2 msan-frame: there is no id 77; --new makes one" "$code $err"
 frames get adslProfiles id=1
 expectMatch "as it is" "profile 1
   id 1
