@@ -29,12 +29,12 @@ static constexpr WholeTable<AlarmPrfInfo, AlarmColumns> profiles{
     [](AlarmPrfInfo* row, AlarmColumns* columns) { return AlarmPrfInfo_fixed_get(row, columns, sizeof *columns); },
     AlarmPrfInfo_delete};
 
-static int storeProfileRow(const AlarmPrfRecord& record) {
+static int storeProfileRow(const AlarmPrfRecord& record, Where where = Where::here()) {
   AlarmColumns columns{.id = record.prfId};
   std::memcpy(&columns.flags, record.reserved, sizeof columns.flags);
   std::memcpy(columns.name, record.name, sizeof columns.name);
   std::memcpy(columns.thresholds, &record.item, sizeof columns.thresholds);
-  return storeWhole(profiles, record.prfId, columns);
+  return storeWhole(profiles, record.prfId, columns, where);
 }
 
 int get_alarm_profile_attribute(u16 id, AlarmPrfRecord* record) {

@@ -33,6 +33,12 @@ inline constexpr StepNames kPlainItem{  // check_mgc
     .check = "check_*", .checkHandle = "check_*_handle", .set = "set_*", .snmpSet = "snmp_set_*", .snmpGet = "snmp_get_*",
     .distributeX = "distrib_*x", .distribute = "distrib_*", .erase = "erase_*", .init = "init_*", .store = "db_set_*_prf",
     .load = "db_get_*_prf", .registrar = "reg_snmp_cmd_data"};
+inline constexpr StepNames kPlainDbItem = [] {  // set_dsp_profile_db
+  StepNames names = kPlainItem;
+  names.store = "set_*_db";
+  names.load = "get_*_db";
+  return names;
+}();
 inline constexpr StepNames kServiceItem{  // ncheck_sip_server
     .check = "ncheck_*", .checkHandle = "ncheck_*_handle", .set = "nset_*", .snmpSet = "nsnmp_set_*",
     .snmpGet = "nsnmp_get_*", .distributeX = "ndistrib_*x", .distribute = "ndistrib_*", .erase = "nerase_*", .init = "ninit_*",

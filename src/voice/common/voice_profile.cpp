@@ -302,7 +302,7 @@ static int parseIds(WireIn area, LIST* list) {
 }
 
 int snmpDelete(const VoiceProfiles& kind, const SnmpCall& call) {
-  const Where where = kind.at(kind.item.names->snmpSet);
+  const Where where = kind.at(kind.snmpDelete);
   WireIn area;
   if (beginRequest(kind.deleteId, call, Asks::orders, where) != 0 || acceptFrame(call, sizeof(u16), &area, where) != 0)
     return -1;

@@ -22,8 +22,9 @@ enum class Report : u8 { first, whenSent };
 struct VoiceProfiles {
   VoiceItem item;  // record, table and messages; its fields are id, name and the others, its check that of the others
   u16 deleteId;
-  const char* noun;      // "the <noun> 0 is not configurable"
-  const char* nameNoun;  // "the <nameNoun> name is NULL"
+  const char* snmpDelete;  // the step of its name
+  const char* noun;        // "the <noun> 0 is not configurable"
+  const char* nameNoun;    // "the <nameNoun> name is NULL"
   // The name of a fresh profile; null: none.
   void (*freshName)(u16 id, char* name) = nullptr;
   u16 blankDetail = 0;  // bytes of the name that are told with a blank in it

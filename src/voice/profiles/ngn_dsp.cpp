@@ -184,7 +184,7 @@ static int checkOthers(const void* profile, SnmpErrInfo* err) { return checkFiel
 constexpr VoiceProfiles dspProfiles = {
     .item = {.id = 3075,
              .stem = "dsp_profile",
-             .names = &kPlainItem,
+             .names = &kPlainDbItem,
              .words = "DSP profile",
              .kept = kept<DspProfile>(shape, table),
              .countWidth = 4,
@@ -192,6 +192,7 @@ constexpr VoiceProfiles dspProfiles = {
              .check = checkOthers,
              .commands = commands},
     .deleteId = 34755,
+    .snmpDelete = "snmp_delete_*",
     .noun = "DSP profile",
     .nameNoun = "dsp profile",
     .freshName = freshName,

@@ -189,10 +189,13 @@ static constexpr Command commands[] = {
 };
 // clang-format on
 
+static constexpr StepNames names =
+    serviceItem("db_set_sipuser_callcfg_prf", "db_get_sipuser_callcfg_prf", kServiceItem.registrar);
+
 constexpr VoiceProfiles sipCallProfiles = {
     .item = {.id = 3091,
              .stem = "sipcallprofile",
-             .names = &kServiceItem,
+             .names = &names,
              .words = "SIP user call profile",
              .kept = kept<SipCallProfile>(shape, table),
              .countWidth = 4,
@@ -200,6 +203,7 @@ constexpr VoiceProfiles sipCallProfiles = {
              .check = onRecord<checkOthers>,
              .commands = commands},
     .deleteId = 34771,
+    .snmpDelete = "nsnmp_delete_*",
     .noun = "SIP user call profile",
     .nameNoun = "SIP user call profile",
     .blankDetail = kProfileName,

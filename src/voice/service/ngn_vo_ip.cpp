@@ -156,9 +156,11 @@ static int set_voice_ip_db(const VoiceIp& record) {
   return storeWhole(table, 0, std::bit_cast<VoiceIpCfg_fixed>(Keyed{0, record}));
 }
 
+static int get_voice_ip_db(VoiceIpCfg_fixed& columns) { return loadWhole(table, 0, columns); }
+
 int get_voice_ip(VoiceIp* record) {
   VoiceIpCfg_fixed columns;
-  const int code = loadWhole(table, 0, columns);
+  const int code = get_voice_ip_db(columns);
   if (code == 0) *record = std::bit_cast<Keyed>(columns).record;
   return code;
 }

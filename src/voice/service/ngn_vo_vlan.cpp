@@ -56,18 +56,18 @@ static constexpr Word typeWords[] = {{"signalling", 0}, {"rtpstream", kRtp}};
 
 // --- Store ---
 
-static int set_voice_vlan(const VoiceVlan& record) { return storeRow(table, fields, &record, record.type); }
-static int get_voice_vlan(u16 type, VoiceVlan* record) { return loadRow(table, fields, record, type); }
+static int set_voice_vlan_db(const VoiceVlan& record) { return storeRow(table, fields, &record, record.type); }
+static int get_voice_vlan_db(u16 type, VoiceVlan* record) { return loadRow(table, fields, record, type); }
 
 static int getRows(Rows& rows) {
   for (u16 type = 0; type < kTypes; ++type)
-    if (get_voice_vlan(type, &rows[type]) != 0) return -1;
+    if (get_voice_vlan_db(type, &rows[type]) != 0) return -1;
   return 0;
 }
 
 static int setRows(const Rows& rows) {
   for (const VoiceVlan& row : rows)
-    if (set_voice_vlan(row) != 0) return -1;
+    if (set_voice_vlan_db(row) != 0) return -1;
   return 0;
 }
 
@@ -75,14 +75,14 @@ int init_voice_vlan(u16 type) {
   VoiceVlan record;
   resetRecord(fields, &record);
   record.type = type;
-  return set_voice_vlan(record);
+  return set_voice_vlan_db(record);
 }
 
 // --- Send ---
 
 int send_rtp_vlan_by_slot(u16 slot) {
   VoiceVlan record;
-  if (get_config_card_type(slot) < 1 || get_voice_vlan(kRtp, &record) != 0) return 0;
+  if (get_config_card_type(slot) < 1 || get_voice_vlan_db(kRtp, &record) != 0) return 0;
   u8 message[64] = {};
   Writer out(message);
   out.number(4, 1);
@@ -130,7 +130,7 @@ int distrib_voice_vlanx(const VoiceVlan* record, SnmpErrInfo* err) {
   if (inRecoverConfProcess() != 1 && checkRecord(fields, record, err) != 0) return -1;
   Rows old;
   if (getRows(old) != 0) return -1;
-  if (set_voice_vlan(*record) != 0) return failed(err, kNotStored, -1);
+  if (set_voice_vlan_db(*record) != 0) return failed(err, kNotStored, -1);
   reportChange(kNode, kVoiceVlanMessage, kCommand);
   const GatedResult sent = sendRows(old);
   return sent.code == 0 ? 0 : failed(err, sent.code, sent.takenBack ? -1 : 0);
@@ -200,7 +200,7 @@ static int badQuantity(Vty* vty) { return refuse(vty, "invalid parameter quantit
 static int chooseRow(Vty* vty, const char* word, VoiceVlan* record) {
   const auto type = valueOf(typeWords, word);
   if (!type) return refuse(vty, "invalid voice VLAN type");
-  if (get_voice_vlan(static_cast<u16>(*type), record) == 0) return 0;
+  if (get_voice_vlan_db(static_cast<u16>(*type), record) == 0) return 0;
   vty_out(vty, "\r\n get voice VLAN %d configuration failed. \r\n", static_cast<int>(*type));
   return -1;
 }
@@ -260,7 +260,7 @@ static int cli_show_voice_vlan_config_func(const CommandElement*, Vty* vty, int,
   vty_out(vty, "\r\n --------------------------");
   for (u16 type = 0; type < kTypes; ++type) {
     VoiceVlan record;
-    if (get_voice_vlan(type, &record) != 0) {
+    if (get_voice_vlan_db(type, &record) != 0) {
       vty_out(vty, "\r\n get voice VLAN %d configuration failed. \r\n", type);
       return -1;
     }
