@@ -98,7 +98,8 @@ struct ProfileKind {
   u16 writeId;  // also the kind's number
   u16 attachId;
   u16 mostId;
-  u32 attribute;  // of a port: the id of its profile
+  int loggedIds = 0;  // that ids should be less than, as the log has it of another; 0: nothing is logged
+  u32 attribute;      // of a port: the id of its profile
   std::span<const u16> portTypes;
   const ProfileShape& shape;
   const char* defaultName;

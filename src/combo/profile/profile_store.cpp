@@ -4,6 +4,8 @@
 #include <cstring>
 
 #include "combo/profile/profile_kind.h"
+#include "common/msan_init.h"
+#include "platform/log.h"
 
 void offerKind(const void* context, CommandOffers* to) {
   const auto& kind = *static_cast<const ProfileKind*>(context);
@@ -25,6 +27,9 @@ int registerKind(const ProfileKind& kind) {
 
 int checkIdLegal(const ProfileKind& kind, SnmpErrInfo* err, u32 id) {
   if (id <= kind.mostId) return 0;
+  if (kind.loggedIds != 0)
+    ulogPrintf(gModuleId_Msan, kLogDebug, "prfId = %d,prfId should less than %d!\r\n", static_cast<int>(id),
+               kind.loggedIds);
   err->errCode = kIllegalProfileId;
   return -1;
 }

@@ -83,6 +83,7 @@ constexpr ProfileKind alarmKind{
     .writeId = 34668,
     .attachId = 2824,
     .mostId = kMostAlarmId,
+    .loggedIds = 33,
     .attribute = kAlarmAttribute,
     .portTypes = portTypes,
     .shape = shape,
