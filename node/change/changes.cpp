@@ -189,6 +189,14 @@ void Changes::confirmWithin(std::chrono::seconds time) {
   std::string missing;
   const std::string configuration = printRunning(node_, missing);
   if (!missing.empty()) throw std::runtime_error("incomplete: " + missing);
+  Snapshot back = snapshotOf(node_, nullptr);
+  back.configuration = configuration;
+  Shadow shadow(back, node_.modulePath());
+  try {
+    refuseLoss(shadow, shadow.configuration());
+  } catch (const RollbackError& error) {
+    throw std::runtime_error(fmt::format("there would be no way back: {}", error.what()));
+  }
   pending_.begin(configuration, time, [this] { later_.post([this] { expire(); }); });
   msand::note(fmt::format("a change waits {} s to be confirmed", time.count()));
 }

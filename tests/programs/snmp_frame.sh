@@ -68,6 +68,10 @@ expect "a member that there is not" \
 run "$bin/msan-frame" describe lineTest
 expectMatch "what can be told" "lineTest (2829): *type *0 selt, 1 delt*-101 *" "$out"
 
+# A line that would be refused makes the configuration none to go back to.
+frames set adslProfiles --new id=65535 'name=a b'
+expectMatch "no way back" "there would be no way back: *" "$(ctl -c 'confirm within 1' 2>/dev/null || true)"
+
 run "$bin/msan-frame" --agent "udp:127.0.0.1:9" --timeout 0.2 get 3087
 expect "exit code without a node" 3 "$code"
 run "$bin/msan-frame" --agent "tcp:127.0.0.1:9" --timeout 0.2 get 3087
