@@ -83,7 +83,7 @@ constexpr ParameterRow kRows[] = {
 
     // help and debug
     {"<message>",                     name,      "a message, by its name or number"},
-    {"<messageValue>",                nothing,   "a port: 1/5; or a value of the question: id=5, port[0].pvcIndex=1"},
+    {"<messageValue>",                nothing,   "a port: 1/5; or a value of the question: id=5"},
     {"<capture>",                     nothing,   "a new file's name, NAME.pcapng; off"},
     {"<checked>",                     nothing,   "a file of the node's, seen from the startup configuration's folder; open; close"},
     {"<side>",                        nothing,   "a file of the node's; behind rollback a number of the history"},
