@@ -23,9 +23,12 @@ struct Listing {
   std::vector<std::vector<std::string>> points;  // tone, MHz, up, down
 };
 
-// What the line prints; none if it failed, and then that is told.
-std::optional<std::string> textOf(Connection& connection, const std::string& line) {
-  connection.send(wire::Kind::line, line);
+constexpr const char* kOnlyCurves = "only curves can be drawn: plot bits, gain, snr, hlog or qln of a port";
+
+// What a plot prints as a table; none if it failed, and then that is told.
+std::optional<std::string> tableOf(Connection& connection, const std::string& line) {
+  if (!line.starts_with("plot ")) throw PictureError(kOnlyCurves);
+  connection.send(wire::Kind::line, line + " table");
   std::string text;
   while (const auto frame = connection.receive()) {
     if (frame->kind == wire::Kind::text) text += frame->payload;
@@ -54,7 +57,7 @@ Listing read(const std::string& text) {
   std::string heads;
   if (!std::getline(in, listing.title) || !std::getline(in, heads) || !listing.title.starts_with("# ") ||
       !heads.starts_with("# tone\t"))
-    throw PictureError("only curves can be drawn: plot bits, gain, snr, hlog or qln of a port");
+    throw PictureError(kOnlyCurves);
   listing.title.erase(0, 2);
   listing.quantity = listing.title.substr(0, listing.title.find(" of "));
   const std::vector<std::string> names = cells(heads);
@@ -155,7 +158,7 @@ void draw(const std::string& commands, const std::string& path) {
 }  // namespace
 
 bool drawPicture(Connection& connection, const std::string& command, const std::string& path) {
-  const auto text = textOf(connection, command + " table");
+  const auto text = tableOf(connection, command);
   if (!text) return false;
   draw(script(read(*text)), path);
   return true;
