@@ -295,7 +295,7 @@ void fill(Json& told, const Json& known, std::optional<i64> like) {
     for (std::size_t i = 0; i < told.size(); ++i) {
       const Json* const item = knownFor(told[i], i, known, like);
       if (item != nullptr) fill(told[i], *item, like);
-      if (item != nullptr || !named || !hasKey(told[i], kKeys[1])) continue;
+      if (item != nullptr || like || !(named || known.empty()) || !hasKey(told[i], kKeys[1])) continue;
       const Json& id = told[i]["id"];
       throw BadValue("there is no id " + (id.is_string() ? id.get<std::string>() : id.dump()) + "; --new makes one");
     }
