@@ -51,7 +51,7 @@ frames set adslProfiles id=1 minrateup=64 'tone[1].start=5' 'tone[1].end=9'
 expect "a profile" "0 done" "$code $out"
 frames set adslProfiles id=77 snrmdn=9
 expect "none to be changed" "2 msan-frame: there is no id 77; --new makes one" "$code $err"
-frames set vdslLineProfiles id=5 name=zz
+frames set dslPair id=5
 expect "none of a kind that gives no others" "2 msan-frame: there is no id 5; --new makes one" "$code $err"
 frames get adslProfiles id=1
 expectMatch "as it is" "profile 1
