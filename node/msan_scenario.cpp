@@ -41,7 +41,7 @@ void describe(CLI::App& app, Options& options) {
   auto* rewrite = app.add_flag("--rewrite", options.rewrite, "Write the record into the file as its expectations");
   auto* all = app.add_flag("--all", options.all,
                            "With --rewrite: of all directives, not only of those that have expectations;\n"
-                           "with --sweep: every point, not only the first of each site;\n"
+                           "with --sweep: every point, not only one of each site;\n"
                            "with --replay: also what the cards are told");
   auto* sweep = app.add_flag("--sweep", options.sweep, "Play again and again, each time with one more site failing");
   app.add_option("--calls", options.calls, "With --sweep: write where in the module the failing calls return to")

@@ -39,6 +39,7 @@ constexpr unsigned kMostSeconds = 120;  // of one run; then it hangs
 constexpr int kMostPieces = 1000;       // of an unfinished answer
 constexpr u32 kMostFailures = 20;       // of one file; then it is given up
 constexpr int kMostRuns = 64;           // of one child
+constexpr u32 kFollowing = 20;          // directives that are played behind a site's failure
 
 // Exit codes of a child: a new one goes on with the next point; a new one does the same runs again with care.
 constexpr int kGoOn = 77;
@@ -69,6 +70,7 @@ struct Swept {
   const Scenario& scenario;
   const std::vector<FailurePoint>& points;
   u32 number = 0;               // of the scenario
+  bool whole = false;           // each run plays all of the file
   PointFile* behind = nullptr;  // takes what comes within a directive once its point has failed
 
   const FailurePoint* at(const Progress& progress) const {
@@ -174,6 +176,7 @@ std::string playOnce(const Swept& swept, Progress& at) {
       keepWhatCameBehind(swept, *point);
     }
     ++at.directive;
+    if (at.reached && !swept.whole && at.directive > at.reachedIn + kFollowing) break;
   }
   std::string broken;
   player.play([&](Stage& stage, Outcome&) { broken = brokenRule(stage, fresh); });
@@ -317,7 +320,7 @@ struct Shared {
 };
 
 // A round over files: the points of each fail, those of the first behind a run with nothing failing; what comes behind
-// them goes to `behind`. The number of files that pass.
+// them goes to `behind`, if it is there, and then a run ends soon behind its point. The number of files that pass.
 std::size_t sweepRound(const std::string& module, const std::vector<Scenario>& scenarios,
                        const std::vector<FoundPoints>& found, PointFile* behind, bool first) {
   std::vector<std::size_t> order(scenarios.size());
@@ -327,7 +330,7 @@ std::size_t sweepRound(const std::string& module, const std::vector<Scenario>& s
   const auto work = [&] {
     for (std::size_t i; (i = (*shared).next++) < order.size();) {
       const std::size_t file = order[i];
-      const Swept swept{module, scenarios[file], found[file].points, static_cast<u32>(file), behind};
+      const Swept swept{module, scenarios[file], found[file].points, static_cast<u32>(file), behind == nullptr, behind};
       if ((found[file].points.empty() && !first) || sweepFile(swept)) ++(*shared).passed;
     }
   };
@@ -353,12 +356,26 @@ struct Known {
   std::set<u64> calls;
 };
 
-// Leaves each file the points of sites that are new, and adds what is in it to what is known.
-void keepNew(std::vector<FoundPoints>& found, Known& known) {
-  for (FoundPoints& one : found) {
-    keepNewSites(one.points, known.sites);
-    known.calls.merge(one.calls);
+// The points of sites that are new, of each site the one with the least ahead of it, since every run plays that too;
+// what is found is known from then on.
+std::vector<FoundPoints> keepNew(const std::vector<FoundPoints>& found, Known& known) {
+  struct Place {
+    std::size_t ahead, file;
+    auto operator<=>(const Place&) const = default;
+  };
+  std::map<u64, Place> earliest;  // by site
+  for (std::size_t file = 0; file < found.size(); ++file) {
+    for (std::size_t ahead = 0; ahead < found[file].points.size(); ++ahead) {
+      const Place here{ahead, file};
+      const auto [at, fresh] = earliest.try_emplace(found[file].points[ahead].site, here);
+      if (!fresh) at->second = std::min(at->second, here);
+    }
+    known.calls.insert(found[file].calls.begin(), found[file].calls.end());
   }
+  std::vector<FoundPoints> kept(found.size());
+  for (const auto& [site, place] : earliest)
+    if (known.sites.insert(site).second) kept[place.file].points.push_back(found[place.file].points[place.ahead]);
+  return kept;
 }
 
 void writeCalls(const std::set<u64>& calls, const std::string& path) {
@@ -377,8 +394,7 @@ int sweepFiles(const std::string& module, const std::vector<Scenario>& scenarios
     points += found.back().points.size();
   }
   Known known;
-  std::vector<FoundPoints> fresh = found;
-  keepNew(fresh, known);
+  std::vector<FoundPoints> fresh = keepNew(found, known);
   fmt::print("{} sites, {} points in {} files\n", known.sites.size(), points, scenarios.size());
   std::fflush(stdout);
   PointFile behind;
@@ -386,8 +402,7 @@ int sweepFiles(const std::string& module, const std::vector<Scenario>& scenarios
   std::size_t passed = sweepRound(module, scenarios, options.all ? found : fresh, goOn ? &behind : nullptr, true);
   if (goOn && passed == scenarios.size()) {
     const std::size_t before = known.sites.size();
-    fresh = behind.read(scenarios.size());
-    keepNew(fresh, known);
+    fresh = keepNew(behind.read(scenarios.size()), known);
     fmt::print("{} sites more that come once something has failed\n", known.sites.size() - before);
     std::fflush(stdout);
     passed = sweepRound(module, scenarios, fresh, nullptr, false);

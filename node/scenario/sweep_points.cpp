@@ -117,10 +117,6 @@ FoundPoints watchedPoints() {
   return found;
 }
 
-void keepNewSites(std::vector<FailurePoint>& points, std::set<u64>& sites) {
-  std::erase_if(points, [&](const FailurePoint& point) { return !sites.insert(point.site).second; });
-}
-
 PointFile::PointFile() : file_(memfd_create("points", MFD_CLOEXEC)) {
   if (file_ < 0 || fcntl(file_, F_SETFL, O_APPEND) != 0) failed();
 }

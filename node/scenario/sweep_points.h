@@ -38,9 +38,6 @@ void watchPoints(const std::string& module, const u32 (&begin)[host::kFaults], O
 // Ends that.
 FoundPoints watchedPoints();
 
-// Leaves the first point of each site that is not in `sites` yet, and puts it there.
-void keepNewSites(std::vector<FailurePoint>& points, std::set<u64>& sites);
-
 // Hands points over between processes; a file is read once all have written to it. Throws when it can't.
 class PointFile {
  public:
