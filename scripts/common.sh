@@ -25,6 +25,7 @@ packagesFor() {
     # g++-multilib would exclude other cross compilers; the test library is built from its sources for 32 bits.
     m32) echo g++-12-multilib liblmdb-dev:i386 libfmt-dev:i386 googletest ;;
     emulator) echo qemu-user ;;
+    cache) echo ccache ;;
     *) fail "no packages are known for $1" ;;
   esac
 }
