@@ -8,6 +8,7 @@
 #include "combo/port/dsl_port_mode.h"
 #include "combo/pvc/pvc_profile.h"
 #include "combo/vdsl/vdsl_line_func_prf.h"
+#include "frames.h"
 #include "host/agent.h"
 #include "host/chassis.h"
 #include "host/profile_store.h"
@@ -15,34 +16,6 @@
 #include "msan/entries.h"
 
 namespace {
-
-using Bytes = std::vector<u8>;
-
-Bytes hex(std::string_view text) {
-  Bytes bytes;
-  for (std::size_t i = 0; i + 1 < text.size(); i += 2) {
-    if (text[i] == ' ') ++i;
-    bytes.push_back(static_cast<u8>(std::stoi(std::string(text.substr(i, 2)), nullptr, 16)));
-  }
-  return bytes;
-}
-
-Bytes join(std::initializer_list<Bytes> parts) {
-  Bytes all;
-  for (const Bytes& part : parts) all.insert(all.end(), part.begin(), part.end());
-  return all;
-}
-
-Bytes zeros(std::size_t count) { return Bytes(count); }
-Bytes number(u32 width, u32 value) {
-  Bytes bytes(width);
-  for (u32 i = width; i-- > 0; value >>= 8) bytes[i] = static_cast<u8>(value);
-  return bytes;
-}
-Bytes name(std::string text) {
-  text.resize(20);
-  return {text.begin(), text.end()};
-}
 
 // Bodies with as many entries as there may be.
 Bytes adslBody() {
@@ -94,16 +67,6 @@ Bytes ginpBody() {
                zeros(64)});
 }
 
-Bytes item(u32 id, const std::string& label, const Bytes& body) { return join({number(2, id), name(label), body}); }
-Bytes frame(u32 count, const Bytes& items) { return join({zeros(32), number(2, count), items}); }
-
-// The code in an error packet, 0 for a success, 1 for a failure without a code.
-int codeOf(const Bytes& reply) {
-  if (reply == hex("00000001")) return 0;
-  return reply.size() >= 12 ? static_cast<i16>(reply[10] << 8 | reply[11]) : 1;
-}
-int set(u16 id, Bytes request) { return codeOf(*host::agentSet(id, true, &request).reply); }
-
 class ProfileTest : public ModuleTest {
  protected:
   ~ProfileTest() override { host::clearChassis(); }
@@ -143,98 +106,6 @@ TEST_F(ProfileTest, AnItemThatIsCutAnywhereIsRefusedAndStoresNothing) {
       EXPECT_EQ(set(kind.message, zeros(length)), -18) << length;
       EXPECT_EQ(set(static_cast<u16>(kind.message + 1), zeros(length)), -18) << length;
     }
-  }
-}
-
-// A value that the check refuses, where it stands in a body, in the order of the check.
-struct Bad {
-  std::size_t at;
-  const char* value;
-  int code;
-};
-struct Checked {
-  u16 message;
-  Bytes body;
-  std::vector<Bad> bad;
-};
-// clang-format off
-const Checked checked[] = {
-    {34803, serviceBody(), {{2, "0004", -103}, {0, "0000", -102}, {0, "0003", -121}, {6, "00000137", -104}, {10, "02", -105},
-      {13, "ffffffff", -106}, {19, "00000137", -107}, {13, "00000000 0001 00000001", -120}, {25, "80000000", -108},
-      {29, "ff", -109}, {32, "00000137", -110}, {38, "ffffffff", -111}, {32, "00000135 0001 00000136", -120},
-      {46, "00030d41", -113}, {54, "ffffffff", -115}, {58, "0040", -116}, {60, "ffff", -117}, {62, "0013", -118},
-      {64, "0013", -119}}},
-    {34805, pboBody(), {{0, "0003", -102}, {4, "000009fc", -103}, {10, "00000f9f", -104}, {16, "00001000", -105},
-      {22, "00001fa0", -106}, {28, "ffffffff", -107}, {34, "00000f9f", -108}, {40, "00001000", -109}, {46, "00001fa0", -110},
-      {52, "ffffffff", -111}, {58, "000009fc", -112}, {64, "fa0a1eff", -113}, {70, "08f0d181", -114}, {76, "80000000", -115},
-      {82, "00000001", -116}, {86, "0801", -117}, {88, "001f", -118}, {86, "0200", -119}}},
-    {34807, cpsdBody(), {{4, "0011", -102}, {34, "0029", -105}, {6, "0021", -103}, {10, "00000001", -104}, {18, "0000", -103},
-      {22, "fffffb4f", -104}, {36, "0020", -106}, {40, "00000001", -107}}},
-    {34809, vnBody(), {{4, "0001", -102}, {26, "0021", -105}, {26, "0001", -105}, {6, "0021", -103}, {8, "0029", -104},
-      {16, "ff73", -104}, {28, "04bf", -106}, {30, "0029", -107}}},
-    {34820, extraBody(), {{0, "0002", -101}, {2, "0003", -102}, {4, "ffff", -103}, {8, "00000137", -104}, {12, "4000", -105},
-      {16, "ffffffff", -106}, {20, "4000", -107}, {8, "0000005b", -112}, {12, "001f", -112}, {24, "00000137", -108},
-      {28, "4e20", -109}, {32, "ffffffff", -110}, {36, "4000", -111}, {24, "0000005b", -112}, {28, "001f", -112}}},
-    {34822, ginpBody(), {{0, "0004", -101}, {2, "0004", -102}, {4, "0040", -103}, {6, "0040", -104}, {10, "000004f7", -105},
-      {16, "ffffffff", -106}, {20, "0002", -107}, {22, "0002", -108}, {26, "00000047", -109}, {30, "0002", -110},
-      {34, "00000047", -111}, {38, "0000003f", -112}, {42, "0007d001", -113}, {46, "0000003f", -114}, {38, "000186a1", -124},
-      {50, "00000000", -115}, {54, "ffffffff", -116}, {58, "0007d001", -117}, {50, "000186a1", -124}, {62, "0020", -118},
-      {64, "0020", -119}, {68, "000000a1", -120}, {74, "ffffffff", -121}, {78, "00000003", -122}, {82, "000000ed", -123}}},
-};
-// clang-format on
-
-// The first bad value is told, whatever is behind it.
-TEST_F(ProfileTest, TheOrderOfTheChecks) {
-  for (const Checked& kind : checked) {
-    Bytes body = kind.body;
-    ASSERT_EQ(set(kind.message, frame(1, item(9, "good", body))), 0) << kind.message;
-    for (std::size_t i = kind.bad.size(); i-- > 0;) {
-      std::ranges::copy(hex(kind.bad[i].value), body.begin() + static_cast<std::ptrdiff_t>(kind.bad[i].at));
-      EXPECT_EQ(set(kind.message, frame(1, item(9, "bad", body))), kind.bad[i].code) << kind.message << " at " << i;
-    }
-  }
-}
-
-// Where a field of an ADSL line profile stands in the body, with one blackout: its lowest and highest value, and the
-// code of the others.
-struct Edge {
-  std::size_t at;
-  u32 width, lowest, highest;
-  int code;
-};
-// clang-format off
-constexpr Edge adslEdges[] = {
-    {0, 2, 0, 4, -73},      {2, 2, 1, 3, -74},       {4, 2, 1, 3, -75},    {6, 2, 1, 5, -76},
-    {16, 1, 0, 0, -79},     {17, 1, 1, 1, -79},      {18, 4, 0, 310, -79},  // margins: head, digits, tenths
-    {22, 1, 0, 0, -80},     {23, 1, 1, 1, -80},      {24, 4, 0, 310, -80},
-    {28, 2, 0, 63, -81},    {30, 2, 0, 63, -82},     {32, 2, 1, 18, -83},  {34, 2, 1, 18, -84},
-    {36, 1, 0, 1, -85},     {37, 1, 0, 1, -86},      {38, 2, 0, 3, -87},   {40, 2, 0, 65534, -88},
-    {42, 2, 0, 65534, -89}, {44, 2, 0, 15, -90},     {46, 4, 0, 1024, -91},
-    {50, 2, 0, 31, -95},    {52, 2, 0, 31, -96},     {54, 2, 0, 31, -97},  {56, 2, 0, 31, -98},
-    {60, 2, 0, 511, -93},   {62, 2, 0, 511, -94},    {68, 4, 0, 100000, -99}, {72, 4, 0, 100000, -100},
-};
-// clang-format on
-
-TEST_F(ProfileTest, EachFieldOfAnAdslLineProfileHasItsEdgesAndItsCode) {
-  const Bytes good = join({hex("0000 0002 0002 0003"), zeros(8),
-                           hex("0001 0000003c 0001 0000003c 0010 0010 0001 0001 0000 0000 012c 001e 0003 00000020"),
-                           hex("001f 001f 0000 0000 0001"), zeros(8), zeros(8), zeros(64)});
-  const auto with = [](Bytes body, std::size_t at, u32 width, u32 value) {
-    std::ranges::copy(number(width, value), body.begin() + static_cast<std::ptrdiff_t>(at));
-    return set(34661, frame(1, item(5, "five", body)));
-  };
-  for (const auto& [at, width, lowest, highest, code] : adslEdges) {
-    EXPECT_EQ(with(good, at, width, lowest), 0) << at;
-    EXPECT_EQ(with(good, at, width, highest), 0) << at;
-    EXPECT_EQ(with(good, at, width, lowest - 1), code) << at;
-    EXPECT_EQ(with(good, at, width, highest + 1), code) << at;
-  }
-  EXPECT_EQ(with(good, 58, 2, 17), -92);
-  Bytes crossed = good;
-  for (const std::size_t greatest : {50, 52}) {
-    crossed[greatest + 1] = 5;
-    EXPECT_EQ(with(crossed, greatest + 4, 2, 5), 0);
-    EXPECT_EQ(with(crossed, greatest + 4, 2, 6), -101);
   }
 }
 
