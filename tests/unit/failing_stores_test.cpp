@@ -1,7 +1,5 @@
 // What an operator and a manager are told when the store fails under a request, item by item.
 
-#include <algorithm>
-
 #include "host/agent.h"
 #include "host/chassis.h"
 #include "module_fixture.h"
@@ -127,6 +125,21 @@ constexpr Settings settings[] = {
     {"set loop detect enable auto-recovery enable interface 1/1", "set loop detect enable auto-recovery disable interface 1/1"},
     {"set card work_mode slot 5 mode local", "set card work_mode slot 5 mode ces"},
     {"set ces service slot 5 port 1 dstmac 123456abcdef dstport 7 jitterbuf 64", "set ces service slot 5 port 1 dstmac 123456abcdef dstport 8 jitterbuf 64"},
+    {"set voice timer waiting time 4 start-timer 1 long-timer 2 short-timer 3 notify-immediately yes", "set voice timer waiting time 4 start-timer 1 long-timer 2 short-timer 3 notify-immediately no"},
+    {"set voice transport protocol tcp local port 5 encode compact", "set voice transport protocol udp local port 5 encode compact"},
+    {"set sip call-waiting-conference mode info1 sharp escape enable caller-id head from", "set sip call-waiting-conference mode info1 sharp escape disable caller-id head from"},
+    {"set mgc heartbeat initiative interval 5 timeouts 6 format notify", "set mgc heartbeat initiative interval 7 timeouts 6 format notify"},
+    {"set sip user call profile id 1 call-id type dtmf", "set sip user call profile id 1 call-id type sdmf"},
+    {"set dsp profile id 1 input gain 1 output gain 2", "set dsp profile id 1 input gain 1 output gain 3"},
+    {"set voice port telephone number 1 step 0 interface 3/1", "set voice port telephone number 2 step 0 interface 3/1"},
+    {"set voice port sip authentication user u password p interface 3/1", "set voice port sip authentication user v password p interface 3/1"},
+    {"set voice port dsp profile id 1 interface 3/1", "set voice port dsp profile id 0 interface 3/1"},
+    {"attach vdslLine profile id 7 interface 2/1", "attach vdslLine profile id 0 interface 2/1"},
+    {"attach vdslser profile id 7 interface 2/1", "attach vdslser profile id 0 interface 2/1"},
+    {"attach vdslpbo profile id 7 interface 2/1", "attach vdslpbo profile id 0 interface 2/1"},
+    {"attach vdslcpsd profile id 7 interface 2/1", "attach vdslcpsd profile id 0 interface 2/1"},
+    {"attach vdslvn profile id 7 interface 2/1", "attach vdslvn profile id 0 interface 2/1"},
+    {"set rate-limit id 1 name g us-status enable us-cir 1000 ds-status enable ds-cir 2000", "set rate-limit id 1 name g us-status enable us-cir 1000 ds-status enable ds-cir 3000"},
     {"attach adslLine profile id 7 interface 1/1", "attach adslLine profile id 0 interface 1/1"},
     {"attach pvc profile id 3 interface 1/1", "attach pvc profile id 0 interface 1/1"},
     {"attach alarm profile id 7 interface 1/1", "attach alarm profile id 0 interface 1/1", true},
@@ -164,17 +177,6 @@ class FailingStores : public ModuleTest {
     }
   }
   ~FailingStores() override { host::clearChassis(); }
-
-  static std::string stored() {
-    std::string all;
-    std::vector<std::string> rows;
-    for (const std::string& table : host::tableNames()) {
-      host::listRows(table, rows);
-      std::ranges::sort(rows);
-      for (const std::string& row : rows) all += table + ' ' + row + '\n';
-    }
-    return all;
-  }
   Recorder recorder_;
 };
 
@@ -193,13 +195,14 @@ TEST_F(FailingStores, AreToldToAnOperator) {
 TEST_F(FailingStores, LeaveWhatWasThereUnlessALineSucceeds) {
   typed(CONFIG_NODE, "add adslLine profile a id 7");
   typed(CONFIG_NODE, "add pvc profile a id 3");
-  typed(CONFIG_NODE, "add alarm profile a id 7");
+  for (const std::string kind : {"alarm", "vdslLine", "vdslser", "vdslpbo", "vdslcpsd", "vdslvn"})
+    typed(CONFIG_NODE, "add " + kind + " profile a id 7");
   typed(CONFIG_NODE, "set rate-limit id 1 name g us-status enable us-cir 1000 ds-status enable ds-cir 2000");
   for (const auto& [line, otherLine, late] : settings) {
     EXPECT_TRUE(typed(CONFIG_NODE, line).ends_with(" = 0")) << line;
-    const std::string one = stored();
+    const std::string one = storedRows();
     EXPECT_TRUE(typed(CONFIG_NODE, otherLine).ends_with(" = 0")) << otherLine;
-    const std::string other = stored();
+    const std::string other = storedRows();
     EXPECT_NE(one, other) << line;
     for (const Fault fault : {Fault::connect, Fault::start, Fault::find, Fault::create, Fault::commit, Fault::alloc}) {
       bool failed = fault != Fault::alloc || !late;
@@ -208,7 +211,7 @@ TEST_F(FailingStores, LeaveWhatWasThereUnlessALineSucceeds) {
         const bool told = typed(CONFIG_NODE, line).ends_with(" = 0");
         failed = !host::faultPending(fault);
         host::clearFaults();
-        const std::string now = stored();
+        const std::string now = storedRows();
         EXPECT_TRUE(now == (told ? one : other) || (late && now == one)) << line << ": " << n << " of " << int(fault);
         typed(CONFIG_NODE, otherLine);
       }

@@ -1,11 +1,15 @@
 // Each number that a manager sets: where it stands in the frame, its lowest and highest value, and the code of the
 // others.
 
+#include <algorithm>
+
 #include "frames.h"
 #include "host/chassis.h"
 #include "module_fixture.h"
 
 namespace {
+
+using host::Fault;
 
 struct Edge {
   u32 at, width;  // in the body
@@ -190,6 +194,35 @@ TEST_F(FieldEdges, EachHasItsCode) {
       expect(edge.highest, edge.codeOfHighest);
       expect(edge.lowest - 1, edge.code);
       expect(edge.highest + 1, edge.code);
+    }
+  }
+}
+
+// A store that fails under a frame is told, and has left what was there. Memory may fail behind it.
+TEST_F(FieldEdges, AreStoredOrRefused) {
+  for (const Kind& kind : kinds) {
+    const Edge& edge = *std::ranges::find_if(
+        kind.edges, [](const Edge& e) { return e.highest != e.lowest && e.codeOfHighest == 0 && e.codeOfLowest == 0; });
+    Bytes other = with(kind.body, edge, edge.lowest);
+    if (other == kind.body) other = with(kind.body, edge, edge.highest);
+    ASSERT_EQ(codeFor(kind, other), 0) << kind.message;
+    const std::string before = storedRows();
+    ASSERT_EQ(codeFor(kind, kind.body), 0) << kind.message;
+    const std::string behind = storedRows();
+    ASSERT_NE(before, behind) << kind.message;
+    ASSERT_EQ(codeFor(kind, other), 0) << kind.message;
+    for (const Fault fault : {Fault::connect, Fault::start, Fault::find, Fault::create, Fault::commit, Fault::alloc}) {
+      bool failed = true;
+      for (u32 n = 1; failed; ++n) {
+        host::failNth(fault, n);
+        const int code = codeFor(kind, kind.body);
+        failed = !host::faultPending(fault);
+        host::clearFaults();
+        const std::string now = storedRows();
+        EXPECT_TRUE(now == (code == 0 ? behind : before) || (fault == Fault::alloc && now == behind))
+            << kind.message << ": " << n << " of " << int(fault) << ": " << code;
+        ASSERT_EQ(codeFor(kind, other), 0) << kind.message;
+      }
     }
   }
 }

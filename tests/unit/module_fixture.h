@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <string>
 #include <vector>
 
@@ -14,6 +15,7 @@
 #include "host/links.h"
 #include "host/observer.h"
 #include "host/pool.h"
+#include "host/profile_store.h"
 #include "host/registry.h"
 #include "host/terminal.h"
 
@@ -63,6 +65,21 @@ class ModuleTest : public testing::Test {
  private:
   u64 byDesign_ = 0;
 };
+
+// All rows of all tables, and all profiles.
+inline std::string storedRows() {
+  std::string all;
+  std::vector<std::string> rows;
+  for (const std::string& table : host::tableNames()) {
+    host::listRows(table, rows);
+    std::ranges::sort(rows);
+    for (const std::string& row : rows) all += table + ' ' + row + '\n';
+  }
+  std::vector<host::StoredProfile> profiles;
+  for (i16 type = 0; host::listProfiles(type, profiles); ++type)
+    for (const host::StoredProfile& one : profiles) all += one.name + ' ' + host::hexText(one.item) + '\n';
+  return all;
+}
 
 // A command of the operator: what it printed, then " = " and what its handler gave.
 inline std::string typed(int node, std::string_view line) {
