@@ -39,6 +39,7 @@ constexpr unsigned kMostSeconds = 120;  // of one run; then it hangs
 constexpr int kMostPieces = 1000;       // of an unfinished answer
 constexpr u32 kMostFailures = 20;       // of one file; then it is given up
 constexpr int kMostRuns = 64;           // of one child
+constexpr u32 kMostDirectives = 4096;   // of one file whose records are held against each other
 constexpr u32 kFollowing = 20;          // directives that are played behind a site's failure
 
 // Exit codes of a child: a new one goes on with the next point; a new one does the same runs again with care.
@@ -62,6 +63,7 @@ struct Progress {
   u32 points[host::kFaults] = {};
   bool careful = false;  // leaks are looked for behind each run
   bool finished = false;
+  u64 records[kMostDirectives] = {};  // of the run in which nothing fails; 0 where the file itself has ordered a fault
 };
 
 // What is swept: a file, and the points that fail in it one after the other.
@@ -157,6 +159,30 @@ void keepWhatCameBehind(const Swept& swept, const FailurePoint& point) {
   swept.behind->write(swept.number, found);
 }
 
+u64 summary(const Played& played) {
+  u64 sum = 1;
+  for (const std::string& line : played.record) sum = sum * 31 + std::hash<std::string>{}(line);
+  return sum;
+}
+
+// What nobody but the store can notice: a request that could not be stored has to say so. What else fails may go
+// unnoticed by design: an answer that a card does not give, a search that finds nothing.
+bool showsByItself(host::Fault kind) {
+  return kind == host::Fault::connect || kind == host::Fault::start || kind == host::Fault::create ||
+         kind == host::Fault::commit;
+}
+
+bool ordered() {
+  for (int kind = 0; kind < host::kFaults; ++kind)
+    if (host::faultPending(static_cast<host::Fault>(kind))) return true;
+  return false;
+}
+
+// The N-th directive with nothing failing, for comparison.
+void keepRecord(Progress& at, bool withOrder, const Played& played) {
+  if (at.directive < kMostDirectives) at.records[at.directive] = withOrder ? 0 : summary(played);
+}
+
 // One run with the progress' point failing, counted from the first directive on.
 std::string playOnce(const Swept& swept, Progress& at) {
   at.reached = false;
@@ -168,18 +194,25 @@ std::string playOnce(const Swept& swept, Progress& at) {
   for (int kind = 0; kind < host::kFaults; ++kind)
     begin[kind] = host::operationsCounted(static_cast<host::Fault>(kind));
   if (point != nullptr) arm(swept, *point, begin);
+  std::string broken;
   for (const Directive& directive : swept.scenario.directives) {
-    player.play(directive.action);
+    const bool withOrder = point == nullptr && ordered();
+    const Played played = player.play(directive.action);
+    if (point == nullptr) keepRecord(at, withOrder, played);
     if (point != nullptr && !at.reached && passed(point->order, begin)) {
       at.reached = true;
       at.reachedIn = at.directive;
       keepWhatCameBehind(swept, *point);
+      if (showsByItself(point->order.kind) && at.directive < kMostDirectives &&
+          summary(played) == at.records[at.directive])
+        broken = "it failed, and what is told is what is told without";
     }
     ++at.directive;
     if (at.reached && !swept.whole && at.directive > at.reachedIn + kFollowing) break;
   }
-  std::string broken;
-  player.play([&](Stage& stage, Outcome&) { broken = brokenRule(stage, fresh); });
+  player.play([&](Stage& stage, Outcome&) {
+    if (const std::string rule = brokenRule(stage, fresh); !rule.empty()) broken = rule;
+  });
   if (broken.empty() && point != nullptr && !at.reached) broken = "a point of the first run is not reached again";
   return broken;
 }

@@ -106,6 +106,7 @@ TEST(ScenarioSweep, FindsEachBrokenRuleAtItsPoint) {
                           Case{"do crash", "file:2: cli do crash: alloc 1: ", "crash"},
                           Case{"do hold", "file:2: cli do hold: alloc 1: ", "semaphores held: 1"},
                           Case{"do open", "file:2: cli do open: connect 2: ", "connections open: 1"},
+                          Case{"do quiet", "file:2: cli do quiet: connect 1: ", "what is told is what is told without"},
                           Case{"do deaf", "file:2: cli do deaf: card send 1: ", "running-config gives -1"}}) {
     const Seen seen = run(sweepAll, "save\ncli " + std::string(one.command) + "\nsave\n");
     EXPECT_EQ(seen.result, kDiffers);
