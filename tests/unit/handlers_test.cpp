@@ -58,6 +58,31 @@ TEST_F(Handlers, FailWithWhatTheyRefuse) {
   host::clearChassis();
 }
 
+// Of the voice side, which can be called without the gateway: a request, a reply or its length that is not there.
+TEST_F(Handlers, OfMessagesRefuseWhatIsNotThere) {
+  std::vector<u8> reply(400000);
+  for (const host::Announced& message : host::announcedMessages()) {
+    if (message.id < 3073 || message.id > 3110) continue;
+    SnmpMsgEntry row;
+    EXPECT_EQ(getSnmpMsgInfo(message.id, &row), 0);
+    for (const int missing : {0, 1, 2}) {
+      u8 frame[400] = {}, last = 1;
+      u32 bytes = 0;
+      u8* const data = missing == 0 ? nullptr : frame;
+      u8* const to = missing == 1 ? nullptr : reply.data();
+      u32* const length = missing == 2 ? nullptr : &bytes;
+      const int set = row.msgSetMethod == nullptr
+                          ? -1
+                          : row.msgSetMethod(message.id, 1, data, sizeof frame, to, length, nullptr, nullptr);
+      const int get = row.msgGetMethod == nullptr
+                          ? -1
+                          : row.msgGetMethod(message.id, &last, data, sizeof frame, to, length, nullptr, nullptr);
+      EXPECT_TRUE(set == -1 && (get == -1 || missing == 0))
+          << message.id << ": " << set << " " << get << " without " << missing;
+    }
+  }
+}
+
 // Those without parameters do not count them; a profile's name may be missing, and is not the last word looked at.
 TEST_F(Handlers, OfCommandsRefuseANumberOfWordsThatNoLineHas) {
   char word[] = "7";

@@ -4,6 +4,8 @@
 #include <cstring>
 
 #include "combo/adsl/adsl_profile.h"
+#include "combo/port/port_enable_config.h"
+#include "combo/profile/profile_kind.h"
 #include "combo/pvc/pvc_profile.h"
 #include "common/answer.h"
 #include "common/card_exchange.h"
@@ -14,6 +16,8 @@
 #include "common/obj_attributes.h"
 #include "host/chassis.h"
 #include "module_fixture.h"
+#include "ppda/volt_current.h"
+#include "voice/alarm/ngn_alarm_prof.h"
 #include "voice/common/voice_msc.h"
 #include "voice/common/voice_obj.h"
 #include "voice/common/voice_public.h"
@@ -142,6 +146,49 @@ TEST_F(NullArguments, OfThePortListsAreTracedAndRefused) {
   ASSERT_EQ(nGetCurrentVoicePortList(3092, 267, 4, list_), 0);
   EXPECT_EQ(lstCount(list_), 64);
   EXPECT_EQ(static_cast<DataNode*>(lstLast(list_))->slot * 100 + static_cast<DataNode*>(lstLast(list_))->port, 532);
+}
+
+TEST_F(NullArguments, OfTheFeedValuesAreRefused) {
+  const std::vector<u8> wire(64);
+  std::vector<u8> out(64);
+  PotsFeed feed;
+  u32 count = 0, length = 0;
+  EXPECT_EQ(
+      refused({vparse_pots_voltcurrent_code(WireIn(wire).first(59), &feed), vparse_pots_voltcurrent_code(wire, nullptr),
+               vmsc_encode_pots_voltcurrent(nullptr, out, &length), vmsc_encode_pots_voltcurrent(&feed, out, nullptr),
+               vmsc_encode_pots_voltcurrent(&feed, WireOut(out).first(59), &length),
+               vencode_pots_voltcurrent(nullptr, out, &length),
+               vparse_set_pots_voltcurrent(WireIn(wire).first(3), &count, list_),
+               vparse_set_pots_voltcurrent(wire, nullptr, list_), vparse_set_pots_voltcurrent(wire, &count, nullptr),
+               vencode_pots_voltcurrent_handle(nullptr, out, &length),
+               vencode_pots_voltcurrent_handle(list_, out, nullptr),
+               vencode_pots_voltcurrent_handle(list_, WireOut(out).first(3), &length),
+               vcheck_pots_voltcurrent(nullptr, &err_), vcheck_pots_voltcurrent(&feed, nullptr),
+               vcheck_pots_voltcurrent_handle(nullptr, &err_)}),
+      "15/0");
+}
+
+// A write of records or ports: no error to fill; no list, or none of it; more records than a request may have.
+TEST_F(NullArguments, OfWritesAreRefused) {
+  constexpr u16 all = 0xFFFF;
+  u16 id = 3;
+  EXPECT_EQ(set_data_port_enable(nullptr, objects_, 0) + set_data_port_enable(&err_, nullptr, 1), -2);
+  EXPECT_EQ(set_data_port_enable(&err_, nullptr, kNoCount), 0);
+  EXPECT_EQ(attachPorts(adslLineKind, nullptr, objects_, 0) + attachPorts(adslLineKind, &err_, nullptr, 1), -2);
+  EXPECT_EQ(attachPorts(adslLineKind, &err_, nullptr, kNoCount), 0);
+  AdslPrfRecord record;
+  EXPECT_EQ(writeBatch(adslLineKind, nullptr, &record, 1) + writeBatch(adslLineKind, &err_, nullptr, 1) +
+                writeEach(adslLineKind, nullptr, &record, 1) + writeEach(adslLineKind, &err_, nullptr, 1) +
+                writeBatch(adslLineKind, &err_, &record, 1000) + writeEach(adslLineKind, &err_, &record, 1000),
+            -6);
+  EXPECT_EQ(writeBatch(adslLineKind, &err_, &record, kNoCount) + writeEach(adslLineKind, &err_, &record, kNoCount), 0);
+  EXPECT_EQ(deleteBatch(adslLineKind, nullptr, &id, 1) + deleteBatch(adslLineKind, &err_, nullptr, 1), -2);
+  AlarmPrfRecord alarm;
+  EXPECT_EQ(set_alarm_prf(nullptr, &alarm, 1) + set_alarm_prf(&err_, nullptr, 1) +
+                set_alarm_prf(&err_, &alarm, all - 1) + delete_spc_alarm_prf(nullptr, &id, 1) +
+                delete_spc_alarm_prf(&err_, nullptr, 1),
+            -5);
+  EXPECT_EQ(set_alarm_prf(&err_, nullptr, kNoCount), 0);
 }
 
 TEST_F(NullArguments, TheOptionOfACheckIsTheMessages) {
