@@ -176,9 +176,11 @@ class FieldEdges : public ModuleTest {
     typed(CONFIG_NODE, "set sip user call profile 1 name one");
   }
   ~FieldEdges() override { host::clearChassis(); }
-  static int codeFor(const Kind& kind, const Bytes& body) {
-    return static_cast<u16>(set(kind.message, join({kind.head, body})));
+  static Bytes replyTo(const Kind& kind, const Bytes& body) {
+    Bytes request = join({kind.head, body});
+    return *host::agentSet(kind.message, true, &request).reply;
   }
+  static int codeFor(const Kind& kind, const Bytes& body) { return static_cast<u16>(codeOf(replyTo(kind, body))); }
 };
 
 TEST_F(FieldEdges, EachHasItsCode) {
@@ -192,8 +194,14 @@ TEST_F(FieldEdges, EachHasItsCode) {
       };
       expect(edge.lowest, edge.codeOfLowest);
       expect(edge.highest, edge.codeOfHighest);
-      expect(edge.lowest - 1, edge.code);
-      expect(edge.highest + 1, edge.code);
+      for (const i64 outside : {edge.lowest - 1, edge.highest + 1}) {
+        expect(outside, edge.code);
+        // The answer has the value, of a profile's field the profile.
+        const Bytes reply = replyTo(kind, with(kind.body, edge, outside));
+        const Bytes told =
+            kind.message > 30000 ? join({number(2, 5), name("five")}) : number(edge.width, static_cast<u32>(outside));
+        EXPECT_EQ(Bytes(reply.begin() + 16, reply.end()), told) << kind.message << " at " << edge.at;
+      }
     }
   }
 }
