@@ -346,41 +346,53 @@ bool sweepFile(const Swept& swept) {
   return at.failures == 0;
 }
 
-// Files that all workers take from, the ones with most points first.
-struct Shared {
-  std::atomic<std::size_t> next{0};
-  std::atomic<std::size_t> passed{0};
-};
-
-// A round over files: the points of each fail, those of the first behind a run with nothing failing; what comes behind
-// them goes to `behind`, if it is there, and then a run ends soon behind its point. The number of files that pass.
-std::size_t sweepRound(const std::string& module, const std::vector<Scenario>& scenarios,
-                       const std::vector<FoundPoints>& found, PointFile* behind, bool first) {
-  std::vector<std::size_t> order(scenarios.size());
-  std::iota(order.begin(), order.end(), std::size_t{0});
-  std::ranges::sort(order, std::greater{}, [&](std::size_t i) { return found[i].points.size(); });
-  SharedMemory<Shared> shared;
-  const auto work = [&] {
-    for (std::size_t i; (i = (*shared).next++) < order.size();) {
-      const std::size_t file = order[i];
-      const Swept swept{module, scenarios[file], found[file].points, static_cast<u32>(file), behind == nullptr, behind};
-      if ((found[file].points.empty() && !first) || sweepFile(swept)) ++(*shared).passed;
-    }
+// Runs `work` with the numbers below `count` in processes, as many as there are processors; each takes the next number.
+// How often it gave true.
+template <class Work>
+std::size_t inWorkers(std::size_t count, const Work& work) {
+  struct Shared {
+    std::atomic<std::size_t> next{0};
+    std::atomic<std::size_t> good{0};
   };
+  SharedMemory<Shared> shared;
   std::fflush(nullptr);
   std::vector<pid_t> workers;
-  while (workers.size() < std::min<std::size_t>(std::thread::hardware_concurrency(), scenarios.size())) {
+  while (workers.size() < std::min<std::size_t>(std::thread::hardware_concurrency(), count)) {
     const pid_t worker = fork();
     if (worker < 0) throw std::system_error(errno, std::generic_category(), "fork");
     if (worker == 0) {
-      work();
+      for (std::size_t i; (i = (*shared).next++) < count;) (*shared).good += work(i) ? 1 : 0;
       endChild(0);
     }
     workers.push_back(worker);
   }
   for (const pid_t worker : workers)
     while (waitpid(worker, nullptr, 0) < 0 && errno == EINTR) continue;
-  return (*shared).passed;
+  return (*shared).good;
+}
+
+// A round over files, those with most points first: the points of each fail, those of the first round behind a run with
+// nothing failing. What comes behind them goes to `behind`; without it each run plays its whole file. The number of
+// files that pass.
+std::size_t sweepRound(const std::string& module, const std::vector<Scenario>& scenarios,
+                       const std::vector<FoundPoints>& found, PointFile* behind, bool first) {
+  std::vector<std::size_t> order(scenarios.size());
+  std::iota(order.begin(), order.end(), std::size_t{0});
+  std::ranges::sort(order, std::greater{}, [&](std::size_t i) { return found[i].points.size(); });
+  return inWorkers(order.size(), [&](std::size_t i) {
+    const std::size_t file = order[i];
+    const Swept swept{module, scenarios[file], found[file].points, static_cast<u32>(file), behind == nullptr, behind};
+    return (found[file].points.empty() && !first) || sweepFile(swept);
+  });
+}
+
+std::vector<FoundPoints> findAll(const std::string& module, const std::vector<Scenario>& scenarios) {
+  PointFile file;
+  inWorkers(scenarios.size(), [&](std::size_t i) {
+    findPoints(module, scenarios[i], static_cast<u32>(i), file);
+    return true;
+  });
+  return file.read(scenarios.size());
 }
 
 // What all files together know so far.
@@ -420,12 +432,9 @@ void writeCalls(const std::set<u64>& calls, const std::string& path) {
 }  // namespace
 
 int sweepFiles(const std::string& module, const std::vector<Scenario>& scenarios, const SweepOptions& options) {
-  std::vector<FoundPoints> found;
+  const std::vector<FoundPoints> found = findAll(module, scenarios);
   std::size_t points = 0;
-  for (const Scenario& scenario : scenarios) {
-    found.push_back(findPoints(module, scenario));
-    points += found.back().points.size();
-  }
+  for (const FoundPoints& one : found) points += one.points.size();
   Known known;
   std::vector<FoundPoints> fresh = keepNew(found, known);
   fmt::print("{} sites, {} points in {} files\n", known.sites.size(), points, scenarios.size());

@@ -72,10 +72,10 @@ FoundPoints play(const std::string& module, const Scenario& scenario) {
   return watchedPoints();
 }
 
-[[noreturn]] void playInChild(const std::string& module, const Scenario& scenario, PointFile& to) {
+[[noreturn]] void playInChild(const std::string& module, const Scenario& scenario, u32 number, PointFile& to) {
   alarm(kMostSeconds);
   try {
-    to.write(0, play(module, scenario));
+    to.write(number, play(module, scenario));
   } catch (const std::exception&) {
   }
   std::_Exit(0);
@@ -91,14 +91,12 @@ struct Item {
 
 }  // namespace
 
-FoundPoints findPoints(const std::string& module, const Scenario& scenario) {
-  PointFile file;
+void findPoints(const std::string& module, const Scenario& scenario, u32 number, PointFile& to) {
   std::fflush(nullptr);
   const pid_t child = fork();
   if (child < 0) throw std::system_error(errno, std::generic_category(), "fork");
-  if (child == 0) playInChild(module, scenario, file);
+  if (child == 0) playInChild(module, scenario, number, to);
   while (waitpid(child, nullptr, 0) < 0 && errno == EINTR) continue;
-  return std::move(file.read(1).front());
 }
 
 void watchPoints(const std::string& module, const u32 (&begin)[host::kFaults], Order first) {

@@ -29,9 +29,6 @@ struct FoundPoints {
   std::set<u64> calls;
 };
 
-// Plays a file with nothing failing, in a process of its own. None if that crashes or breaks off: a sweep tells why.
-FoundPoints findPoints(const std::string& module, const Scenario& scenario);
-
 // Notes the points that come from now on, counted from `begin` by kind; behind `first`, if there is one.
 void watchPoints(const std::string& module, const u32 (&begin)[host::kFaults], Order first);
 
@@ -52,5 +49,9 @@ class PointFile {
  private:
   int file_;
 };
+
+// Plays a file with nothing failing, in a process of its own, and writes its points. None if it crashes or breaks off:
+// a sweep tells why.
+void findPoints(const std::string& module, const Scenario& scenario, u32 number, PointFile& to);
 
 }  // namespace scenario
