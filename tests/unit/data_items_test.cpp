@@ -103,7 +103,9 @@ TEST_F(DataItems, PoliciesAsTheStandardAgentSeesThem) {
   EXPECT_EQ(std_snmp_get_pvc_downstream_policy_attach(1, 16, 3, policies, &length, rules, &ruleLength), 0);
   EXPECT_STREQ(rules, "");
   EXPECT_EQ(std_snmp_get_pvc_upstream_policy_attach(2, 1, 3, policies, &length, rules, &ruleLength), -1);
-  EXPECT_EQ(std_snmp_get_pvc_upstream_policy_attach(1, 16, 8, policies, &length, rules, &ruleLength), -1);
+  EXPECT_EQ(std_snmp_get_pvc_upstream_policy_attach(1, 16, 8, policies, &length, rules, &ruleLength) +
+                std_snmp_get_pvc_downstream_policy_attach(1, 16, 8, policies, &length, rules, &ruleLength),
+            -2);
   EXPECT_EQ(std_snmp_get_port_downstream_policy_attach(2, 1, policies, &length, rules, &ruleLength), 0);
   EXPECT_STREQ(rules, "video:");
   EXPECT_EQ(std_snmp_get_port_upstream_policy_attach(2, 2, policies, &length, rules, &ruleLength), -1);

@@ -183,6 +183,7 @@ TEST_F(NullArguments, OfWritesAreRefused) {
             -6);
   EXPECT_EQ(writeBatch(adslLineKind, &err_, &record, kNoCount) + writeEach(adslLineKind, &err_, &record, kNoCount), 0);
   EXPECT_EQ(deleteBatch(adslLineKind, nullptr, &id, 1) + deleteBatch(adslLineKind, &err_, nullptr, 1), -2);
+  EXPECT_EQ(deleteBatch(adslLineKind, &err_, &id, kNoCount), 0);
   AlarmPrfRecord alarm;
   EXPECT_EQ(set_alarm_prf(nullptr, &alarm, 1) + set_alarm_prf(&err_, nullptr, 1) +
                 set_alarm_prf(&err_, &alarm, all - 1) + delete_spc_alarm_prf(nullptr, &id, 1) +
