@@ -170,25 +170,33 @@ TEST_F(NullArguments, OfTheFeedValuesAreRefused) {
 
 // A write of records or ports: no error to fill; no list, or none of it; more records than a request may have.
 TEST_F(NullArguments, OfWritesAreRefused) {
-  constexpr u16 all = 0xFFFF;
   u16 id = 3;
   EXPECT_EQ(set_data_port_enable(nullptr, objects_, 0) + set_data_port_enable(&err_, nullptr, 1), -2);
   EXPECT_EQ(set_data_port_enable(&err_, nullptr, kNoCount), 0);
   EXPECT_EQ(attachPorts(adslLineKind, nullptr, objects_, 0) + attachPorts(adslLineKind, &err_, nullptr, 1), -2);
   EXPECT_EQ(attachPorts(adslLineKind, &err_, nullptr, kNoCount), 0);
-  AdslPrfRecord record;
-  EXPECT_EQ(writeBatch(adslLineKind, nullptr, &record, 1) + writeBatch(adslLineKind, &err_, nullptr, 1) +
-                writeEach(adslLineKind, nullptr, &record, 1) + writeEach(adslLineKind, &err_, nullptr, 1) +
-                writeBatch(adslLineKind, &err_, &record, 1000) + writeEach(adslLineKind, &err_, &record, 1000),
+  // The default profile, which is checked and stays as it is.
+  std::vector<AdslPrfRecord> records(1026);
+  for (AdslPrfRecord& record : records) fillDefaults(adslLineKind, &record);
+  EXPECT_EQ(writeBatch(adslLineKind, nullptr, records.data(), 1) + writeBatch(adslLineKind, &err_, nullptr, 1) +
+                writeEach(adslLineKind, nullptr, records.data(), 1) + writeEach(adslLineKind, &err_, nullptr, 1) +
+                writeBatch(adslLineKind, &err_, records.data(), 1026) +
+                writeEach(adslLineKind, &err_, records.data(), 1026),
             -6);
-  EXPECT_EQ(writeBatch(adslLineKind, &err_, &record, kNoCount) + writeEach(adslLineKind, &err_, &record, kNoCount), 0);
+  EXPECT_EQ(
+      writeBatch(adslLineKind, &err_, records.data(), 1025) + writeEach(adslLineKind, &err_, records.data(), 1025), 0);
+  EXPECT_EQ(writeBatch(adslLineKind, &err_, records.data(), kNoCount) +
+                writeEach(adslLineKind, &err_, records.data(), kNoCount),
+            0);
   EXPECT_EQ(deleteBatch(adslLineKind, nullptr, &id, 1) + deleteBatch(adslLineKind, &err_, nullptr, 1), -2);
   EXPECT_EQ(deleteBatch(adslLineKind, &err_, &id, kNoCount), 0);
-  AlarmPrfRecord alarm;
-  EXPECT_EQ(set_alarm_prf(nullptr, &alarm, 1) + set_alarm_prf(&err_, nullptr, 1) +
-                set_alarm_prf(&err_, &alarm, all - 1) + delete_spc_alarm_prf(nullptr, &id, 1) +
+  std::vector<AlarmPrfRecord> alarms(22);
+  for (AlarmPrfRecord& alarm : alarms) fill_alarm_prf_dft_para(&alarm);
+  EXPECT_EQ(set_alarm_prf(nullptr, alarms.data(), 1) + set_alarm_prf(&err_, nullptr, 1) +
+                set_alarm_prf(&err_, alarms.data(), 22) + delete_spc_alarm_prf(nullptr, &id, 1) +
                 delete_spc_alarm_prf(&err_, nullptr, 1),
             -5);
+  EXPECT_EQ(set_alarm_prf(&err_, alarms.data(), 21), 0);
   EXPECT_EQ(set_alarm_prf(&err_, nullptr, kNoCount), 0);
 }
 
