@@ -11,6 +11,7 @@
 #include <thread>
 #include <tuple>
 
+#include "constants.h"
 #include "host/links.h"
 #include "link_queue.h"
 
@@ -160,12 +161,14 @@ int dm_MakeCmdPkt_EPON(u16 slot, u16 id, const void* payload, u32 length) {
   return host::sendToCard(host::Link::epon, slot, id, payload, length);
 }
 
-int gpon_send_and_wait_for_response_copy(u16 slot, u16 id, i32, const void* request, u32 requestLen, void* response,
-                                         u32* responseLen, i32) {
+int gpon_send_and_wait_for_response_copy(u16 slot, u16 id, i32 c0, const void* request, u32 requestLen, void* response,
+                                         u32* responseLen, i32 c1) {
+  if (host::constantsDiffer(__func__, 0, {c0, c1})) return -1;
   return host::askCard(host::Link::gpon, slot, id, host::bytesOf(request, requestLen), response, responseLen);
 }
 
-int gepon_send_and_wait_for_response_copy(u16 slot, u16 id, i32, i32, const void* request, u32 requestLen,
-                                          void* response, u32* responseLen, i32) {
+int gepon_send_and_wait_for_response_copy(u16 slot, u16 id, i32 c0, i32 c1, const void* request, u32 requestLen,
+                                          void* response, u32* responseLen, i32 c2) {
+  if (host::constantsDiffer(__func__, 0, {c0, c1, c2})) return -1;
   return host::askCard(host::Link::gepon, slot, id, host::bytesOf(request, requestLen), response, responseLen);
 }

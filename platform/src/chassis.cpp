@@ -6,6 +6,7 @@
 #include <charconv>
 #include <mutex>
 
+#include "constants.h"
 #include "host/log.h"
 
 namespace host {
@@ -194,9 +195,10 @@ int answer(bool yes, u32* out) {
 
 bool isReal(u32 slot) { return (slot >= 1 && slot <= host::kSlots) || slot == host::kControlUnit; }
 
-int portTypeOf(u16 cardType, u16* portType) {
+// All ports of a card are of one type.
+int portTypeOf(u16 cardType, u16 port, u16* portType) {
   const CardType* type = host::typeByNumber(cardType);
-  if (type == nullptr || portType == nullptr) return -1;
+  if (type == nullptr || port == 0 || portType == nullptr) return -1;
   *portType = type->portType;
   return 0;
 }
@@ -235,14 +237,16 @@ int get_slot_port_num_by_slotno(u16 slot) {
   return ddGetBoardServePortAmountByType(static_cast<u16>(get_config_card_type(slot)), &amount) == 0 ? amount : 0;
 }
 
-int gpon_slot_online_port_common_examine(i32, u16 slot, u16 port, i32) {
+int gpon_slot_online_port_common_examine(i32, u16 slot, u16 port, i32 constant) {
+  if (host::constantsDiffer(__func__, 0, {constant})) return -1;
   const bool online = get_card_type(slot) > 0 && port >= 1 && port <= get_slot_port_num_by_slotno(slot);
   return online ? 0 : -1;
 }
 
-// All ports of a card are of one type.
-int ddGetPortTypeByBoardType(u16 cardType, u16, u16* portType) { return portTypeOf(cardType, portType); }
-int dm_get_port_type(u16 cardType, i32, i32, u16, u16* portType) { return portTypeOf(cardType, portType); }
+int ddGetPortTypeByBoardType(u16 cardType, u16 port, u16* portType) { return portTypeOf(cardType, port, portType); }
+int dm_get_port_type(u16 cardType, i32 c0, i32 c1, u16 port, u16* portType) {
+  return host::constantsDiffer(__func__, 0, {c0, c1}) ? -1 : portTypeOf(cardType, port, portType);
+}
 
 int caCheckCardTypeIsADSLCard(u16 cardType) { return host::familyAnswer(cardType, host::ADSL); }
 int caCheckCardTypeIsVDSLCard(u16 cardType) { return host::familyAnswer(cardType, host::VDSL); }
@@ -262,7 +266,8 @@ int get_card_type_status(u16 slot, u32* type, u32* subtype) {
   return host::cardState(slot) == CardState::up ? 0 : 1;
 }
 
-int service_slot_author_port_common_examine(i32, u16 slot, u16 port, i32) {
+int service_slot_author_port_common_examine(i32, u16 slot, u16 port, i32 constant) {
+  if (host::constantsDiffer(__func__, 0, {constant})) return -1;
   constexpr int kNoSlot = -3, kNoPort = -5;
   const int card = get_config_card_type(slot);
   u16 ports = 0;

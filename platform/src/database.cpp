@@ -5,6 +5,7 @@
 #include <array>
 #include <atomic>
 
+#include "constants.h"
 #include "database_store.h"
 #include "host/database.h"
 #include "host/faults.h"
@@ -145,9 +146,10 @@ void dbCommon_freeConnectRes(DbConnection connection) {
     host::platformError("database: a connection is given back that nobody has");
 }
 
-int mco_trans_start_(DbConnection connection, int mode, int, mco_trans_h* transaction, const char* file, int line,
-                     const char* function) {
-  if (!isUsable(connection) || transaction == nullptr || (mode != DB_READ_ONLY && mode != DB_READ_WRITE))
+int mco_trans_start_(DbConnection connection, int mode, int constant, mco_trans_h* transaction, const char* file,
+                     int line, const char* function) {
+  if (!isUsable(connection) || transaction == nullptr || (mode != DB_READ_ONLY && mode != DB_READ_WRITE) ||
+      host::constantsDiffer(__func__, 0, {constant}))
     return DB_BAD_ARGUMENT;
   if (host::faultDue(host::Fault::start)) {
     store::countFailure();
@@ -179,7 +181,8 @@ int mco_trans_rollback(mco_trans_h t) {
   return DB_OK;
 }
 
-const char* mco_ret_string(int code, int) {
+const char* mco_ret_string(int code, int constant) {
+  if (host::constantsDiffer(__func__, 0, {constant})) return "";
   switch (code) {
     case DB_OK:
       return "success";

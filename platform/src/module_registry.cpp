@@ -3,6 +3,7 @@
 #include <atomic>
 #include <mutex>
 
+#include "constants.h"
 #include "host/agent.h"
 #include "host/flow_store.h"
 #include "host/profile_store.h"
@@ -21,8 +22,8 @@ std::atomic<bool> isMaster{true};
 
 }  // namespace
 
-i32 modInitRegister(const char* name, i32, LoadCallback load, const void*, i32, i32, i32) {
-  if (name == nullptr) return -1;
+i32 modInitRegister(const char* name, i32 c0, LoadCallback load, const void* none, i32 c1, i32 c2, i32 c3) {
+  if (name == nullptr || none != nullptr || host::constantsDiffer(__func__, 0, {c0, c1, c2, c3})) return -1;
   const std::lock_guard lock(mutex);
   const auto id = static_cast<i32>(records().size()) + 1;
   records().push_back({name, id, load, 0, {}});

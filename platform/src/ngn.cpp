@@ -1,5 +1,6 @@
 #include "platform/ngn.h"
 
+#include "constants.h"
 #include "host/links.h"
 #include "link_queue.h"
 
@@ -8,7 +9,8 @@ using host::Fault;
 using host::Link;
 using host::Observer;
 
-int writeNgnCmd(u16 id, i32, const void* data, u32 length, i32, i32, i32, i32) {
+int writeNgnCmd(u16 id, i32 c0, const void* data, u32 length, i32 c1, i32 c2, i32 c3, i32 c4) {
+  if (host::constantsDiffer(__func__, 0, {c0, c1, c2, c3, c4})) return -1;
   if (host::linksHeld()) return 0;
   host::told([=](Observer& observer) { observer.send(Link::ngn, 0, id, bytesOf(data, length)); });
   const int result = host::sendResult(Fault::ngnSend, Link::ngn, 0, id);
@@ -16,7 +18,8 @@ int writeNgnCmd(u16 id, i32, const void* data, u32 length, i32, i32, i32, i32) {
   return result;
 }
 
-int readNgnCmd(u16 id, i32, const void* request, u32 requestLen, void* response, u32* responseLen, i32, i32) {
+int readNgnCmd(u16 id, i32 c0, const void* request, u32 requestLen, void* response, u32* responseLen, i32 c1, i32 c2) {
+  if (host::constantsDiffer(__func__, 0, {c0, c1, c2})) return -1;
   if (host::linksHeld()) return -1;
   host::told([=](Observer& observer) { observer.ask(Link::ngn, 0, id, bytesOf(request, requestLen)); });
   const int result =

@@ -5,6 +5,7 @@
 #include <mutex>
 #include <new>
 
+#include "constants.h"
 #include "host/faults.h"
 #include "host/log.h"
 #include "host/pool.h"
@@ -98,8 +99,8 @@ POOL_OWN Header* behind(const Header* header) { return show(header->next); }
 
 }  // namespace
 
-i32 mpuCreate(const char* name, u32 size, i32, i32) {
-  if (name == nullptr || size == 0) return -1;
+i32 mpuCreate(const char* name, u32 size, i32 c0, i32 c1) {
+  if (name == nullptr || size == 0 || host::constantsDiffer(__func__, 1, {c0, c1})) return -1;
   const std::lock_guard lock(mutex);
   pools().push_back({name, size});
   return static_cast<i32>(pools().size());

@@ -5,6 +5,7 @@
 #include <memory>
 #include <mutex>
 
+#include "constants.h"
 #include "host/agent.h"
 #include "host/log.h"
 #include "host/watcher.h"
@@ -96,7 +97,8 @@ std::optional<std::vector<u8>> takeReply(u16 id, const u8* reply, u32 length) {
 
 }  // namespace
 
-int installSnmpCommand(u16 id, const char* text, i32, i32, i32) {
+int installSnmpCommand(u16 id, const char* text, i32 c0, i32 c1, i32) {
+  if (host::constantsDiffer(__func__, 1, {c0, c1})) return -1;
   const std::lock_guard lock(mutex);
   announced().push_back({id, text != nullptr ? text : ""});
   return 0;

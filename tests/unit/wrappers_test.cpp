@@ -6,6 +6,11 @@
 #include <thread>
 
 #include "host/semaphores.h"
+#include "platform/cards.h"
+#include "platform/module_registry.h"
+#include "platform/ngn.h"
+#include "platform/objects.h"
+#include "platform/pool.h"
 
 namespace {
 
@@ -21,6 +26,24 @@ TEST(Wrappers, NumbersStayWithinTheirWidth) {
                      {"-2147483649", -2147483647 - 1},
                      {"99999999999999999999", 2147483647}};
   for (const auto& [text, value] : cases) EXPECT_EQ(bep_atoiEx(text), value) << text;
+}
+
+TEST(Wrappers, ArgumentsWithOneValueHaveIt) {
+  u8 answer[4];
+  u32 length = sizeof answer;
+  u16 type = 0;
+  for (int i = 0; i < 5; ++i) {
+    const auto at = [i](int place) { return i == place ? 1 : 0; };
+    EXPECT_EQ(writeNgnCmd(1, at(0), "", 1, at(1), at(2), at(3), at(4)), -1);
+    EXPECT_EQ(modInitRegister("m", at(0), nullptr, i == 1 ? answer : nullptr, at(2), at(3), at(4)), -1);
+    if (i > 2) continue;
+    EXPECT_EQ(gepon_send_and_wait_for_response_copy(1, 1, at(0), at(1), "", 1, answer, &length, at(2)), -1);
+    if (i > 1) continue;
+    EXPECT_EQ(dm_get_port_type(62, at(0), at(1), 1, &type), -1);
+    EXPECT_EQ(mpuCreate("p", 1, i, 1 - i), -1);
+  }
+  EXPECT_EQ(dm_get_port_type(62, 0, 0, 1, &type), 0);
+  EXPECT_EQ(dm_get_port_type(62, 0, 0, 0, &type), -1);  // ports count from 1
 }
 
 class Semaphores : public testing::Test {
