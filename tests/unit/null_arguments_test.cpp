@@ -46,7 +46,9 @@ class NullArguments : public ModuleTest {
     return std::to_string(std::ranges::count(results, -1)) + "/" + std::to_string(lines);
   }
 
-  Recorder recorder_;
+  struct : Recorder {
+    void log(i32, std::string_view text) override { lines.emplace_back(text); }
+  } recorder_;
   host::CaptureOutput capture_;
   DataList list_;
   ObjList objects_;
@@ -249,6 +251,27 @@ TEST_F(NullArguments, OfTheObjectModelAreRefused) {
   EXPECT_EQ(sysGetSlotAuthedType(3, nullptr, &other), -1);
   EXPECT_EQ(ObjIndexConvertSlotNoPort(&slot, &other, &type, nullptr), -2);
   EXPECT_EQ(isObjAuthed(nullptr), 0);
+  std::string authorised;
+  for (const ObjIndex& object : std::initializer_list<ObjIndex>{
+           {1, 1, {1}}, {62, 2, {1, 3}}, {62, 2, {1, 4}}, {600, 3, {1, 3, 1}}, {600, 3, {1, 4, 1}}, {62, 4, {1, 3}}}) {
+    authorised += std::to_string(isObjAuthed(&object)) + std::to_string(isObjAndTypeMatch(&object, 62)) + " ";
+  }
+  EXPECT_EQ(authorised, "1-1 10 0-1 1-1 0-1 0-1 ");
+  const ObjIndex ofNoCard{600, 3, {1, 4, 1}}, unlevelled{1, 4, {1}};
+  EXPECT_EQ(GetFatherIndexForSonIndex(&ofNoCard, &father), -1);
+  EXPECT_EQ(InCheckObjBaseErr(nullptr, 0, &err_) + InCheckObjBaseErr(&ofNoCard, 0, nullptr) +
+                InCheckObjExtErr(1, 1, nullptr, 0, &err_) + InCheckObjExtErr(1, 1, &ofNoCard, 0, nullptr) +
+                checkObjErr(1, 1, nullptr, 0, &err_) + checkObjErr(1, 1, &ofNoCard, 0, nullptr) +
+                checkObjErr(1, 1, &unlevelled, 0, &err_) + parseSection("1", nullptr) +
+                CliInputConvertObjIndex(nullptr, objects_) + CliInputConvertObjIndex("1", nullptr) +
+                insert_sort_list(nullptr, objects_, CliAddrFun) + insert_sort_list(&port, nullptr, CliAddrFun) +
+                insert_sort_list(&port, objects_, nullptr),
+            -13);
+  const CliAddr addresses[] = {{3, 3, 7, 1}, {3, 3, 7, 2}, {3, 3, 8, 0}, {3, 5, 1, 0}};
+  for (int i = 0; i < 3; ++i) {
+    EXPECT_EQ(CliAddrFun(&addresses[i], &addresses[i + 1]), -1);
+    EXPECT_EQ(CliAddrFun(&addresses[i + 1], &addresses[i]), 1);
+  }
   Vty vty;
   const CliAddr slot4{1, 4, 0, 0}, third{3, 3, 1, 1};
   EXPECT_EQ(trans_cli_addr_2objlabel(&vty, nullptr, &port) + trans_cli_addr_to_obj_label(&vty, &slot4, nullptr) +
@@ -267,6 +290,7 @@ TEST_F(NullArguments, OfTheObjectModelAreRefused) {
   EXPECT_EQ(InForEachTargetTree(nullptr, objects_, 0, types, 1), -1);
   EXPECT_EQ(ForEachTargetTree(&port, objects_, 0, types, 0), 0);
   EXPECT_EQ(lstCount(objects_), 2 + 64) << "no types: both slots, and all ports";
+  EXPECT_EQ(recorder_.take().size(), 8U) << "log lines";
 }
 
 TEST_F(NullArguments, OfListsAndFramesAreRefused) {
@@ -304,6 +328,12 @@ TEST_F(NullArguments, OfListsAndFramesAreRefused) {
                 get_gepon_slot_msan_state_base_ex(0, 3, 2825, bytes, 32, nullptr, &length),
             -3);
   EXPECT_EQ(SnmpMsgRegister(nullptr) + getSnmpMsgInfo(3087, nullptr) + setSnmpMsgFragInfo(3087, nullptr), -3);
+  SnmpMsgEntry entry;
+  EXPECT_EQ(getSnmpMsgInfo(1, &entry) + setSnmpMsgFragInfo(1, &entry) + clearSnmpMsgFragInfo(1), -3);
+  EXPECT_EQ(getSnmpMsgInfo(3087, &entry) + setSnmpMsgFragInfo(3087, &entry) + clearSnmpMsgFragInfo(3087), 0);
+  buildSnmpErrRetPkt(nullptr, &length, 1, &err_);
+  buildSnmpErrRetPkt(bytes, nullptr, 1, &err_);
+  EXPECT_EQ(recorder_.take().size(), 12U) << "log lines";
   EXPECT_EQ(refused({nStringIP2ULongIP(nullptr, &address), nStringIP2ULongIP("1.2.3.4", nullptr),
                      nULongIP2StringIP(1, nullptr), nParseGeneralIP2LocalIP(bytes, nullptr, &length),
                      nParseLocalIP2GeneralIP(bytes, WireOut(), &length), nEncodeLocalIP(nullptr, bytes, &length),

@@ -102,6 +102,9 @@ TEST_F(ObjectTest, WalkFindsTheWantedTypes) {
   EXPECT_EQ(walk(0, kCardUp, {600}), "0");
   host::setCardState(3, host::CardState::present);
   EXPECT_EQ(walk(0, kCardPresent, {600, 817}), "32 3/1 3/32");
+  EXPECT_EQ(walk(0, kCardUp, {600, 817}), "0");
+  host::setCardState(5, host::CardState::up);
+  EXPECT_EQ(walk(0, kCardUp, {600, 817}), "32 5/1 5/32");
   EXPECT_EQ(walk(0, kAnyCard, {600}), "0") << "a flag that a check takes and a walk does not know";
 }
 
