@@ -12,9 +12,11 @@ ServiceSlots::ServiceSlots() : known_(getServeSlots(slots_, &count_) == 0) {
   if (!known_) count_ = 0;
 }
 
-static u16 portsOf(int card) {
+// 0 for a type that is no card's.
+static u16 portsOf(u16 card) {
   u16 ports = 0;
-  return ddGetBoardServePortAmountByType(static_cast<u16>(card), &ports) == 0 ? ports : u16{0};
+  ddGetBoardServePortAmountByType(card, &ports);
+  return ports;
 }
 
 std::optional<u16> dataPortsOf(u16 slot) {
@@ -24,8 +26,8 @@ std::optional<u16> dataPortsOf(u16 slot) {
 }
 
 std::optional<u16> potsPortsOf(u16 slot) {
-  const int card = get_config_card_type(slot);
-  if (card <= 0 || caCheckCardTypeIsMsanPotsCard(static_cast<u16>(card)) != 0) return {};
+  const auto card = static_cast<u16>(get_config_card_type(slot));
+  if (caCheckCardTypeIsMsanPotsCard(card) != 0) return {};
   return portsOf(card);
 }
 
@@ -42,11 +44,8 @@ int std_snmp_next_dsl_port_get(u16* slot, u16* port) {
   if (slot == nullptr || port == nullptr) return kNullArgument;
   const int card = get_valid_servicecard_type(*slot);
   if (card < 0) return card;
-  u16 ports = 0;
-  if (caCheckCardTypeIsMsanDataCard(static_cast<u16>(card)) != 0 ||
-      ddGetBoardServePortAmountByType(static_cast<u16>(card), &ports) != 0 || ports == 0) {
-    return kNoDataCard;
-  }
+  const u16 ports = portsOf(static_cast<u16>(card));
+  if (caCheckCardTypeIsMsanDataCard(static_cast<u16>(card)) != 0 || ports == 0) return kNoDataCard;
   return nextPortOf(ports, isConfiguredDataCard, slot, port);
 }
 

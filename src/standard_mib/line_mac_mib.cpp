@@ -8,9 +8,9 @@
 #include "common/msan_init.h"
 #include "common/wire.h"
 #include "data/mac/line_mac_table.h"
-#include "msan/standard_mib.h"
 #include "platform/cards.h"
 #include "platform/objects.h"
+#include "standard_mib/ports.h"
 
 enum MibError : int { kEnd = -2, kNoSuchPort = -3, kNullValue = -24, kNoMemory = -22, kNoDataCard = -102 };
 
@@ -20,18 +20,16 @@ static constexpr u32 kMostOfPvc = 32767;
 
 // The card that is there, if it is a data card, and its ports; 0 otherwise.
 static u16 portsOf(u16 slot) {
-  const int card = get_exist_card_type(slot);
+  const auto card = static_cast<u16>(get_exist_card_type(slot));
   u16 ports = 0;
-  if (card <= 0 || caCheckCardTypeIsMsanDataCard(static_cast<u16>(card)) != 0) return 0;
-  return ddGetBoardServePortAmountByType(static_cast<u16>(card), &ports) == 0 ? ports : u16{0};
+  if (caCheckCardTypeIsMsanDataCard(card) == 0) ddGetBoardServePortAmountByType(card, &ports);
+  return ports;
 }
 
 // Port 1 of the first such slot behind `slot`.
 static int firstBehind(u16 slot, u16* nextSlot, u16* nextPort) {
-  u32 slots[100];
-  u32 count = 0;
-  if (ddGetServeSlotList(slots, 100, &count) != 0) return kEnd;
-  for (const u32 next : std::span(slots, count)) {
+  const ServiceSlots slots;
+  for (const u32 next : slots.list()) {
     if (next <= slot || portsOf(static_cast<u16>(next)) == 0) continue;
     *nextSlot = static_cast<u16>(next);
     *nextPort = 1;

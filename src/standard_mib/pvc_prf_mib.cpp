@@ -40,7 +40,6 @@ int std_snmp_pvc_prf_add(const StdPvcPrf* view) { return view != nullptr ? write
 
 int std_snmp_pvc_prf_del(u16 id) {
   SnmpErrInfo err;
-  if (checkIdLegalExp0(pvcKind, &err, id) != 0) return -1;
   return del_spc_pvc_prf(&err, &id, 1);
 }
 

@@ -1,13 +1,12 @@
 // Rate limits as the standard MIB agent works on them.
 
 #include <cstring>
-#include <span>
 
 #include "common/report.h"
 #include "data/rate/port_rate_bind.h"
 #include "data/rate/port_rate_profile.h"
-#include "msan/standard_mib.h"
 #include "platform/objects.h"
+#include "standard_mib/ports.h"
 
 // --- Profiles ---
 
@@ -135,10 +134,8 @@ int std_snmp_rate_prf_attach_by_name(u16 slot, u16 port, const char* name) {
 
 int std_snmp_get_attach_bw_first_prfid(u16* slot, u16* port, u16* id) {
   if (slot == nullptr || port == nullptr || id == nullptr) return kRateNull;
-  u32 slots[100];
-  u32 count = 0;
-  if (ddGetServeSlotList(slots, 100, &count) != 0) return -1;
-  for (const u32 number : std::span(slots, count)) {
+  const ServiceSlots slots;
+  for (const u32 number : slots.list()) {
     const auto at = static_cast<u16>(number);
     const u16 ports = dataPorts(at);
     for (u16 i = 1; i <= ports; ++i) {
