@@ -157,16 +157,14 @@ static u16 buildAndSend(LIST* list) {
   return code;
 }
 
-// True if a POTS card is configured in the slot.
-static bool isPotsCard(int card) { return card > 0 && caCheckCardTypeIsMsanPotsCard(static_cast<u16>(card)) == 0; }
+// True if a POTS card is configured in the slot. That there is none at all is traced.
+static bool isPotsSlot(u16 slot) {
+  if (get_config_card_type(slot) == 0) areaTrace<Area::ppda>("no card is configured in slot %d", slot);
+  return vCheckSlotNo(slot, kPotsCardKind) == 0;
+}
 
 void vdistrib_pots_voltcurrent(u16 slot) {
-  const int card = get_config_card_type(slot);
-  if (card <= 0) {
-    areaTrace<Area::ppda>("no card is configured in slot %d", slot);
-    return;
-  }
-  if (!isPotsCard(card)) return;
+  if (!isPotsSlot(slot)) return;
   DataList list;
   if (vGetSlotObjManageDataHandle(slot, kFeedAttribute, kUnit, list) != 0) {
     areaTrace<Area::ppda>("get POTS feed voltage and current config of slot %d failed", slot);
@@ -202,13 +200,8 @@ int vdistrib_pots_voltcurrentx(LIST* addresses, const PotsFeed* record, SnmpErrI
 }
 
 int verase_pots_voltcurrent(u16 slot) {
-  const int card = get_config_card_type(slot);
-  if (card <= 0) {
-    areaTrace<Area::ppda>("no card is configured in slot %d", slot);
-    return -1;
-  }
   ObjList objects;
-  if (!isPotsCard(card) || vGetSlotObjIndex(slot, objects) != 0 || lstCount(objects) == 0) return -1;
+  if (!isPotsSlot(slot) || vGetSlotObjIndex(slot, objects) != 0 || lstCount(objects) == 0) return -1;
   for (NODE* cell = lstFirst(objects); cell != nullptr; cell = lstNext(cell)) {
     const auto* object = dataOf<const ObjIndex>(cell);
     const PotsFeed record{object->addr[1], object->addr[2], {}, kDefaultVoltage, kDefaultCurrent, {}};
@@ -285,7 +278,7 @@ int vsnmp_get_pots_voltcurrent(u16 id, u8* last, u8* data, i32 length, u8* reply
     return answerAndDump(id, err, reply, replyLen);
   }
   u32 bytes = 0;
-  const WireOut out(reply + kReplyArea, kMaxPacket - kReplyArea);
+  const WireOut out = WireOut(reply, kMaxPacket).subspan(kReplyArea);
   if (vGetObjManageDataHandle(kPotsPort, kFeedAttribute, kUnit, locations, records) != 0 ||
       vencode_pots_voltcurrent_handle(records, out, &bytes) != 0) {
     return answerFailed(id, reply, replyLen);

@@ -1,5 +1,7 @@
 // The commands of the feed values, and their part of the running configuration.
 
+#include <span>
+
 #include "common/commands.h"
 #include "common/interface_list.h"
 #include "common/msan_init.h"
@@ -67,7 +69,7 @@ int show_pots_voltcurrent_by_slot(u16 slot, Vty* vty) {
   vty_out(vty, "\r\n %24s", "------  ----------  -----------");
   for (u16 port = 1; port <= amount; ++port) {
     PotsFeed record;
-    if (!readPort(slot, port, record) || record.slot == 0 || record.port != port) continue;
+    if (!readPort(slot, port, record)) continue;
     vty_out(vty, "\r\n %4d %10lu   %10lu", port, static_cast<unsigned long>(record.voltage),
             static_cast<unsigned long>(record.current));
   }
@@ -84,7 +86,7 @@ static int showrunSlot(Vty* vty, u16 slot, u16 amount) {
       ulogPrintf(gModuleId_Msan, kLogDebug, "%s: no feed values for slot %d port %d.\r\n", __func__, slot, port);
       return -1;
     }
-    if (record.slot == 0 || record.port == 0 || (record.voltage == 42 && record.current == 22)) continue;
+    if (record.voltage == 42 && record.current == 22) continue;
     vty_out(vty, "set pots port feed voltage %d current %d interface %d/%d\r\n", static_cast<i32>(record.voltage),
             static_cast<i32>(record.current), record.slot, record.port);
   }
@@ -98,15 +100,11 @@ void vshow_run_pots_voltcurrent(Vty* vty) {
     ulogPrintf(gModuleId_Msan, kLogDebug, "%s: the slots can't be had.\r\n", __func__);
     return;
   }
-  for (u32 i = 0; i < count; ++i) {
-    const u16 slot = static_cast<u16>(slots[i]);
-    const int card = get_config_card_type(slot);
-    if (card <= 0 || caCheckCardTypeIsMsanPotsCard(static_cast<u16>(card)) != 0) continue;
+  for (const u32 listed : std::span(slots).first(count)) {
+    const u16 slot = static_cast<u16>(listed);
     u16 amount = 0;
-    if (ddGetBoardServePortAmountByType(static_cast<u16>(card), &amount) != 0 && amount != 0) {
-      ulogPrintf(gModuleId_Msan, kLogDebug, "%s: the ports of slot %d can't be had.\r\n", __func__, slot);
-      return;
-    }
+    if (vCheckSlotNo(slot, kPotsCardKind) != 0) continue;
+    ddGetBoardServePortAmountByType(static_cast<u16>(get_config_card_type(slot)), &amount);
     if (showrunSlot(vty, slot, amount) != 0) return;
   }
 }

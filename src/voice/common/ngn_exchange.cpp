@@ -7,8 +7,7 @@
 std::optional<u32> askNgn(u16 id, WireIn request, WireOut answer) {
   const u32 room = static_cast<u32>(answer.size());
   u32 length = room;
-  const u32 bytes = static_cast<u32>(request.size());
-  if (readNgnCmd(id, 0, bytes != 0 ? request.data() : nullptr, bytes, answer.data(), &length, 0, 0) != 0) return {};
+  if (readNgnCmd(id, 0, request.data(), static_cast<u32>(request.size()), answer.data(), &length, 0, 0) != 0) return {};
   return std::min(length, room);
 }
 

@@ -43,7 +43,7 @@ int snmpGet(const NodeView& view, const SnmpCall& call) {
   PoolBytes record;
   if (view.build != nullptr && (record = zeroed(view.bytes, where)) == nullptr) return -1;
   putNumber(call.reply + kReplyArea, 4, 1);
-  const WireOut form(call.reply + kForm, kMaxPacket - kForm);
+  const WireOut form = WireOut(call.reply, kMaxPacket).subspan(kForm);
   const WireOut answer = record != nullptr ? WireOut(record.get(), view.bytes) : form.first(view.bytes);
   const auto answered = askNgn(view.id, {}, answer);
   u32 length = answered.value_or(0);
@@ -106,7 +106,6 @@ int snmp_convert_msc(WireIn request, WireOut out, u32* count) {
   Writer list(out);
   list.skip(4);
   for (u32 i = 0; i < items && !in.failed(); ++i) {
-    if (total > kMaxLocations) return tooMany(total);
     const u16 slot = static_cast<u16>(in.number(2));
     const u16 port = static_cast<u16>(in.number(2));
     in.skip(kLocation - 4);
@@ -141,7 +140,7 @@ static int answerPorts(const PortView& view, const SnmpCall& call, WireIn list, 
   if (answer == nullptr) return -1;
   const auto answered = askNgn(view.id, list, WireOut(answer.get(), room));
   u32 length = 0;
-  const WireOut out(call.reply + kReplyArea, replyRoom(view.mostReply) - kReplyArea);
+  const WireOut out = WireOut(call.reply, replyRoom(view.mostReply)).subspan(kReplyArea);
   const WireIn units(answer.get(), answered.value_or(0));
   if (!answered || (view.build != nullptr ? view.build(units, out, &length)
                                           : build_snmp_cfm_packet(units, view.unit, view.gap, out, &length)) != 0)

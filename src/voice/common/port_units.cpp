@@ -125,7 +125,7 @@ int snmpGetPorts(const PortUnits& units, const SnmpCall& call, u32 bytes, int (*
     return answerError(call, err, "invalid SNMP command para", where);
   DataList list;
   if (gatherPorts(units, call, bytes, read, list, where) != 0) return -1;
-  Writer out(WireOut(call.reply + kReplyArea, kMaxPacket - kReplyArea));
+  Writer out(WireOut(call.reply, kMaxPacket).subspan(kReplyArea));
   if (encodePorts(units, list, out) != 0) return answerFailed(call, "SNMP confirm encode failed", where);
   return answerSuccess(call, out.length() + kReplyArea - 4);
 }

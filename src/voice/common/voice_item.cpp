@@ -1,7 +1,5 @@
 #include "voice/common/voice_item.h"
 
-#include <cstdio>
-
 #include "common/memory.h"
 #include "common/msan_init.h"
 #include "common/report.h"
@@ -149,11 +147,11 @@ static int acceptSet(const VoiceItem& item, const SnmpCall& call, LIST* list, Wh
 
 // Sends the request's own bytes from the end of its label on, reserved ones included: no copy of it is encoded again.
 // The last four of the label become 00 00 00 01. 0, or -1 if the message could not be built.
-static int forwardSet(const VoiceItem& item, const SnmpCall& call, u32 units) {
+static int forwardSet(const VoiceItem& item, const SnmpCall& call, const LIST* list) {
   u8* forward = call.data + kLabelAt + item.label - 4;
   putNumber(forward, 4, 1);
   DataList sends;
-  const u32 length = 4 + item.countWidth + units * item.kept.shape->unit;
+  const u32 length = 4 + item.countWidth + static_cast<u32>(lstCount(list)) * item.kept.shape->unit;
   if (vBuildMscPacketI(kSendSlot, item.id, 0, forward, length, sends) != 0) return -1;
   vSendMscPacketI(sends);
   return 0;
@@ -172,9 +170,7 @@ int snmpSet(const VoiceItem& item, const SnmpCall& call) {
     if (code == kEncodeFailed && item.forward == Forward::encodedOrRefused)
       return answerFailed(call, "encode configuration failed", where);
   } else {
-    const u32 units = static_cast<u32>(lstCount(list));
-    vFreeDataList(list);  // the message takes memory of its own
-    if (forwardSet(item, call, units) != 0) code = kBuildFailed;
+    if (forwardSet(item, call, list) != 0) code = kBuildFailed;
   }
   answerSuccess(call, 0);
   if (code != 0)
@@ -186,13 +182,9 @@ int snmpSet(const VoiceItem& item, const SnmpCall& call) {
 
 int snmpOrder(const VoiceItem& item, const SnmpCall& call, Where where) {
   if (beginRequest(item.id, call, Asks::orders, where) != 0) return -1;
-  u32 units = 0;
-  {
-    DataList list;
-    if (acceptSet(item, call, list, where) != 0) return -1;
-    units = static_cast<u32>(lstCount(list));
-  }
-  if (forwardSet(item, call, units) != 0) return answerFailed(call, "build MSC msg 0x%04X failed", where);
+  DataList list;
+  if (acceptSet(item, call, list, where) != 0) return -1;
+  if (forwardSet(item, call, list) != 0) return answerFailed(call, "build MSC msg 0x%04X failed", where);
   return answerSuccess(call, 0);
 }
 
@@ -201,7 +193,7 @@ int snmpGet(const VoiceItem& item, const SnmpCall& call) {
   if (beginRequest(item.id, call, Asks::nothing, where) != 0) return -1;
   DataList list;
   if (getUnits(item, list) != 0) return answerFailed(call, "get configuration failed", where);
-  Writer out(WireOut(call.reply + kReplyArea, kMaxPacket - kReplyArea));
+  Writer out(WireOut(call.reply, kMaxPacket).subspan(kReplyArea));
   out.number(4, 1);
   out.skip(item.label);
   if (encodeArea(item, list, out) != 0) return answerFailed(call, "SNMP confirm encode failed", where);
@@ -294,13 +286,12 @@ int eraseItem(const VoiceItem& item) {
 // --- Commands ---
 
 int finishSet(Vty* vty, const VoiceItem& item, int result, const SnmpErrInfo& err, const char* done) {
-  char words[80];
-  if (done == nullptr) {
-    std::snprintf(words, sizeof words, "set %s configuration", item.words);
-    done = words;
-  }
   const int code = static_cast<i16>(err.errCode);
-  vty_out(vty, "\r\n %s %s(%d). \r\n", done, result == -1 ? "failed" : "successfully", code);
+  const char* how = result == -1 ? "failed" : "successfully";
+  if (done != nullptr)
+    vty_out(vty, "\r\n %s %s(%d). \r\n", done, how, code);
+  else
+    vty_out(vty, "\r\n set %s configuration %s(%d). \r\n", item.words, how, code);
   if (result == -1) return -1;
   if (!item.reportsFirst) reportChange(kNode, item.id, kCommand);
   return 0;

@@ -45,15 +45,15 @@ int nSetObjCheckOption(u16 id, u32* option) {
 }
 
 int vCheckSlotNo(u16 slot, u16) {
-  const int card = get_config_card_type(slot);
-  return card > 0 && caCheckCardTypeIsMsanPotsCard(static_cast<u16>(card)) == 0 ? 0 : -1;
+  // Without a card the type is 0, which is no POTS card's.
+  return caCheckCardTypeIsMsanPotsCard(static_cast<u16>(get_config_card_type(slot))) == 0 ? 0 : -1;
 }
 
 int vCheckSlotNoX(u16 slot, u16 cardType) { return get_config_card_type(slot) == cardType ? 0 : -1; }
 
 int vCheckPortNo(u16 slot, u16 port) {
   if (port == kAllPorts) return 0;
-  u16 card = 0, subtype = 0;
+  u16 card, subtype;
   if (sysGetSlotAuthedType(slot, &card, &subtype) != 0) return -1;
   return IsPortNoValidForCardType(card, subtype, port) == 1 ? 0 : -1;
 }
@@ -99,7 +99,7 @@ int vGetSlotPortObjType(u16 slot, u16* cardType, u16* subtype, u16* portType) {
 
 // The handle of a location, with the type of the slot's ports. 0 or -1, traced.
 static int objectOf(u16 slot, u16 port, ObjIndex* object, Where where) {
-  u16 card = 0, subtype = 0, portType = 0;
+  u16 card, subtype, portType;
   if (vGetSlotPortObjType(slot, &card, &subtype, &portType) != 0) {
     printTrace(where, "get card type and it's port object type of slot %d failed", slot);
     return -1;
@@ -207,7 +207,7 @@ static int walkSlot(u16 slot, std::span<const u16> types, LIST* objects, Where w
   ObjIndex target;
   // The system, or a slot with the type of its card. Ports are what is walked for: a target of this kind matches none.
   if (SlotNoPortConvertObjIndex(slot, 0, 0, &target) != 0) {
-    printTrace(where, "convert slot %d port %d into OBJM index failed", slot, 0);
+    printTrace(where, "convert slot %d port 0 into OBJM index failed", slot);
     return -1;
   }
   return ForEachTargetTree(&target, objects, 0, types.data(), static_cast<i32>(types.size()));
@@ -223,7 +223,7 @@ int vGetSlotObjIndex(u16 slot, LIST* objects) {
     static constexpr u16 types[] = {kPotsPort, kAdslPotsPort, kVdslPotsPort};
     return walkSlot(slot, types, objects);
   }
-  u16 card = 0, subtype = 0, portType = 0;
+  u16 card, subtype, portType;
   if (vGetSlotPortObjType(slot, &card, &subtype, &portType) != 0) {
     trace("get card type and it's port object type of slot %d failed", slot);
     return -1;

@@ -3,7 +3,7 @@
 #include "voice/common/voice_packets.h"
 
 #include <cstring>
-#include <limits>
+#include <span>
 
 #include "common/msan_init.h"
 #include "common/trace.h"
@@ -11,7 +11,6 @@
 #include "platform/pool.h"
 
 static constexpr u32 kHeader = sizeof(MscHeader);
-static constexpr u32 kLargest = std::numeric_limits<u32>::max() - 64;
 
 // Memory of the pool, zeroed; null when there is none.
 static u8* zeroed(u32 size) {
@@ -73,8 +72,7 @@ int vCreateSlotDataNode(LIST* list, const MscSlotInfo* slots, u16 count, i32 uni
     return -1;
   }
   for (u32 i = 0; i < count; ++i) {
-    const u64 size = kHeader + 4 + u64{slots[i].items} * static_cast<u32>(unit);
-    DataNode* node = size <= kLargest ? append(list, static_cast<u32>(size)) : nullptr;
+    DataNode* node = append(list, kHeader + 4 + slots[i].items * static_cast<u32>(unit));
     if (node == nullptr) {
       trace("create data node failed");
       return -1;
@@ -157,17 +155,17 @@ int vBuildMscPacketND(const LIST* slots, u16 id, u8 spare, LIST* list) {
 }
 
 // Makes the one node of an empty list; null when that fails.
-static DataNode* only(LIST* list, const u8* payload, u64 size, Where where = Where::here()) {
-  if (payload == nullptr || size > kLargest) {
+static DataNode* only(LIST* list, const u8* payload, u32 size, Where where = Where::here()) {
+  if (payload == nullptr) {
     printTrace(where, "invalid payload para");
     return nullptr;
   }
-  if (vCreateDataNode(list, 1, static_cast<u32>(size)) != 0) return nullptr;
+  if (vCreateDataNode(list, 1, size) != 0) return nullptr;
   return static_cast<DataNode*>(lstFirst(list));
 }
 
 int vBuildMscPacketS(u16 slot, u16 id, u8 spare, const u8* payload, u32 length, LIST* list) {
-  DataNode* node = only(list, payload, u64{kHeader} + length);
+  DataNode* node = only(list, payload, kHeader + length);
   if (node == nullptr) return -1;
   node->slot = slot;
   std::memcpy(node->data + kHeader, payload, length);
@@ -179,7 +177,7 @@ int vBuildMscPacketSX(u16 slot, u16 id, u8 spare, const u8* payload, u32 length,
     trace("invalid payload length %d", length);
     return -1;
   }
-  DataNode* node = only(list, payload, u64{kHeader} - 2 + length);
+  DataNode* node = only(list, payload, kHeader - 2 + length);
   if (node == nullptr) return -1;
   node->slot = slot;
   std::memcpy(node->data + kHeader, payload + 2, length - 2);
@@ -187,17 +185,18 @@ int vBuildMscPacketSX(u16 slot, u16 id, u8 spare, const u8* payload, u32 length,
 }
 
 int vBuildMscPacketD(const u16* slots, u16 count, u16 id, u8 spare, const u8* payload, u32 length, LIST* list) {
-  if (slots == nullptr || payload == nullptr || length == 0 || length > kLargest - kHeader) {
+  if (slots == nullptr || payload == nullptr || length == 0) {
     trace("invalid payload para");
     return -1;
   }
   if (vCreateDataNode(list, count, kHeader + length) != 0) return -1;
-  u32 i = 0;
-  for (NODE* at = lstFirst(list); at != nullptr && i < count; at = lstNext(at), ++i) {
+  NODE* at = lstFirst(list);
+  for (const u16 slot : std::span(slots, count)) {
     auto* node = static_cast<DataNode*>(at);
-    node->slot = slots[i];
+    node->slot = slot;
     std::memcpy(node->data + kHeader, payload, length);
     buildMscHeader(node->data, id, spare);
+    at = lstNext(at);
   }
   return 0;
 }

@@ -66,16 +66,14 @@ int nCreatePortDataNode(LIST* list, u16 slot, u16 count, u32 attribute, u32 size
   return 0;
 }
 
-// Replaces each node that means all ports by what `extend` appends for it. The walk ends with the last node that was
-// there.
+// Replaces each node that means all ports by what `extend` appends for it: single ports, which the walk passes by.
 template <class PortOf, class Extend>
 static int extendAll(LIST* list, PortOf portOf, Extend extend, Where where) {
   if (list == nullptr) {
     printTrace(where, "location list para is NULL");
     return -1;
   }
-  int left = lstCount(list);
-  for (NODE* at = lstFirst(list); at != nullptr && left > 0; --left) {
+  for (NODE* at = lstFirst(list); at != nullptr;) {
     auto* node = static_cast<DataNode*>(at);
     at = lstNext(at);
     if (portOf(*node) != kAllPorts) continue;
@@ -115,11 +113,8 @@ int nExtendPortObjList(LIST* list) {
   const Where where = Where::here();
   const auto extend = [&](const DataNode& node) {
     u16 card = 0, subtype = 0, portType = 0, amount = 0;
-    if (vGetSlotPortObjType(node.slot, &card, &subtype, &portType) != 0) {
-      printTrace(where, "get card type & subtype of slot %d failed", node.slot);
-      return -1;
-    }
-    if (getSlotPortNumberByType(card, subtype, portType, &amount) != 0) {
+    if (vGetSlotPortObjType(node.slot, &card, &subtype, &portType) != 0 ||
+        getSlotPortNumberByType(card, subtype, portType, &amount) != 0) {
       printTrace(where, "get port quantity of slot %d failed", node.slot);
       return -1;
     }
@@ -153,9 +148,9 @@ static int parseLocations(WireIn area, u32 size, u32* count, LIST* list, bool& a
   const u16 nodes = static_cast<u16>(*count);
   if (area.size() - 4 < std::size_t{nodes} * kLocation || vCreateDataNode(list, nodes, size) != 0) return -1;
   WireIn rest = area.subspan(4);
-  for (NODE* at = lstFirst(list); at != nullptr && rest.size() >= kLocation; at = lstNext(at)) {
+  for (NODE* at = lstFirst(list); at != nullptr; at = lstNext(at)) {
     Location location;
-    if (nParsePortLocation(rest, &location) != 0) return -1;
+    nParsePortLocation(rest, &location);
     take(*static_cast<DataNode*>(at), location);
     all = all || location.port == kAllPorts;
     rest = rest.subspan(kLocation);

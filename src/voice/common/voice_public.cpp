@@ -2,6 +2,7 @@
 
 #include <arpa/inet.h>
 
+#include <algorithm>
 #include <bitset>
 #include <cstring>
 
@@ -157,9 +158,8 @@ int nIsValidIPMask(u32 type, u32 mask) {
 }
 
 int nIsIPGatewayMatched(u32 address, u32 gateway, u32 mask) {
-  if (mask == 0) return 1;
-  const u32 bits = mask >= 32 ? 0xFFFFFFFF : 0xFFFFFFFF << (32 - mask);
-  return (address & bits) == (gateway & bits) ? 1 : 0;
+  const u64 behind = u64{0xFFFFFFFF} >> std::min(mask, 32u);  // the bits that may differ
+  return (address | behind) == (gateway | behind) ? 1 : 0;
 }
 
 int nULongLong2Float10(u64 value, u8* out) {

@@ -96,8 +96,9 @@ static void show(Vty* vty, const MGC* cfg) {
 }
 
 static void showrun_mgc(Vty* vty, const MGC* cfg) {
-  const bool secondary = cfg->secondaryMGC[0] != '\0';
-  if (cfg->primaryMGC[0] == '\0' && !secondary) return;
+  const auto given = [](const char* address) { return address[0] != '\0'; };
+  const bool secondary = given(cfg->secondaryMGC);
+  if (!given(cfg->primaryMGC) && !secondary) return;
   vty_out(vty, "set mgc primary %.64s port %d", cfg->primaryMGC, static_cast<i32>(cfg->primaryMGCPort));
   if (secondary) {
     vty_out(vty, " secondary %.64s port %d", cfg->secondaryMGC, static_cast<i32>(cfg->secondaryMGCPort));

@@ -118,7 +118,8 @@ static u16 sendToAll(const PotsGeneral& cfg, Where where = Where::here()) {
   if (const u16 code = potsSlots(slots, count, where)) return code;
   DataList sends;
   if (vBuildMscPacketD(slots, count, kMessage, 0, buffer.get() + kLabel, kSent, sends) != 0) return kBuildFailed;
-  return vSendMscPacket(sends) == 0 ? u16{0} : u16{kSendFailed};
+  vSendMscPacket(sends);
+  return 0;
 }
 
 int distrib_pots_general_parax(const PotsGeneral* cfg, SnmpErrInfo* err) {
@@ -196,11 +197,12 @@ static int snmp_set_pots_general_para(u16 id, u8, u8* data, i32 length, u8* repl
   if (length > 0) ulogTypePkt(gModuleId_Msan, kLogDebug, data, static_cast<u32>(length));
   const SnmpCall call{id, nullptr, data, length, reply, replyLen};
   if (acceptSet(call, Where::here()) != 0) return -1;
+  answerSuccess(call, 0);
   u16 slots[kCards];
   u16 count = kCards;
   if (get_msan_card_slot_list(slots, &count) != 0) {
     trace("get MSC msg destination slots No failed");
-    return answerSuccess(call, 0);
+    return 0;
   }
   // What follows the label travels to its end, whatever the request's length.
   u8* forward = data + kForward;
@@ -208,13 +210,9 @@ static int snmp_set_pots_general_para(u16 id, u8, u8* data, i32 length, u8* repl
   DataList sends;
   if (vBuildMscPacketD(slots, count, kMessage, 0, forward, static_cast<u32>(length) - kForward, sends) != 0) {
     trace("build MSC msg 0x%04X failed", kMessage);
-    return answerSuccess(call, 0);
+    return 0;
   }
-  if (vSendMscPacket(sends) != 0) {
-    trace("send MSC msg 0x%04X failed", kMessage);
-    return answerSuccess(call, 0);
-  }
-  answerSuccess(call, 0);
+  vSendMscPacket(sends);
   reportChange(kNode, kMessage, 1);
   return 0;
 }

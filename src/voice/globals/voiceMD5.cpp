@@ -114,10 +114,11 @@ static void show(Vty* vty, const VoiceMD5* cfg) {
 static void nShowRunVoiceMD5(Vty* vty, const VoiceMD5* cfg) {
   vty_out(vty, "set voice md5 authentication %s", textOf(switchWords, cfg->authSwitch, "close"));
   if (cfg->authSwitch == 1) {
-    const bool prime = cfg->exchangedPrime[0] != '\0';
-    const bool base = prime || cfg->exchangedBase[0] != '\0';
-    const bool key = base || cfg->sharedKey[0] != '\0';
-    const bool id = key || cfg->MGID[0] != '\0';
+    const auto given = [](const char* text) { return text[0] != '\0'; };
+    const bool prime = given(cfg->exchangedPrime);
+    const bool base = prime || given(cfg->exchangedBase);
+    const bool key = base || given(cfg->sharedKey);
+    const bool id = key || given(cfg->MGID);
     if (id) vty_out(vty, " mg id %.32s", cfg->MGID);
     if (key) vty_out(vty, " shared key %.32s", cfg->sharedKey);
     if (base) vty_out(vty, " exchanged base %.16s", cfg->exchangedBase);
