@@ -121,6 +121,13 @@ TEST_F(ConfirmTest, RepliesAreBuiltFromTheFirst) {
   EXPECT_EQ(vBuildSnmpCfmPacketS(list_, 0, reply_, &length_), 0);
   EXPECT_EQ(host::hexText({reply_, length_}), "00000002a1a2b1b2");
   EXPECT_EQ(nBuildSnmpCfmPacketEx(list_, 3, 0, reply_, &length_), -1) << "two units of 3 are not there";
+  EXPECT_EQ(nBuildSnmpCfmPacketEx(list_, 2, 400000, reply_, &length_), -1) << "longer than a reply";
+  vFreeDataList(list_);
+  add({});
+  EXPECT_EQ(nBuildSnmpCfmPacket(list_, 0, reply_, &length_), 0);
+  EXPECT_EQ(length_, 4U);
+  EXPECT_EQ(vBuildSnmpCfmPacketS(list_, 2, reply_, &length_) + nBuildSnmpCfmPacketEx(list_, 1, 0, reply_, &length_),
+            -2);
 }
 
 }  // namespace

@@ -52,7 +52,6 @@ int encodePorts(const PortUnits& units, LIST* list, Writer& out) {
   for (NODE* at = lstFirst(list); at != nullptr; at = lstNext(at)) {
     const auto* node = static_cast<const DataNode*>(at);
     u8* unit = out.skip(kLocation + units.body());
-    if (unit == nullptr) return -1;
     putNumber(unit, 2, node->slot);
     putNumber(unit + 2, 2, node->port);
     if (units.shape != nullptr) encodeRecord(units.shape->fields, node->data, unit + kLocation);

@@ -172,12 +172,11 @@ int snmpSet(const VoiceItem& item, const SnmpCall& call) {
   } else {
     if (forwardSet(item, call, list) != 0) code = kBuildFailed;
   }
-  answerSuccess(call, 0);
   if (code != 0)
     printTrace(where, "build MSC msg 0x%04X failed", item.id);
   else if (!item.reportsFirst)
     reportChange(kNode, item.id, kSnmp);
-  return 0;
+  return answerSuccess(call, 0);
 }
 
 int snmpOrder(const VoiceItem& item, const SnmpCall& call, Where where) {
@@ -214,10 +213,6 @@ static u16 sendEncoded(const VoiceItem& item, u32 bytes, Encode encode, Where wh
   Writer out(WireOut(memory, 4 + bytes));
   out.number(4, 1);
   encode(out);
-  if (out.failed()) {
-    printTrace(where, "encode %s configuration failed", item.words);
-    return kEncodeFailed;
-  }
   DataList sends;
   if (vBuildMscPacketI(kSendSlot, item.id, 0, memory, out.length(), sends) != 0) {
     printTrace(where, "build MSC message 0x%04X failed", item.id);
@@ -272,7 +267,7 @@ int initItem(const VoiceItem& item) {
   resetRecord(item.kept.shape->fields, cfg);
   if (storeItem(item, cfg) == 0) return 0;
   const FunctionName set(item.at(item.setName));
-  printTrace(item.at(item.names->init), "%s error iRet = %d", set.text, -1);
+  printTrace(item.at(item.names->init), "%s error iRet = -1", set.text);
   return -1;
 }
 

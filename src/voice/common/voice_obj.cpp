@@ -53,33 +53,33 @@ int vCheckSlotNoX(u16 slot, u16 cardType) { return get_config_card_type(slot) ==
 
 int vCheckPortNo(u16 slot, u16 port) {
   if (port == kAllPorts) return 0;
-  u16 card, subtype;
+  u16 card = 0, subtype = 0;
   if (sysGetSlotAuthedType(slot, &card, &subtype) != 0) return -1;
   return IsPortNoValidForCardType(card, subtype, port) == 1 ? 0 : -1;
 }
 
 // The sets differ in the option that an id stands for, and in nothing else.
-static int isValid(int (*optionOf)(u16, u32*), u16 id, u16 kind, u16 slot, u16 port, SnmpErrInfo* err, Where where) {
+static bool isValid(int (*optionOf)(u16, u32*), u16 id, u16 kind, u16 slot, u16 port, SnmpErrInfo* err, Where where) {
   if (err == nullptr) {
     printTrace(where, "error info para is NULL");
-    return 0;
+    return false;
   }
   if (vCheckSlotNo(slot, kind) != 0) {
     vSetErrorInfo(65534, &slot, sizeof slot, err);
-    return 0;
+    return false;
   }
   if (vCheckPortNo(slot, port) != 0) {
     vSetErrorInfo(65529, &port, sizeof port, err);
-    return 0;
+    return false;
   }
   ObjIndex object;
   if (SlotNoPortConvertObjIndex(slot, port == kAllPorts ? u16{0} : port, 0, &object) != 0) {
     vSetErrorInfo(kStepFailed, err);
-    return 0;
+    return false;
   }
   u32 option = 0;
   optionOf(id, &option);
-  return checkObjErr(id, 0, &object, option, err) == 0 ? 1 : 0;
+  return checkObjErr(id, 0, &object, option, err) == 0;
 }
 
 int vIsOBJMValid(u16 id, u16 kind, u16 slot, u16 port, SnmpErrInfo* err) {
@@ -99,7 +99,7 @@ int vGetSlotPortObjType(u16 slot, u16* cardType, u16* subtype, u16* portType) {
 
 // The handle of a location, with the type of the slot's ports. 0 or -1, traced.
 static int objectOf(u16 slot, u16 port, ObjIndex* object, Where where) {
-  u16 card, subtype, portType;
+  u16 card = 0, subtype = 0, portType = 0;
   if (vGetSlotPortObjType(slot, &card, &subtype, &portType) != 0) {
     printTrace(where, "get card type and it's port object type of slot %d failed", slot);
     return -1;
@@ -223,7 +223,7 @@ int vGetSlotObjIndex(u16 slot, LIST* objects) {
     static constexpr u16 types[] = {kPotsPort, kAdslPotsPort, kVdslPotsPort};
     return walkSlot(slot, types, objects);
   }
-  u16 card, subtype, portType;
+  u16 card = 0, subtype = 0, portType = 0;
   if (vGetSlotPortObjType(slot, &card, &subtype, &portType) != 0) {
     trace("get card type and it's port object type of slot %d failed", slot);
     return -1;

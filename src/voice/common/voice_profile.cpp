@@ -95,7 +95,6 @@ int initProfiles(const VoiceProfiles& kind) {
   for (u16 id = 0; id < kProfiles; ++id) initProfile(kind, id);
   AnyProfile first;
   if (loadProfile(kind, 0, first) != 0) return -1;
-  std::memset(first->name, 0, kProfileName);
   std::memcpy(first->name, "Default", 7);
   return storeItem(kind.item, first, 0);
 }
@@ -280,9 +279,8 @@ int snmpSet(const VoiceProfiles& kind, const SnmpCall& call) {
   if (kind.report == Report::first) report(kind, kSnmp);
   const u16 code = sendPayload(kind, area.data(), length, false);
   if (code != 0) printTrace(where, "build MSC msg 0x%04X failed", call.id);
-  answerSuccess(call, 0);
   if (kind.report == Report::whenSent && code == 0) report(kind, kSnmp);
-  return 0;
+  return answerSuccess(call, 0);
 }
 
 int snmpGet(const VoiceProfiles& kind, const SnmpCall& call) {
@@ -319,9 +317,8 @@ int snmpDelete(const VoiceProfiles& kind, const SnmpCall& call) {
   if (kind.report == Report::first) report(kind, kSnmp);
   const u16 code = sendNamed(kind, kind.deletionToCard);
   if (code != 0) printTrace(where, "build MSC msg 0x%04X failed", call.id);
-  answerSuccess(call, 0);
   if (kind.report == Report::whenSent && code == 0) report(kind, kSnmp);
-  return 0;
+  return answerSuccess(call, 0);
 }
 
 // --- Store and send ---

@@ -185,6 +185,20 @@ static int acceptSet(const SnmpCall& call, Where where) {
   return 0;
 }
 
+// What follows the label travels to all POTS cards, to its end, whatever the request's length.
+static void forward(const SnmpCall& call, Where where) {
+  u16 slots[kCards];
+  u16 count = kCards;
+  if (get_msan_card_slot_list(slots, &count) != 0) return printTrace(where, "get MSC msg destination slots No failed");
+  const WireOut area = WireOut(call.data, static_cast<u32>(call.length)).subspan(kForward);
+  putNumber(area.data(), 4, 1);
+  DataList sends;
+  if (vBuildMscPacketD(slots, count, kMessage, 0, area.data(), static_cast<u32>(area.size()), sends) != 0)
+    return printTrace(where, "build MSC msg 0x%04X failed", kMessage);
+  vSendMscPacket(sends);
+  reportChange(kNode, kMessage, 1);
+}
+
 static int snmp_set_pots_general_para(u16 id, u8, u8* data, i32 length, u8* reply, u32* replyLen, void*, void*) {
   if (id != kMessage) {
     trace("invalid snmp command ID: 0x%04X", id);
@@ -197,24 +211,8 @@ static int snmp_set_pots_general_para(u16 id, u8, u8* data, i32 length, u8* repl
   if (length > 0) ulogTypePkt(gModuleId_Msan, kLogDebug, data, static_cast<u32>(length));
   const SnmpCall call{id, nullptr, data, length, reply, replyLen};
   if (acceptSet(call, Where::here()) != 0) return -1;
-  answerSuccess(call, 0);
-  u16 slots[kCards];
-  u16 count = kCards;
-  if (get_msan_card_slot_list(slots, &count) != 0) {
-    trace("get MSC msg destination slots No failed");
-    return 0;
-  }
-  // What follows the label travels to its end, whatever the request's length.
-  u8* forward = data + kForward;
-  putNumber(forward, 4, 1);
-  DataList sends;
-  if (vBuildMscPacketD(slots, count, kMessage, 0, forward, static_cast<u32>(length) - kForward, sends) != 0) {
-    trace("build MSC msg 0x%04X failed", kMessage);
-    return 0;
-  }
-  vSendMscPacket(sends);
-  reportChange(kNode, kMessage, 1);
-  return 0;
+  forward(call, Where::here());
+  return answerSuccess(call, 0);
 }
 
 static int snmp_get_pots_general_para(u16 id, u8* last, u8* data, i32 length, u8* reply, u32* replyLen, void*, void*) {
