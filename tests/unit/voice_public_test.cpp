@@ -3,7 +3,6 @@
 #include <array>
 
 #include "module_fixture.h"
-#include "voice/common/voice_msc.h"
 
 namespace {
 
@@ -20,16 +19,6 @@ TEST_F(ValidatorTest, Characters) {
   EXPECT_EQ(nIsNoSpaceString("a b", 3), 0);
   EXPECT_EQ(nIsNoSpaceString("a b", 1), 1);
   EXPECT_EQ(nIsNoSpaceString("", 0), -1);
-}
-
-TEST_F(ValidatorTest, ProfileIdsTwice) {
-  DataList list;
-  for (const u16 id : std::initializer_list<u16>{7, 9, 7}) nSetDataList(&id, sizeof id, list);
-  u16 id = 0;
-  EXPECT_EQ(nIsProfileIDDuplicate(list, &id), 1);
-  EXPECT_EQ(id, 7);
-  vFreeDataNode(list, static_cast<DataNode*>(lstLast(list)));
-  EXPECT_EQ(nIsProfileIDDuplicate(list, &id), 0);
 }
 
 TEST_F(ValidatorTest, AddressesAsText) {
