@@ -104,4 +104,19 @@ TEST_F(WordsTest, AreShownAsTheyWereTyped) {
   }
 }
 
+// Names and numbers that an operator may mean are offered, behind what is to be typed.
+TEST_F(WordsTest, AreOfferedForWhatThereIs) {
+  typed(CONFIG_NODE, "add pots telephone number 12 type a");
+  typed(CONFIG_NODE, "add ipt telephone number 34 type a");
+  const auto offered = [](const char* line) {
+    std::string all;
+    for (const host::Suggestion& one : host::suggestions(CONFIG_NODE, line))
+      if (one.word.front() != '<') all += one.word + " " + one.help + "|";
+    return all;
+  };
+  EXPECT_EQ(offered("delete dsp profile id "), "0 Default|1 a|2 p2|3 p3|4 p4|5 p5|6 p6|7 p7|8 p8|9 p9|");
+  EXPECT_EQ(offered("delete sip user call profile name "), "Default 0|a 1|");
+  EXPECT_EQ(offered("set voice port telephone number "), "12 |34 |");
+}
+
 }  // namespace
