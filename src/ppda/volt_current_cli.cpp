@@ -78,19 +78,19 @@ int show_pots_voltcurrent_by_slot(u16 slot, Vty* vty) {
   return 0;
 }
 
-// Prints the ports of a slot that differ from the default. 0, or -1 at a port that can't be read.
-static int showrunSlot(Vty* vty, u16 slot, u16 amount) {
+// Prints the ports of a slot that differ from the default. False at a port that can't be read.
+static bool showrunSlot(Vty* vty, u16 slot, u16 amount) {
   for (u16 port = 1; port <= amount; ++port) {
     PotsFeed record;
     if (!readPort(slot, port, record)) {
       ulogPrintf(gModuleId_Msan, kLogDebug, "%s: no feed values for slot %d port %d.\r\n", __func__, slot, port);
-      return -1;
+      return false;
     }
     if (record.voltage == 42 && record.current == 22) continue;
     vty_out(vty, "set pots port feed voltage %d current %d interface %d/%d\r\n", static_cast<i32>(record.voltage),
             static_cast<i32>(record.current), record.slot, record.port);
   }
-  return 0;
+  return true;
 }
 
 void vshow_run_pots_voltcurrent(Vty* vty) {
@@ -105,7 +105,7 @@ void vshow_run_pots_voltcurrent(Vty* vty) {
     u16 amount = 0;
     if (vCheckSlotNo(slot, kPotsCardKind) != 0) continue;
     ddGetBoardServePortAmountByType(static_cast<u16>(get_config_card_type(slot)), &amount);
-    if (showrunSlot(vty, slot, amount) != 0) return;
+    if (!showrunSlot(vty, slot, amount)) return;
   }
 }
 

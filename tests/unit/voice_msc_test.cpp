@@ -34,9 +34,9 @@ TEST_F(MscTest, HeaderAloneIsAMessageAndLessIsNot) {
 }
 
 TEST_F(MscTest, CountIsCutToSixteenBits) {
-  const u8 payload[] = {0, 1, 0, 2, 0xAB, 0xCD};
-  ASSERT_EQ(vBuildMscPacketSX(3, 1, 0, payload, 6, list_), 0);
-  EXPECT_EQ(node(lstFirst(list_)), "3 0 000000000000000001 00*24 02abcd");
+  const u8 payload[] = {0, 1, 0, 2};
+  ASSERT_EQ(vBuildMscPacketSX(3, 1, 0, payload, 4, list_), 0);
+  EXPECT_EQ(node(lstFirst(list_)), "3 0 000000000000000001 00*24 02");
   DataList other;
   EXPECT_EQ(vBuildMscPacketSX(3, 1, 0, payload, 3, other), -1) << "shorter than its count";
 }
@@ -51,6 +51,8 @@ TEST_F(MscTest, OneMessageForEachSlot) {
   ASSERT_EQ(vBuildMscPacketND(list_, 9, 0, headers), 0);
   vSendMscPacket(headers);
   EXPECT_EQ(recorder_.take(), (std::vector<std::string>{"slot 5 9 -", "slot 2 9 -"}));
+  host::failNth(host::Fault::alloc, 1);
+  EXPECT_EQ(vBuildMscPacketND(list_, 9, 0, headers), -1);
 }
 
 TEST_F(MscTest, AFailedSendIsNotAFailure) {

@@ -52,6 +52,7 @@ TEST_F(ValidatorTest, GeneralAddressesOnTheWire) {
   ASSERT_EQ(nEncodeLocalIP2GeneralIP(&local, again, &length), 0);
   EXPECT_EQ(length, 28U) << "every other type has 16 bytes";
   EXPECT_EQ(nEncodeLocalIP2GeneralIP(&local, WireOut(again).first(27), &length), -1);
+  EXPECT_EQ(nEncodeLocalIP(&local, WireOut(again).first(23), &length), -1);
 
   const u8 lying[] = {0, 0, 0, 1, 0, 0, 0, 17, 10, 1, 2, 3, 0, 0, 0, 24, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0};
   EXPECT_EQ(nParseGeneralIP2LocalIP(lying, &local, &length), -1) << "more than an address has";

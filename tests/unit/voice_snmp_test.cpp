@@ -46,7 +46,7 @@ TEST(FrameCheck, AreaWithAndWithoutACount) {
   EXPECT_EQ(codeAndDetail(err), "65535 0000ffff");
   EXPECT_EQ(nCheckSnmpItemsLength(none.data(), 34, 34, 0, 1, 1, &err), 0);
   EXPECT_EQ(nCheckSnmpItemsLength(none.data(), 33, 34, 0, 1, 1, &err), -1);
-  EXPECT_EQ(vCheckSnmpParaItemsLength(none.data(), 4, 5, false, 1, 1, &err), -1) << "one unit, and no count is read";
+  EXPECT_EQ(vCheckSnmpParaItemsLength(none.data(), 4, 4, false, 1, 1, &err), 0) << "one unit, and no count is read";
 }
 
 TEST(ErrorInfo, StandsWithoutItsValue) {
@@ -112,8 +112,9 @@ TEST_F(ConfirmTest, RepliesAreBuiltFromTheFirst) {
   add({});
   EXPECT_EQ(vBuildSnmpCfmPacketS(list_, 0, reply_, &length_) + nBuildSnmpCfmPacket(list_, 0, reply_, &length_), 0);
   EXPECT_EQ(length_, 4U);
-  EXPECT_EQ(vBuildSnmpCfmPacketS(list_, 2, reply_, &length_) + nBuildSnmpCfmPacketEx(list_, 1, 0, reply_, &length_),
-            -2);
+  EXPECT_EQ(vBuildSnmpCfmPacketS(list_, 2, reply_, &length_) + nBuildSnmpCfmPacketEx(list_, 1, 0, reply_, &length_) +
+                nCheckMSCCfmLength(list_, 2, 1),
+            -3);
 }
 
 }  // namespace

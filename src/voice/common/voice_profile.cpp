@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <ranges>
 
 #include "common/memory.h"
 #include "common/msan_init.h"
@@ -17,6 +18,7 @@ static constexpr u32 kArea = 32;       // of a request
 static constexpr u32 kReplyArea = 36;  // of a reply
 static constexpr u16 kSendSlot = 18;   // a card, or a trace line's
 static constexpr u32 kPortRecord = 228;
+static constexpr auto everyId = std::views::iota(u16{0}, kProfiles);
 namespace {
 enum Origin { kSnmp = 1, kCommand = 3 };
 }  // namespace
@@ -55,7 +57,7 @@ int findProfile(const VoiceProfiles& kind, const char* name, void* profile) {
   const std::size_t length = std::strlen(name);
   if (length <= kProfileName) {
     std::memcpy(padded, name, length);
-    for (u16 id = 0; id < kProfiles; ++id) {
+    for (const u16 id : everyId) {
       AnyProfile one;
       if (loadProfile(kind, id, one) != 0) return -1;
       if (!sameName(one->name, padded)) continue;
@@ -76,7 +78,7 @@ int isValidProfile(const VoiceProfiles& kind, u16 id) {
 
 void offerProfiles(const void* context, CommandOffers* to) {
   const auto& kind = *static_cast<const VoiceProfiles*>(context);
-  for (u16 id = 0; id < kProfiles; ++id) {
+  for (const u16 id : everyId) {
     AnyProfile profile;
     if (loadProfile(kind, id, profile) != 0 || !isNamed(profile)) continue;
     offer_to_cli(to, id, profile->name, static_cast<u32>(strnlen(profile->name, kProfileName)));
@@ -92,7 +94,7 @@ int initProfile(const VoiceProfiles& kind, u16 id) {
 }
 
 int initProfiles(const VoiceProfiles& kind) {
-  for (u16 id = 0; id < kProfiles; ++id) initProfile(kind, id);
+  for (const u16 id : everyId) initProfile(kind, id);
   AnyProfile first;
   if (loadProfile(kind, 0, first) != 0) return -1;
   std::memcpy(first->name, "Default", 7);
@@ -342,7 +344,7 @@ int eraseProfiles(const VoiceProfiles& kind) {
   u16 cited[kProfiles] = {};
   u16 count = 0;
   if (citedProfiles(kind, cited, &count) != 0) return -1;
-  for (u16 id = 1; id < kProfiles; ++id) {
+  for (const u16 id : everyId | std::views::drop(1)) {
     if (isValidProfile(kind, id) != 1) continue;
     if (holds(cited, count, id))
       ulogPrintf(gModuleId_Msan, kLogDebug, "the %s %d has been cited.", kind.noun, id);
@@ -433,7 +435,7 @@ int nameProfile(Vty* vty, const VoiceProfiles& kind, int argc, char** argv, cons
 }
 
 int forEachNamed(const VoiceProfiles& kind, Vty* vty, void (*print)(Vty* vty, const void* profile)) {
-  for (u16 id = 0; id < kProfiles; ++id) {
+  for (const u16 id : everyId) {
     AnyProfile profile;
     if (loadProfile(kind, id, profile) != 0) return -1;
     if (isNamed(profile)) print(vty, profile);

@@ -170,8 +170,7 @@ int nCheckMSCCfmLength(const LIST* confirms, u8 countWidth, u16 unit) {
 }
 
 // The payload of the first confirm, behind its envelope; false when there is none.
-static bool firstPayload(const LIST* confirms, const u8* reply, const u32* replyLen, WireIn& payload) {
-  if (confirms == nullptr || reply == nullptr || replyLen == nullptr) return false;
+static bool firstPayload(const LIST* confirms, WireIn& payload) {
   const auto* node = static_cast<const DataNode*>(lstFirst(confirms));
   if (node == nullptr || node->dataLen < sizeof(MscHeader)) return false;
   payload = WireIn(node->data, node->dataLen).subspan(sizeof(MscHeader));
@@ -190,7 +189,7 @@ static int finish(const Writer& writer, u32* replyLen, Where where = Where::here
 
 int nBuildSnmpCfmPacket(const LIST* confirms, u32 gap, u8* reply, u32* replyLen) {
   WireIn payload;
-  if (!firstPayload(confirms, reply, replyLen, payload)) {
+  if (!firstPayload(confirms, payload)) {
     trace("there is no confirm");
     return -1;
   }
@@ -203,7 +202,7 @@ int nBuildSnmpCfmPacket(const LIST* confirms, u32 gap, u8* reply, u32* replyLen)
 
 int nBuildSnmpCfmPacketEx(const LIST* confirms, u32 unit, u32 gap, u8* reply, u32* replyLen) {
   WireIn payload;
-  if (!firstPayload(confirms, reply, replyLen, payload) || payload.size() < 4) {
+  if (!firstPayload(confirms, payload) || payload.size() < 4) {
     trace("there is no confirm");
     return -1;
   }
@@ -223,7 +222,7 @@ int nBuildSnmpCfmPacketEx(const LIST* confirms, u32 unit, u32 gap, u8* reply, u3
 
 int vBuildSnmpCfmPacketS(const LIST* confirms, u8 countWidth, u8* reply, u32* replyLen) {
   WireIn payload;
-  if (!firstPayload(confirms, reply, replyLen, payload) || (countWidth != 0 && payload.size() < 2)) {
+  if (!firstPayload(confirms, payload) || (countWidth != 0 && payload.size() < 2)) {
     trace("there is no confirm");
     return -1;
   }

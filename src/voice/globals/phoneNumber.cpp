@@ -1,6 +1,7 @@
 #include "voice/globals/phoneNumber.h"
 
 #include <cstring>
+#include <ranges>
 
 #include "common/commands.h"
 #include "common/msan_init.h"
@@ -88,19 +89,19 @@ static int nCheckPHNNumberHandle(LIST* list, SnmpErrInfo* err) {
 
 // --- A list ---
 
+static constexpr auto everyRow = std::views::iota(0U, kNumbers);
+
 static bool isEmpty(const PHNNumber& cfg) { return cfg.phnNumber[0] == '\0'; }
 
 // The rows in use, in their order.
 template <const VoiceItem& item>
 static int getNumbers(LIST* out) {
   if (vCreateDataNode(out, kNumbers, sizeof(PHNNumber)) != 0) return -1;
-  NODE* at = lstFirst(out);
-  for (u32 index = 0; index < kNumbers && at != nullptr; ++index) {
-    auto* node = static_cast<DataNode*>(at);
-    at = lstNext(at);
-    if (loadItem(item, node->data, index) != 0) return -1;
-    node->slot = 18;
-    if (isEmpty(*recordOf<PHNNumber>(node))) vFreeDataNode(out, node);
+  u32 index = 0;
+  for (NODE *at = lstFirst(out), *next = nullptr; at != nullptr; at = next) {
+    next = lstNext(at);
+    if (loadItem(item, recordOf<void>(at), index++) != 0) return -1;
+    if (isEmpty(*recordOf<PHNNumber>(at))) vFreeDataNode(out, static_cast<DataNode*>(at));
   }
   return 0;
 }
@@ -108,7 +109,7 @@ static int getNumbers(LIST* out) {
 template <const VoiceItem& item>
 static int initNumbers() {
   const PHNNumber empty;
-  for (u32 index = 0; index < kNumbers; ++index) {
+  for (const u32 index : everyRow) {
     const int result = storeItem(item, &empty, index);
     if (result == 0) continue;
     const FunctionName store(item.at(item.names->store));
@@ -169,7 +170,7 @@ static constexpr NumberTexts iptTexts{"IPT", "add IPT telephone number configura
 
 template <const VoiceItem& item, const NumberTexts& texts>
 static void showrun(Vty* vty) {
-  for (u32 index = 0; index < kNumbers; ++index) {
+  for (const u32 index : everyRow) {
     PHNNumber cfg;
     if (loadItem(item, &cfg, index) != 0 || isEmpty(cfg)) continue;
     vty_out(vty, "%s %.20s type %s\r\n", texts.command, cfg.phnNumber, textOf(typeWords, cfg.phnType, "h"));
@@ -294,7 +295,7 @@ constexpr VoiceItem iptNumber = numberList<iptNumber>({
 
 void offerNumbers(const void*, CommandOffers* to) {
   for (const VoiceItem* item : {&potsNumber, &iptNumber}) {
-    for (u32 index = 0; index < kNumbers; ++index) {
+    for (const u32 index : everyRow) {
       PHNNumber cfg;
       if (loadItem(*item, &cfg, index) != 0 || isEmpty(cfg)) continue;
       offer_to_cli(to, -1, cfg.phnNumber, static_cast<u32>(strnlen(cfg.phnNumber, sizeof cfg.phnNumber)));
