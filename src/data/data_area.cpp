@@ -2,6 +2,7 @@
 
 #include "common/areas.h"
 #include "common/msan_init.h"
+#include "data/common/cards.h"
 #include "data/loop/loop_detect.h"
 #include "data/mac/line_mac_table.h"
 #include "data/mac/port_mac_limit.h"
@@ -120,8 +121,7 @@ void msan_data_showrun(Vty* vty) {
   if (ddGetServeSlotList(slots, 100, &count) != 0) count = 0;
   for (u32 i = 0; i < count; ++i) {
     const auto slot = static_cast<u16>(slots[i]);
-    const int card = get_config_card_type(slot);
-    if (card > 0 && caCheckCardTypeIsMsanCard(static_cast<u16>(card)) == 0) callAll(slotShowrun, vty, slot);
+    if (isMsanCard(slot)) callAll(slotShowrun, vty, slot);
   }
   vty_out(vty, "!msan data config ---------------- %s", "\r\n");
 }

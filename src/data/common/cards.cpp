@@ -7,6 +7,7 @@ static bool isCard(u16 slot, int (*check)(u16 cardType)) {
   return card > 0 && check(static_cast<u16>(card)) == 0;
 }
 
+bool isMsanCard(u16 slot) { return isCard(slot, caCheckCardTypeIsMsanCard); }
 bool isDataCard(u16 slot) { return isCard(slot, caCheckCardTypeIsMsanDataCard); }
 bool isAdslCard(u16 slot) { return isCard(slot, caCheckCardTypeIsADSLCard); }
 bool isVdslCard(u16 slot) { return isCard(slot, caCheckCardTypeIsVDSLCard); }

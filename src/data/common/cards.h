@@ -3,6 +3,7 @@
 
 #include "platform/types.h"
 
+bool isMsanCard(u16 slot);  // of any family
 bool isDataCard(u16 slot);
 bool isAdslCard(u16 slot);
 bool isVdslCard(u16 slot);

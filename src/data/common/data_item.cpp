@@ -73,7 +73,7 @@ void placeObject(u16 slot, u16 port, ObjIndex* object) {
   *object = {};
   object->addr[1] = slot;
   object->addr[2] = port;
-  SlotNoPortConvertObjIndex(slot, port, 0, object);
+  findObject(slot, port, object);
 }
 
 int appendRecord(ObjIndex* record, LIST* records) {
@@ -317,7 +317,7 @@ int walkObjects(std::span<const u16> types, u16 slot, LIST* objects) {
   // A target that matches goes into the list, so it comes from the pool.
   auto* target = newRecord<ObjIndex>();
   if (target == nullptr) return -1;
-  int result = SlotNoPortConvertObjIndex(slot, 0, 0, target);
+  int result = findObject(slot, 0, target);
   if (result == 0) result = ForEachTargetTree(target, objects, 0, types.data(), static_cast<i32>(types.size()));
   NODE* first = lstFirst(objects);
   if (first == nullptr || dataOf<ObjIndex>(first) != target) mpuFree(target);
@@ -392,7 +392,7 @@ static int selectAll(const DataItem& item, u16 slot, LIST* objects, SnmpErrInfo*
 
 static int selectPlace(u16 slot, u16 port, ObjIndex* object, SnmpErrInfo* err) {
   if (isSlotAuthed(slot) != 1) return reject(err, kNoSlot, {slot});
-  const int code = SlotNoPortConvertObjIndex(slot, port, 0, object);
+  const int code = findObject(slot, port, object);
   return code == 0 ? 0 : reject(err, code);
 }
 

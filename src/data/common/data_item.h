@@ -205,7 +205,10 @@ Record* newRecord() {
   return memory != nullptr ? new (memory) Record : nullptr;
 }
 
-// The object of a place, whether or not there is one: the check of a record tells.
+// The object of a place; port 0 is the slot. 0, or what the object model says.
+inline int findObject(u16 slot, u16 port, ObjIndex* object) { return SlotNoPortConvertObjIndex(slot, port, 0, object); }
+
+// The same, whether or not there is one: the check of a record tells.
 void placeObject(u16 slot, u16 port, ObjIndex* object);
 
 // Each port of a data card, in their order.

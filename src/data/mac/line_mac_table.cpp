@@ -88,12 +88,12 @@ static bool appendAnswer(u16 slot, WireIn request, MacTable& table) {
   const int result = gpon_send_and_wait_for_response_copy(slot, kLineMacMessage, 0, request.data(),
                                                           static_cast<u32>(request.size()), at, &answered, 0);
   const bool good = result >= 0 && answered >= kCountBytes && answered <= room;
-  const u32 items = good ? getNumber(at, kCountBytes) : 0;
+  if (good) {
+    table.length += answered - kCountBytes;
+    table.items += getNumber(at, kCountBytes);
+  }
   std::copy_n(ahead, kCountBytes, at);
-  if (!good) return false;
-  table.length += answered - kCountBytes;
-  table.items += items;
-  return true;
+  return good;
 }
 
 // The sorted ports, asked for slot by slot. 0, or -1 with `err` filled.
@@ -114,7 +114,7 @@ static int addPort(u16 slot, u16 port, LIST* ports, SnmpErrInfo* err) {
   auto* object = newRecord<ObjIndex>();
   if (object == nullptr) return reject(err, kTableMemory);
   int result = 0;
-  if (const int code = SlotNoPortConvertObjIndex(slot, port, 0, object)) {
+  if (const int code = findObject(slot, port, object)) {
     result = reject(err, code);
   } else if (checkObjErr(kLineMacMessage, 0x100000a, object, kCardUp, err) != 0) {
     result = -1;

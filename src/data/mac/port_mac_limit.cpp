@@ -31,7 +31,7 @@ static int parse_pkt_set_macnum_limit(Reader& in, PortMacLimit* record, SnmpErrI
   in.skip(kLocationReserved);
   const u16 rows = record->value.pvcNum = readU16(in);
   if (!isDataCard(slot)) return reject(err, kNoSlot, {slot});
-  if (const int code = SlotNoPortConvertObjIndex(slot, port, 0, &record->object)) return reject(err, code);
+  if (const int code = findObject(slot, port, &record->object)) return reject(err, code);
   if (rows > kPvcRows) return reject(err, kRowCount, {slot, port, rows});
   for (u16 i = 0; i < kPvcRows; ++i) {
     MacLimitRow& row = record->value.rows[i];
@@ -177,7 +177,7 @@ static int changeRow(Vty* vty, PortMacLimit* record, const Limit& limit) {
   if (const int code = readRecord(macLimit, record)) return refuse(vty, "return %d :getObjAttrData err.\r\n", code);
   const bool first = limit.pvc == kNoPvc;
   record->value.pvcNum = first ? u16{1} : kPvcRows;
-  record->value.rows[first ? 0 : limit.pvc] = {limit.pvc, limit.enable, 0, limit.number};
+  record->value.rows[first ? 0 : limit.pvc] = {.pvcIndex = limit.pvc, .enable = limit.enable, .number = limit.number};
   return 0;
 }
 

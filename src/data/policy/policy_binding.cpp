@@ -14,13 +14,13 @@ static constexpr u32 kPolicyBegin = 24;  // of a packed policy: what a card gets
 
 int findPolicyPlace(u16 slot, u16 port, ObjIndex* object) {
   u32 id = 0;
-  if (SlotNoPortConvertObjIndex(slot, port, 0, object) != 0) return -1;
+  if (findObject(slot, port, object) != 0) return -1;
   return (port == 0 ? omSlot2ObjId(slot, &id) : omOltport2ObjId(slot, port, &id)) == 0 ? 0 : -1;
 }
 
 int selectPolicyPlace(u16 slot, u16 port, ObjIndex* object, SnmpErrInfo* err) {
   const bool whole = port == 0;  // of the node, too
-  const int code = whole ? SlotNoPortConvertObjIndex(slot, port, 0, object) : findPolicyPlace(slot, port, object);
+  const int code = whole ? findObject(slot, port, object) : findPolicyPlace(slot, port, object);
   return code == 0 ? 0 : reject(err, kNoPolicyPlace, {slot, port});
 }
 
@@ -81,25 +81,20 @@ int encodePolicies(const BoundPolicies& bound, Writer& out) {
 
 // --- Check ---
 
-static int checkFlow(int code, u16 id, u16 slot, u16 port, SnmpErrInfo* err, int (*exists)(i16 id),
-                     int (*nameOf)(char* name, u8* length, i16 id)) {
-  const auto number = static_cast<i16>(id);
-  if (exists(number) == 1) return 0;
+// What there is not has no name: zeros stand in its place.
+static int checkFlow(int code, u16 id, u16 slot, u16 port, SnmpErrInfo* err, int (*exists)(i16 id)) {
+  if (exists(static_cast<i16>(id)) == 1) return 0;
   reject(err, code, {slot, port, id});
-  char name[kFlowName] = {};
-  u8 length = kFlowName;
-  nameOf(name, &length, number);  // of one that is unknown: zeros
-  std::ranges::copy(name, err->errData + err->errDataLen);
   err->errDataLen += kFlowName;
   return -1;
 }
 
 int check_fp_para_error(u16 id, u16 slot, u16 port, SnmpErrInfo* err) {
-  return checkFlow(kNoFlowPolicy, id, slot, port, err, flowPolicyIsPrfExist, flowPolicyGetNameById);
+  return checkFlow(kNoFlowPolicy, id, slot, port, err, flowPolicyIsPrfExist);
 }
 
 int check_fr_para_error(u16 id, u16 slot, u16 port, SnmpErrInfo* err) {
-  return checkFlow(kNoFlowRule, id, slot, port, err, flowRuleIsPrfExist, flowRuleGetNameById);
+  return checkFlow(kNoFlowRule, id, slot, port, err, flowRuleIsPrfExist);
 }
 
 int checkPolicies(const PolicyRecord& record, const BoundPolicies& bound, SnmpErrInfo* err) {
@@ -160,17 +155,16 @@ static Gathered readPorts(Vty* vty, const DataItem& item, LIST* addresses, LIST*
   return Gathered::all;
 }
 
-// Changes the row of each port. 0; -1 with `err` filled, or `told` when the terminal has been told already.
+// Changes the row of each port. A bad address has been told, for what is refused or has no memory `err` is filled.
 template <class Change>
-static int changePorts(Vty* vty, const DataItem& item, LIST* addresses, SnmpErrInfo* err, bool* told, Change change) {
+static Gathered changePorts(Vty* vty, const DataItem& item, LIST* addresses, SnmpErrInfo* err, Change change) {
   ObjList records;
   const Gathered read = readPorts(vty, item, addresses, records, err);
-  *told = read == Gathered::badAddress;
-  if (read != Gathered::all) return -1;
+  if (read != Gathered::all) return read;
   for (NODE* cell = lstFirst(records); cell != nullptr; cell = lstNext(cell)) change(dataOf<PolicyRecord>(cell));
-  if (setRecords(item, records, err) != 0) return -1;
+  if (setRecords(item, records, err) != 0) return Gathered::refused;
   reportRecords(item, records, kByOperator);
-  return 0;
+  return Gathered::all;
 }
 
 static int codeOf(const SnmpErrInfo& err) { return static_cast<i16>(err.errCode); }
@@ -190,17 +184,19 @@ int attachPolicies(Vty* vty, const DataItem& item, LIST* addresses, u16 row, std
     }
   };
   SnmpErrInfo err;
-  bool told = false;
-  if (changePorts(vty, item, addresses, &err, &told, take) == 0) return 0;
-  return told ? -1 : refuse(vty, "attach policy interface is fail %d.\r\n", codeOf(err));
+  const Gathered result = changePorts(vty, item, addresses, &err, take);
+  if (result == Gathered::all) return 0;
+  return result == Gathered::badAddress ? -1 : refuse(vty, "attach policy interface is fail %d.\r\n", codeOf(err));
 }
 
 int detachPolicies(Vty* vty, const DataItem& item, const char* interfaces, LIST* addresses, u16 row) {
   SnmpErrInfo err;
-  bool told = false;
   const auto clear = [row](PolicyRecord* record) { record->rows[row].bindNum = 0; };
-  if (changePorts(vty, item, addresses, &err, &told, clear) == 0) return 0;
-  return told ? -1 : refuse(vty, "attach policy interface %s fail %d.\r\n", interfaces, codeOf(err));
+  const Gathered result = changePorts(vty, item, addresses, &err, clear);
+  if (result == Gathered::all) return 0;
+  return result == Gathered::badAddress
+             ? -1
+             : refuse(vty, "attach policy interface %s fail %d.\r\n", interfaces, codeOf(err));
 }
 
 void printBindings(Vty* vty, std::span<const PolicyBinding> bindings, const char* ahead) {

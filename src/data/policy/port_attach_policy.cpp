@@ -82,13 +82,13 @@ int clr_port_plc_attach_cfg_dbapi(u32 objectId) {
 
 // What can't be stored is not told: the card then gets what there is.
 static int save(const PolicyRecord* record) {
-  setObjAttrDataByCondition(&record->object, kPortPolicyAttribute, &record->rows[0], 0, sizeof record->rows[0]);
+  setObjAttrDataByCondition(&record->object, kPortPolicyAttribute, &record->rows[0], 0, sizeof(BoundPolicies));
   return 0;
 }
 
 // A port without a row has no bindings.
 static int get(PolicyRecord* record, SnmpErrInfo*) {
-  getObjAttrDataByCondition(&record->object, kPortPolicyAttribute, &record->rows[0], 0, sizeof record->rows[0]);
+  getObjAttrDataByCondition(&record->object, kPortPolicyAttribute, &record->rows[0], 0, sizeof(BoundPolicies));
   return 0;
 }
 

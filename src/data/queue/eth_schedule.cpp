@@ -117,7 +117,7 @@ static int check_ethschedule_para_error(EthSchedule* record, SnmpErrInfo* err) {
   const u16 slot = record->object.addr[1];
   const u16 port = record->object.addr[2];
   const EthScheduleRecord& schedule = record->value;
-  if (!isDataCard(slot) || SlotNoPortConvertObjIndex(slot, port, 0, &record->object) != 0) {
+  if (!isDataCard(slot) || findObject(slot, port, &record->object) != 0) {
     return rejectAs(err, kNoSlot, {slot});
   }
   if (checkObject(ethSchedule, record, err) != 0 || checkSlotOf(record->object, err) != 0) return -1;
@@ -231,7 +231,7 @@ static int select(u16 slot, u16 port, ObjIndex* object, SnmpErrInfo* err) {
                function, __LINE__, slot);
     return reject(err, kNoSlot, {slot});
   }
-  if (SlotNoPortConvertObjIndex(slot, port, 0, object) != 0) {
+  if (findObject(slot, port, object) != 0) {
     ulogPrintf(gModuleId_Msan, kLogDebug, "(FILE : %s, FUNC : %s, LINE : %d )The slot (%d) port (%d) is invalid.\r\n",
                __FILE__, function, __LINE__, slot, port);
     return reject(err, kNoPlace, {slot, port});

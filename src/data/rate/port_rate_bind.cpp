@@ -1,5 +1,6 @@
 #include "data/rate/port_rate_bind.h"
 
+#include <algorithm>
 #include <cstdio>
 
 #include "common/obj_attributes.h"
@@ -56,7 +57,7 @@ static int check_set_port_rate_limit_prf_attach_paraerror(PortRateBinding* recor
   const u16 slot = record->object.addr[1];
   const u16 port = record->object.addr[2];
   const u16 id = record->value.prfId;
-  if (const int code = SlotNoPortConvertObjIndex(slot, port, 0, &record->object)) return reject(err, code);
+  if (const int code = findObject(slot, port, &record->object)) return reject(err, code);
   if (checkObject(portRateBind, record, err) != 0) return -1;
   if (rate_limit_prf_is_valid(id)) return 0;
   return rejectAs(err, id > kMostRateProfile ? int{kRateId} : int{kNoProfile}, {slot, port, id});
@@ -111,7 +112,7 @@ static int save(const PortRateBinding* record) {
 
 static int select(u16 slot, u16 port, ObjIndex* object, SnmpErrInfo* err) {
   if (isSlotAuthed(slot) != 1) return reject(err, kNoSlot, {slot});
-  if (SlotNoPortConvertObjIndex(slot, port, 0, object) != 0) {
+  if (findObject(slot, port, object) != 0) {
     ulogPrintf(gModuleId_Msan, kLogDebug, "Function:%s, Line:%d The slot (%d) port (%d) is invalid.\r\n",
                "snmp_get_port_rate_limit_prf_attach", __LINE__, slot, port);
     return reject(err, kNoPlace, {slot, port});
@@ -139,7 +140,7 @@ int port_rate_profile_is_bind(u16 id, bool* bound) {
   if (id > kMostRateProfile) return kRateId;
   const int result = forEachBound(id, [](const PortRateBinding&) { return 1; });
   *bound = result == 1;
-  return result < 0 ? result : 0;
+  return std::min(result, 0);
 }
 
 int addCopy(const PortRateBinding& record, LIST* records) {

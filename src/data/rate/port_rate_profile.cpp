@@ -2,6 +2,7 @@
 
 #include "data/rate/port_rate_profile.h"
 
+#include <algorithm>
 #include <cstring>
 
 #include "common/msan_init.h"
@@ -106,8 +107,7 @@ int deleteRateProfile(u16 id) {
   if (const int code = port_rate_profile_is_bind(id, &bound)) return code;
   if (bound) return kRateBound;
   const CommProfile descriptor = descriptorOf(id);
-  const int code = del_comm_profile_base(&descriptor);
-  return code < 0 ? code : 0;
+  return std::min(del_comm_profile_base(&descriptor), 0);
 }
 
 // --- Wire ---

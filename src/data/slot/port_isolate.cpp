@@ -23,7 +23,7 @@ static int parse_set_port_isolation(Reader& in, PortIsolateRecord* record, SnmpE
   record->isolation_enable = static_cast<u8>(in.number(1));
   in.skip(kReserved);
   if (isSlotAuthed(slot) != 1) return reject(err, kNoSlot, {slot});
-  const int code = SlotNoPortConvertObjIndex(slot, 0, 0, &record->object);
+  const int code = findObject(slot, 0, &record->object);
   return code == 0 ? 0 : reject(err, code);
 }
 

@@ -41,7 +41,7 @@ static int parse_storm_suppression(Reader& in, StormSuppRecord* record, SnmpErrI
   in.skip(2 + kReserved);
   const auto count = static_cast<u16>(in.number(2));
   if (isSlotAuthed(slot) != 1) return reject(err, kNoSlot, {slot});
-  if (const int code = SlotNoPortConvertObjIndex(slot, 0, 0, &record->object)) return reject(err, code);
+  if (const int code = findObject(slot, 0, &record->object)) return reject(err, code);
   if (count > kStormTypes) return reject(err, kEntryCount, {slot, count});
   record->value.serviceNum = count;
   for (StormSuppEntry* entry = record->value.entries; entry != end(record->value); ++entry) {
@@ -206,8 +206,9 @@ static int readGroups(Vty* vty, int groups, char** argv, Change* change) {
     const auto enable = valueOf(kSwitchWords, argv[1]);
     if (!enable) return refuse(vty, "Invalid Parameter");
     change->named[*type] = true;
-    change->entries[*type] = {static_cast<u16>(*type), static_cast<u8>(*enable), 0,
-                              static_cast<u32>(bep_atoiEx(argv[2]))};
+    change->entries[*type] = {.pktType = static_cast<u16>(*type),
+                              .enable = static_cast<u8>(*enable),
+                              .speed = static_cast<u32>(bep_atoiEx(argv[2]))};
   }
   return 0;
 }
@@ -219,7 +220,7 @@ static int layOver(const Change& change, StormSuppRecord* record) {
   StormSuppValue& value = record->value;
   for (u16 type = 0; type < kStormTypes; ++type) {
     if (!change.named[type]) continue;
-    for (; value.serviceNum <= type; ++value.serviceNum) *end(value) = {value.serviceNum, 0, 0, 0};
+    for (; value.serviceNum <= type; ++value.serviceNum) *end(value) = {.pktType = value.serviceNum};
     value.entries[type] = change.entries[type];
   }
   return 0;
@@ -229,7 +230,7 @@ static CommandHandler cli_set_storm_suppression_func;
 int cli_set_storm_suppression_func(const CommandElement*, Vty* vty, int argc, char** argv) {
   if (argc != 4 && argc != 7 && argc != 10) return refuse(vty, "\r\n Parameter number incorrect \r\n");
   Change change;
-  if (readGroups(vty, (argc - 1) / 3, argv, &change) != 0) return -1;
+  if (readGroups(vty, argc / 3, argv, &change) != 0) return -1;
   ObjList addresses, records;
   if (CliInputConvertObjIndex(argv[argc - 1], addresses) != 0) return 0;
   const auto lay = [&](const CliAddr&, StormSuppRecord* record) { return layOver(change, record); };

@@ -89,7 +89,7 @@ static int parse_set_port_vlan(Reader& in, PortVlanRecord* record, SnmpErrInfo* 
   PortVlanTable& table = record->table;
   table.pvcNum = readU16(in);
   if (!isDataCard(slot)) return reject(err, kNoSlot, {slot});
-  if (const int code = SlotNoPortConvertObjIndex(slot, port, 0, &record->object)) return reject(err, code);
+  if (const int code = findObject(slot, port, &record->object)) return reject(err, code);
   if (table.pvcNum > kPvcRows) return reject(err, kRowCount, {slot, port, table.pvcNum});
   for (u16 i = 0; i < kPvcRows; ++i) {
     init_vlan_item(&table.rows[i], i);

@@ -50,6 +50,12 @@ static std::optional<u16> wholeNumber(std::string_view text, int base) {
 
 using Value = TagValues::Value;
 
+// What was read, if it was a value.
+static bool take(std::optional<u16> value, u16* to) {
+  if (value) *to = *value;
+  return value.has_value();
+}
+
 // Each reads a part of a word, empty where there is none.
 
 static bool readTpid(std::string_view part, Value* out) {
@@ -59,8 +65,7 @@ static bool readTpid(std::string_view part, Value* out) {
                                  : wholeNumber(part.substr(hex ? 2 : 0), hex     ? 16
                                                                          : octal ? 8
                                                                                  : 10);
-  out->base = tpid.value_or(0);
-  return tpid.has_value();
+  return take(tpid, &out->base);
 }
 
 // "all", a number, or a number with "+" or "-" and a step.
@@ -80,8 +85,7 @@ static bool readCos(std::string_view part, Value* out) {
   const auto cos = part.empty()     ? std::optional<u16>(0)
                    : part == "null" ? std::optional(kNoTag)
                                     : wholeNumber(part, 10);
-  out->base = cos.value_or(0);
-  return cos.has_value();
+  return take(cos, &out->base);
 }
 
 // Cuts a text in two at the mark; the second part is empty without one. False if there is a third.
