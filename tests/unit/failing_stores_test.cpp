@@ -98,6 +98,14 @@ constexpr Failing lines[] = {
     {Fault::alloc, 1, "set loop detect enable auto-recovery enable interface 1/1", "invalid interface 1/1"},
     {Fault::connect, 1, "attach rate-limit profile id 0 interface 1/1", "attach profile error: -1"},
     {Fault::alloc, 1, "attach rate-limit profile id 0 interface 1/1", "invalid interface 1/1"},
+    {Fault::connect, 1, "detach policy interface 1/1 pvc 3", "attach policy interface 1/1 fail 0"},
+    {Fault::alloc, 4, "detach policy interface 1/1", "attach policy interface 1/1 fail -19"},
+    {Fault::alloc, 5, "set isolation disable interface 1", "set port isolate config error"},
+    {Fault::connect, 1, "detach vlan profile interface 1/1 pvc 0", "getObjAttrData fail!"},
+    {Fault::alloc, 4, "detach vlan profile interface 1/1 pvc 0", "malloc fail!"},
+    {Fault::alloc, 4, "clear vlan service interface 1/1", "insert_sort_list_by_index err.\r\nclear vlan service fail."},
+    {Fault::alloc, 5, "clear vlan service interface 1/1", "errCode:0"},
+    {Fault::alloc, 4, "add vlan service type unicast mode tag vid 1 interface 1/1/0", "malloc fail!"},
 };
 
 // Two settings of the same thing. `late`: a line without memory may say nothing, and one that fails behind the storing
@@ -152,7 +160,7 @@ constexpr Settings settings[] = {
     {"attach pvc profile id 3 interface 1/1", "attach pvc profile id 0 interface 1/1"},
     {"attach alarm profile id 7 interface 1/1", "attach alarm profile id 0 interface 1/1", true},
     {"attach rate-limit profile id 1 interface 1/1", "attach rate-limit profile id 0 interface 1/1"},
-    {"add vlan service type unicast mode tag vid 100 interface 2/1", "clear vlan service interface 2/1", true},
+    {"add vlan service type unicast mode tag vid 100 interface 1/1/3", "clear vlan service interface 1/1", true},
 };
 
 // A message that is asked for, or set with the bytes behind its envelope, and the code of the answer.

@@ -5,6 +5,7 @@
 #include <thread>
 
 #include "common/wire.h"
+#include "frames.h"
 #include "host/agent.h"
 #include "host/chassis.h"
 #include "host/flow_store.h"
@@ -67,6 +68,8 @@ class Sent : public host::Observer {
 TEST_F(PortVlan, WhatAMessageHasNoRoomForIsLeftOutButACardThatReturnsGetsAllOrNothing) {
   authorise(1, "vdsl64");
   makeProfile(16, 8);
+  EXPECT_EQ(typed(CONFIG_NODE, "add multicast tag cvlan tpid 1 vid 1 cos 0 rule r"),
+            "Vlan profile p(id:1) already has 16 service, can't add more.\r\n = -1");
   Sent sent;
   EXPECT_EQ(typed(CONFIG_NODE, "attach vlan profile p interface 1/1-64"),
             "Attach vlan profile p(id:1) to slot 1 port 64 pvc 65535 success.\r\n = 0");
@@ -100,6 +103,19 @@ TEST_F(PortVlan, EntriesAreSentOfRulesUpTo1024) {
   EXPECT_EQ(sent.take(), "1:1/164 crc 1 ");
   typed(CONFIG_NODE, "add vlan service type unicast mode tag vid 1 crule beyond interface 1/2");
   EXPECT_EQ(sent.take(), "1:1/80 crc 1 ");
+}
+
+// A port of one row with one service: unicast, tagged, vid 1.
+TEST_F(PortVlan, AFrameThatEndsEarlyIsRefusedWithItsLength) {
+  authorise(2, "vdsl16");
+  const Bytes whole = join({zeros(32), number(4, 1), hex("00020001"), zeros(16), hex("0001"), zeros(18), hex("0001"),
+                            hex("00 0001 0000 8100 0001"), zeros(25)});
+  EXPECT_EQ(set(kVlanMessage, whole), 0);
+  for (u32 length = 0; length < whole.size(); ++length) {
+    Bytes part(whole.begin(), whole.begin() + length);
+    EXPECT_EQ(*host::agentSet(kVlanMessage, true, &part).reply,
+              join({hex("00000041 0001 000c 0b1e ffee 00000000"), number(4, length)}));
+  }
 }
 
 TEST_F(PortVlan, AThousandAndTwentyFourPortsInARequest) {

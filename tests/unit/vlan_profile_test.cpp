@@ -19,7 +19,8 @@ TEST_F(VlanProfiles, AreAThousandAndTwentyFourAndTheLowestFreeIdIsTaken) {
               "Create vlan profile " + name + "(id:" + std::to_string(id) + ") success.\r\n = 0");
   }
   EXPECT_EQ(typed(CONFIG_NODE, "create vlan profile more"), "Can't find empty space.\r\n = -1");
-  EXPECT_EQ(gCurrentVlanPrfId, 1024);
+  EXPECT_EQ(typed(CONFIG_NODE, "set tls disable"), "Vlan Profile p1024(id:1024) set tls success.\r\n = 0");
+  EXPECT_EQ(vlan_profile_is_valid(1024), 1);
   typed(CONFIG_NODE, "destroy vlan profile p1024");
   typed(CONFIG_NODE, "destroy vlan profile p700");
   EXPECT_EQ(typed(CONFIG_NODE, "create vlan profile more"), "Create vlan profile more(id:700) success.\r\n = 0");
