@@ -58,6 +58,15 @@ TEST_F(DataItems, AThousandAndTwentyFourRecordsOfOnePortAreOneMessage) {
   EXPECT_EQ(*host::agentSet(2820, true, &set).reply, (std::vector<u8>{0, 0, 0, 1}));
   EXPECT_EQ(sent.take(), "1 2820:1024/75780 crc 1 2820 ");
   EXPECT_EQ(host::agentGet(2820, &get).reply->size(), 40U + 1024 * 54);
+  // Its card is asked for as often, and for all of its ports has no addresses.
+  EXPECT_EQ(host::agentGet(2818, &get).reply->size(), 40U + 64 * (22 + 8 * 6));
+}
+
+TEST_F(DataItems, AListOfNoneIsFine) {
+  for (const u16 message : {u16{2819}, u16{2821}, u16{2822}}) {
+    std::vector<u8> none(36);
+    EXPECT_EQ(*host::agentSet(message, true, &none).reply, (std::vector<u8>{0, 0, 0, 1})) << message;
+  }
 }
 
 TEST_F(DataItems, AProfileIsBoundOnEveryPortAndItsChangeReachesThemAll) {
@@ -155,6 +164,7 @@ TEST_F(DataItems, AllBindingsOfTheNodeComeInPiecesUpToALimit) {
   EXPECT_EQ(host::agentGet(2847, &all).reply->size(), 40U + 1024 * (54 + 41 * 12) + 344 * 12 - 400000);
   bind(1, 44, 6, 1);
   EXPECT_EQ((*host::agentGet(2847, &all).reply)[11], 0xed);
+  EXPECT_EQ(typed(CONFIG_NODE, "attach policy interface 1-8,11-18/1-64 pvc 7 up 0 0 down 0 0"), " = 0");
 }
 
 }  // namespace

@@ -109,7 +109,7 @@ TEST_F(Handlers, OfCommandsRefuseANumberOfWordsThatNoLineHas) {
 std::string lineOf(std::string syntax, const char* place) {
   syntax = std::regex_replace(syntax, std::regex(R"(\{[^}]*\}\*\d)"), "");
   syntax = std::regex_replace(syntax, std::regex(R"(\[([^|\]]*)[^\]]*\])"), "$1");
-  syntax = std::regex_replace(syntax, std::regex("<(ifStr|interface)>"), place);
+  syntax = std::regex_replace(syntax, std::regex("<(ifStr|interface|if_list)>"), place);
   return std::regex_replace(syntax, std::regex("<[^>]*>"), "1");
 }
 
