@@ -4,6 +4,7 @@
 #include "host/chassis.h"
 #include "module_fixture.h"
 #include "msan/entries.h"
+#include "voice/service/ngndb.h"
 
 namespace {
 
@@ -65,6 +66,8 @@ constexpr Failing lines[] = {
     {Fault::connect, 2, "set voice domain name example.net", "set voice basic configuration failed(-107)"},
     {Fault::connect, 1, "set voice transport protocol tcp local port 5 encode compact", "get voice basic configuration failed"},
     {Fault::connect, 1, "set voice signalling ip ipv4 10.0.0.5 mask 24", "get voice IP configuration failed"},
+    {Fault::connect, 4, "set voice signalling ip ipv4 10.0.0.5 mask 24", "set voice signalling IP configuration failed(-107)"},
+    {Fault::connect, 1, "distribute voice ip", "distribute voice IP configuration failed"},
     {Fault::connect, 1, "set mgc primary 10.0.0.1 port 2944", "get current MGC configuration failed"},
     {Fault::connect, 1, "set mgc heartbeat disable", "get current MGC configuration failed"},
     {Fault::connect, 1, "set mgc primary register", "get current MGC configuration failed"},
@@ -127,6 +130,7 @@ constexpr Settings settings[] = {
     {"set voice_self_switch enable", "set voice_self_switch disable"},
     {"set voice_self_port_cfg slot 3 port 1 phone 5", "set voice_self_port_cfg slot 3 port 1 phone 6"},
     {"set fax mode t30", "set fax mode t38"},
+    {"set voice vlan signalling service name 150", "set voice vlan signalling service name 149"},
     {"set voice domain name a", "set voice domain name b"},
     {"set sip server address s1 port 5060", "set sip server address s1 port 5061"},
     {"set sip digital map x.", "set sip digital map xx."},
@@ -209,6 +213,7 @@ TEST_F(FailingStores, AreToldToAnOperator) {
 
 // Whatever fails, a line that succeeds has stored what it says, and one that fails has left what was there.
 TEST_F(FailingStores, LeaveWhatWasThereUnlessALineSucceeds) {
+  db_set_ngn_protocol_type(kSip);
   typed(CONFIG_NODE, "add adslLine profile a id 7");
   typed(CONFIG_NODE, "add pvc profile a id 3");
   for (const std::string kind : {"alarm", "vdslLine", "vdslser", "vdslpbo", "vdslcpsd", "vdslvn"})

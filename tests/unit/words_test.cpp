@@ -5,6 +5,7 @@
 
 #include "host/chassis.h"
 #include "module_fixture.h"
+#include "voice/service/ngndb.h"
 
 namespace {
 
@@ -43,6 +44,11 @@ constexpr Words words[] = {
     {"set fax sdp media type single control mode %", "passthrough|ss|auto", "show fax parameter", "Control Mode: %", "Passthrough|SS|Auto VBD"},
     {"set voice transport protocol % local port 5 encode compact", "udp|tcp", "show voice basic configuration", "Transport Protocol Type: %", "UDP|TCP"},
     {"set voice transport protocol tcp local port 5 encode %", "compact|uncompacted", "show voice basic configuration", "Protocol Encode Type: %", "Compact|Uncompacted"},
+    {"set voice ip configuration mode %", "static|dhcp|dhcp_v6|pppoe_v6|pppoe", "show voice ip", "IP Configuration Mode: %", "Static|DHCP|DHCP V6|PPPoE V6|PPPoE"},
+    {"set voice pppoe operation %", "disconnect", "show voice ip", "PPPoE Operation: %", "Disconnect"},
+    {"set voice ip configuration mode %", "dhcp", "show voice ip", "IP Configuration Mode: %", "DHCP"},
+    {"set voice dhcp operation %", "disable|enable", "show voice ip", "DHCP Operation: %", "Disable|Enable"},
+    {"set voice dhcp operation enable option60 %", "disable", "show voice ip", "DHCP Option60: %", "Disable"},
     {"set sip call-waiting-conference mode % sharp escape enable caller-id head from", "normal|info1|info2|other", "show sip advanced configuration", "CW/CONF Mode: %", "Common|Info 1|Info 2|Other"},
     {"set sip server heartbeat % interval 5 timeouts 6 mode bydevice", "initiative|passive", "show sip server", "Heartbeat: %", "Initiative|Passive"},
     {"set sip server heartbeat passive interval 5 timeouts 6 mode %", "bydevice|byport", "show sip server", "Heartbeat Mode: %", "By Device|By Port"},
@@ -79,6 +85,7 @@ class WordsTest : public ModuleTest {
  protected:
   WordsTest() {
     host::authorise(5, *host::findCardType("ces32"));
+    db_set_ngn_protocol_type(kSip);
     typed(CONFIG_NODE, "set dsp profile 1 name a");
     typed(CONFIG_NODE, "set sip user call profile 1 name a");
     for (const std::string kind : {"adslLine", "vdslLine", "vdslser", "vdslginp"}) {
