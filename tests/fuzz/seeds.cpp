@@ -7,52 +7,25 @@
 #include <filesystem>
 #include <fstream>
 #include <iostream>
-#include <iterator>
-#include <optional>
-#include <string>
-#include <utility>
-#include <vector>
+#include <span>
 
-#include "scenario/arguments.h"
-#include "scenario/reader.h"
+#include "steps.h"
 
 namespace {
 
-constexpr std::size_t kMostFrame = 4096;  // bytes; larger ones would hold the fuzzer up
-constexpr std::size_t kFrames = 4;        // of a file
+using fuzz::Step, fuzz::Verb;
 
 void number(std::string& to, std::size_t value) {
   to += static_cast<char>(value >> 8 & 0xff);
   to += static_cast<char>(value & 0xff);
 }
 
-struct Frame {
-  enum Verb : u8 { set, setMore, get };
-  Verb verb = set;
-  u16 id = 0;
-  std::string bytes;
-};
-
-// A directive "snmp VERB ID HEX".
-std::optional<Frame> frameOf(const std::string& text) {
-  scenario::Arguments arguments(text);
-  if (arguments.word("directive") != "snmp") return {};
-  Frame frame;
-  frame.verb = static_cast<Frame::Verb>(arguments.choice({"set", "set-more", "get"}));
-  frame.id = arguments.id();
-  const std::string_view rest = arguments.rest();
-  const std::vector<u8> bytes = rest == "null" ? std::vector<u8>() : scenario::parseBytes(rest);
-  frame.bytes.assign(bytes.begin(), bytes.end());
-  if (bytes.size() > kMostFrame) return {};
-  return frame;
-}
-
 // See fuzz_frames.cpp.
-std::string step(const Frame& frame) {
-  std::string step(1, static_cast<char>(frame.verb));
-  number(step, frame.id);
-  number(step, frame.bytes.size());
-  return step + frame.bytes;
+std::string frame(const Step& step) {
+  std::string text(1, static_cast<char>(step.verb));
+  number(text, step.id);
+  number(text, step.text.size());
+  return text + step.text;
 }
 
 // See fuzz_snmp.cpp.
@@ -68,54 +41,33 @@ std::string request(bool set, u8 column, u16 id, const std::string& value) {
   return step + text;
 }
 
-std::string requests(const Frame& frame) {
-  if (frame.verb != Frame::get) return request(true, frame.verb == Frame::set ? 1 : 2, frame.id, frame.bytes);
-  return request(true, 4, frame.id, frame.bytes) + request(false, 5, frame.id, "");
+std::string requests(const Step& frame) {
+  if (frame.verb != Verb::get) return request(true, frame.verb == Verb::set ? 1 : 2, frame.id, frame.text);
+  return request(true, 4, frame.id, frame.text) + request(false, 5, frame.id, "");
 }
 
+std::string line(const Step& step) { return (step.kind == Step::debugLine ? "@" : "") + step.text + "\n"; }
+
 // As a terminal sends it, with the question that it asks ahead.
-std::string typed(const std::string& line) {
+std::string typed(const Step& line) {
   std::string frames;
   for (const char kind : {'?', 'L'}) {
     frames.append(2, '\0');
-    number(frames, line.size() + 1);
-    frames += kind + line;
+    number(frames, line.text.size() + 1);
+    frames += kind + line.text;
   }
   return frames;
 }
 
-void write(const std::filesystem::path& file, const std::string& bytes) {
-  if (!bytes.empty()) std::ofstream(file, std::ios::binary) << bytes;
-}
-
-// False if the file is none of scenarios.
-bool convert(const std::filesystem::path& folder, const std::filesystem::path& file) {
-  std::ifstream in(file);
-  const std::string text{std::istreambuf_iterator<char>(in), {}};
-  std::vector<scenario::Problem> problems;
-  const auto read = scenario::readScenario(file.stem(), text, problems);
-  if (text.empty() || !problems.empty()) return false;
-  std::string lines, terminal, frames, manager;
-  std::size_t count = 0;
-  const auto flush = [&](const std::string& name) {
-    write(folder / "frames" / name, std::exchange(frames, {}));
-    write(folder / "snmp" / name, std::exchange(manager, {}));
-    write(folder / "socket" / name, std::exchange(terminal, {}));
-  };
-  for (const scenario::Directive& directive : read.directives) {
-    if (directive.text.starts_with("cli ")) {
-      lines += directive.text.substr(4) + "\n";
-      terminal += typed(directive.text.substr(4));
-    }
-    if (const auto frame = frameOf(directive.text)) {
-      frames += step(*frame);
-      manager += requests(*frame);
-      if (++count % kFrames == 0) flush(fmt::format("{}-{}", read.name, count));
-    }
+// So many steps in a file.
+template <class Form>
+void write(const std::filesystem::path& name, std::span<const Step> steps, std::size_t inOne, Form form) {
+  std::filesystem::create_directories(name.parent_path());
+  while (!steps.empty()) {
+    std::ofstream file(fmt::format("{}-{}", name.native(), steps.size()), std::ios::binary);
+    for (const Step& step : steps.first(std::min(inOne, steps.size()))) file << form(step);
+    steps = steps.subspan(std::min(inOne, steps.size()));
   }
-  flush(read.name + "-rest");
-  write(folder / "commands" / read.name, lines);
-  return true;
 }
 
 }  // namespace
@@ -123,10 +75,16 @@ bool convert(const std::filesystem::path& folder, const std::filesystem::path& f
 int main(int argc, char** argv) {
   if (argc < 3) return 2;
   const std::filesystem::path folder = argv[1];
-  for (const char* kind : {"frames", "snmp", "commands", "socket"}) std::filesystem::create_directories(folder / kind);
   for (int i = 2; i < argc; ++i) {
-    if (convert(folder, argv[i])) continue;
-    std::cerr << argv[i] << ": is no scenario\n";
-    return 1;
+    fuzz::Pool pool;
+    if (!fuzz::addScenario(pool, argv[i])) {
+      std::cerr << argv[i] << ": is no scenario\n";
+      return 1;
+    }
+    const std::string name = std::filesystem::path(argv[i]).stem();
+    write(folder / "frames" / name, pool.frames, 4, frame);
+    write(folder / "snmp" / name, pool.frames, 4, requests);
+    write(folder / "commands" / name, pool.lines, pool.lines.size(), line);
+    write(folder / "socket" / name, pool.lines, 4, typed);
   }
 }

@@ -11,7 +11,7 @@
 #include <string_view>
 
 #include "fuzz_node.h"
-#include "host/hex.h"
+#include "steps.h"
 
 namespace {
 
@@ -24,12 +24,11 @@ unsigned number(std::string_view bytes, std::size_t at) {
 
 // The steps as fuzz_frames.cpp reads them; an id that no message has stands for another one there.
 void tellFrames(std::string_view input) {
-  constexpr std::string_view kVerbs[] = {"set", "set-more", "get"};
   while (!input.empty()) {
-    const unsigned id = number(input, 1);
     const std::string_view frame = input.substr(std::min<std::size_t>(5, input.size())).substr(0, number(input, 3));
-    const std::string hex = host::hexText({reinterpret_cast<const u8*>(frame.data()), frame.size()});
-    fmt::print("snmp {} {} {}\n", kVerbs[static_cast<u8>(input[0]) % 3], id, frame.empty() ? "-" : hex);
+    const auto verb = static_cast<fuzz::Verb>(static_cast<u8>(input[0]) % 3);
+    const u16 id = static_cast<u16>(number(input, 1));
+    fmt::print("{}\n", fuzz::directiveOf({fuzz::Step::frame, verb, id, std::string(frame)}));
     input.remove_prefix(std::min(5 + frame.size(), input.size()));
   }
 }
