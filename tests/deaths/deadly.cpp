@@ -72,61 +72,41 @@ int noted(int descriptor, const char* path) {
   return descriptor;
 }
 
-mode_t modeOf(int flags, va_list arguments) { return (flags & O_CREAT) != 0 ? va_arg(arguments, mode_t) : 0; }
-
 }  // namespace
+
+// A call that is counted if it concerns a file, which is named or open.
+#define COUNTED(result, name, parameters, arguments, file)                                    \
+  result name parameters {                                                                    \
+    return counted(concerns(file), [&] { return real<result parameters>(#name) arguments; }); \
+  }
 
 extern "C" {
 
 int open(const char* path, int flags, ...) {
   va_list arguments;
   va_start(arguments, flags);
-  const mode_t mode = modeOf(flags, arguments);
+  const mode_t mode = (flags & O_CREAT) != 0 ? va_arg(arguments, mode_t) : 0;
   va_end(arguments);
   return noted(counted(concerns(path), [&] { return real<int(const char*, int, ...)>("open")(path, flags, mode); }),
                path);
 }
 int open64(const char* path, int flags, ...) __attribute__((alias("open")));
-int mkstemp(char* path) {
-  const bool concerned = concerns(path);
-  return noted(counted(concerned, [&] { return real<int(char*)>("mkstemp")(path); }), path);
-}
 int mkostemp(char* path, int flags) {
-  const bool concerned = concerns(path);
-  return noted(counted(concerned, [&] { return real<int(char*, int)>("mkostemp")(path, flags); }), path);
-}
-ssize_t write(int descriptor, const void* bytes, size_t size) {
-  return counted(concerns(descriptor),
-                 [&] { return real<ssize_t(int, const void*, size_t)>("write")(descriptor, bytes, size); });
-}
-ssize_t read(int descriptor, void* bytes, size_t size) {
-  return counted(concerns(descriptor),
-                 [&] { return real<ssize_t(int, void*, size_t)>("read")(descriptor, bytes, size); });
-}
-int fsync(int descriptor) {
-  return counted(concerns(descriptor), [&] { return real<int(int)>("fsync")(descriptor); });
-}
-int fchmod(int descriptor, mode_t mode) {
-  return counted(concerns(descriptor), [&] { return real<int(int, mode_t)>("fchmod")(descriptor, mode); });
+  return noted(counted(concerns(path), [&] { return real<int(char*, int)>("mkostemp")(path, flags); }), path);
 }
 int close(int descriptor) {
   if (descriptor >= 0 && descriptor < kMostFiles) ours[descriptor] = false;
   return real<int(int)>("close")(descriptor);
 }
-int rename(const char* from, const char* to) noexcept {
-  return counted(concerns(to), [&] { return real<int(const char*, const char*)>("rename")(from, to); });
-}
-int link(const char* from, const char* to) noexcept {
-  return counted(concerns(to), [&] { return real<int(const char*, const char*)>("link")(from, to); });
-}
-int unlink(const char* path) noexcept {
-  return counted(concerns(path), [&] { return real<int(const char*)>("unlink")(path); });
-}
-int remove(const char* path) noexcept {
-  return counted(concerns(path), [&] { return real<int(const char*)>("remove")(path); });
-}
-int mkdir(const char* path, mode_t mode) noexcept {
-  return counted(concerns(path), [&] { return real<int(const char*, mode_t)>("mkdir")(path, mode); });
-}
+
+COUNTED(ssize_t, write, (int file, const void* bytes, size_t size), (file, bytes, size), file)
+COUNTED(ssize_t, read, (int file, void* bytes, size_t size), (file, bytes, size), file)
+COUNTED(int, fsync, (int file), (file), file)
+COUNTED(int, fchmod, (int file, mode_t mode) noexcept, (file, mode), file)
+COUNTED(int, rename, (const char* from, const char* to) noexcept, (from, to), to)
+COUNTED(int, link, (const char* from, const char* to) noexcept, (from, to), to)
+COUNTED(int, unlink, (const char* path) noexcept, (path), path)
+COUNTED(int, remove, (const char* path) noexcept, (path), path)
+COUNTED(int, mkdir, (const char* path, mode_t mode) noexcept, (path, mode), path)
 
 }  // extern "C"
