@@ -1,6 +1,5 @@
 // A module that does nothing but note in the log what is asked of it.
 
-#include <cstdio>
 #include <cstring>
 
 #include "msan/entries.h"
@@ -31,7 +30,6 @@ int loadCallback() { return note("load callback, fast mode", is_cliFastMode()); 
 int say(const CommandElement*, Vty* vty, int, char** argv) {
   ulogPrintf(1, 13, "say %s, fast mode %d", argv[0], is_cliFastMode());
   vty_out(vty, "said %s\r\n", argv[0]);
-  if (std::strcmp(argv[0], "loud") == 0) std::printf("printed %d\r\n", 1), std::fputs("complained", stderr);
   if (std::strcmp(argv[0], "leak") == 0)
     for (int i = 0; i < 10; ++i) mpuAlloc_(pool, 1, __FILE__, __LINE__);
   return std::strcmp(argv[0], "no") == 0 ? -1 : 0;

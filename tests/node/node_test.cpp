@@ -18,7 +18,6 @@ using testing::IsEmpty;
 struct Record : host::Observer {
   std::vector<std::string> lines;
   void log(i32, std::string_view text) override { lines.emplace_back(text); }
-  void out(std::string_view text) override { lines.push_back("out " + std::string(text)); }
 };
 
 class Node : public testing::Test {
@@ -54,15 +53,6 @@ TEST_F(Node, ASlotHasItsTypeWhileTheModuleIsCalled) {
   EXPECT_EQ(result, 4);
 }
 
-TEST_F(Node, ANewNodeIsEmpty) {
-  { node::Node(FAKE_MODULE).authorise(3, type("eth8")); }
-  EXPECT_EQ(host::poolInUse(), 0u);
-  EXPECT_FALSE(node::Module::isLoaded(FAKE_MODULE));
-  const node::Node node(FAKE_MODULE);
-  EXPECT_EQ(host::authorisedType(3), nullptr);
-  EXPECT_EQ(host::poolInUse(), 10u);
-}
-
 TEST_F(Node, ARestartBeginsAfreshAndKeepsTheChassis) {
   node::Node node(FAKE_MODULE);
   node.authorise(11, type("eth16"));
@@ -85,27 +75,6 @@ TEST_F(Node, AStartupGoesOnBehindALineThatFails) {
   EXPECT_THAT(record_.lines,
               ElementsAre("start 1", "say 1, fast mode 1", "say no, fast mode 1", "say 3, fast mode 1",
                           "say 4, fast mode 1", "load callback, fast mode 0", "after startup, fast mode 0"));
-}
-
-TEST_F(Node, AStartupThatIsNoTextFailsLineByLine) {
-  using namespace std::string_literals;
-  node::Node node(FAKE_MODULE);
-  const std::string longest = "say " + std::string(65532, 'x');
-  EXPECT_THAT(execute(node, "say a\0b\n"s + longest + '\n' + longest + "x\nsay z"),
-              ElementsAre("1 say a\0b: none"s, "3 " + longest + ": none"));
-  EXPECT_THAT(execute(node, std::string(1000, '\0')), testing::SizeIs(1));
-  EXPECT_THAT(execute(node, ""), IsEmpty());
-}
-
-TEST_F(Node, WhatTheModulePrintsIsCaptured) {
-  node::Node node(FAKE_MODULE);
-  record_.lines.clear();
-  {
-    const host::CaptureOutput capture;
-    Vty vty;
-    host::runLine(vty, CONFIG_NODE, "say loud");
-  }
-  EXPECT_THAT(record_.lines, ElementsAre("say loud, fast mode 0", "out printed 1\r\n", "out complained"));
 }
 
 TEST_F(Node, AModuleThatCannotStartIsUnloaded) {

@@ -23,14 +23,6 @@ TEST_F(CommandLine, TakesKeywordsByTheirBeginningAndWithoutRegardToCase) {
   EXPECT_EQ(run("show cid mode", DEBUG_NODE), "unknown");
 }
 
-TEST_F(CommandLine, HandsChoiceWordsOverAsTheSyntaxSpellsThem) {
-  installAll({{"type", "set adsl LineType [none|fastOnly|interleave|FastOrInter|FastAndInter]"},
-              {"annex", "set annexUs0 [annexa|annexb] <name>"}});
-  EXPECT_EQ(run("set adsl linetype fastorinter"), "type(FastOrInter)");
-  EXPECT_EQ(run("set adsl LINETYPE FASTO"), "ambiguous");  // fastOnly, FastOrInter
-  EXPECT_EQ(run("set annexus0 annexA MixedCase"), "annex(annexa,MixedCase)");
-}
-
 TEST_F(CommandLine, PrefersWholeKeywordsToBeginnings) {
   installAll({{"ip", "show voice ip"},
               {"status", "show voice ip status"},

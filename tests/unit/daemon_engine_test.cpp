@@ -24,18 +24,6 @@ class EngineStarts : public testing::Test {
   std::string folder_ = testing::TempDir() + "engineXXXXXX";
 };
 
-TEST_F(EngineStarts, ANameLastsAndItsStartsAreCounted) {
-  const std::string file = folder_ + "/snmp/engine";  // in a folder that is not there
-  const Engine first = startEngine(file);
-  EXPECT_EQ(first.boots, 1u);
-  const Engine second = startEngine(file);
-  EXPECT_EQ(second.id, first.id);
-  EXPECT_EQ(second.boots, 2u);
-  EXPECT_EQ(startEngine(file).boots, 3u);
-  fs::remove(file);
-  EXPECT_NE(startEngine(file).id, first.id) << "drawn anew";
-}
-
 TEST_F(EngineStarts, ARecordIsTakenAsItIsWritten) {
   const Engine engine = startWith("80001f88050102030405060708 2147483645\n");
   EXPECT_EQ(engine.id, (std::array<u8, 13>{0x80, 0, 0x1f, 0x88, 5, 1, 2, 3, 4, 5, 6, 7, 8}));

@@ -52,14 +52,6 @@ TEST_F(Files, ALinkStaysALink) {
   EXPECT_EQ(readFile(at("real/a"), 10), "bytes");
 }
 
-TEST_F(Files, WhatCanNotBeReplacedLeavesNothingBehind) {
-  fs::create_directory(at("folder"));
-  EXPECT_EQ(complaint([&] { replaceFile(at("folder"), "x"); }), at("folder") + ": can't be replaced: Is a directory");
-  EXPECT_EQ(complaint([&] { replaceFile(at("none/a"), "x"); }),
-            at("none/a") + ": its folder can't be opened: No such file or directory");
-  EXPECT_EQ(entries(), 1u);
-}
-
 TEST_F(Files, OnlyRegularFilesWithinTheLimitAreRead) {
   replaceFile(at("a"), std::string(100, 'x'));
   EXPECT_EQ(readFile(at("a"), 100).size(), 100u);

@@ -91,20 +91,6 @@ TEST_F(MessagesTest, groupsKeepTheirNamesToThemselves) {
   EXPECT_THROW(bookOf(text + "    any port\n"), BadDescription);
 }
 
-TEST_F(MessagesTest, aDigitMapHasAFormForEachWay) {
-  constexpr std::string_view kMap = R"(
-message digitMap 1
-  set: map text 8 loose; any 2; any rest
-  ngn: items u32 = 1; length u32; map text length loose; zero 2
-)";
-  EXPECT_THAT(read(kMap, Road::set, "783a780000000000 ffff 01"),
-              ElementsAre("map \"x:x\"", "reserved ffff", "reserved 01"));
-  EXPECT_THAT(read(kMap, Road::ngn, "00000001 00000003 783a78 0000"),
-              ElementsAre("items 1", "length 3", "map \"x:x\""));
-  EXPECT_THAT(read(kMap, Road::ngn, "00000001 00000003 783a78 00"),
-              ElementsAre("items 1", "length 3", "map \"x:x\"", "! gap: 1 bytes are left of 2"));
-}
-
 TEST_F(MessagesTest, listsWithinListsAndFormsWithinThem) {
   // Bits of tones for ports, bindings with rules that are there or not, and a gap that grows with the list.
   EXPECT_THAT(read(R"(

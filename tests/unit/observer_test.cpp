@@ -7,7 +7,6 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <cstdarg>
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
@@ -16,7 +15,6 @@
 #include <thread>
 #include <vector>
 
-#include "host/hex.h"
 #include "host/log.h"
 #include "platform/database.h"
 #include "platform/log.h"
@@ -33,7 +31,6 @@ struct Record : host::Observer {
   void log(i32 severity, std::string_view text) override {
     lines.push_back(std::to_string(severity) + ' ' + std::string(text));
   }
-  void out(std::string_view text) override { lines.emplace_back(text); }
 };
 
 class Observer : public testing::Test {
@@ -42,33 +39,6 @@ class Observer : public testing::Test {
   ~Observer() override { host::observe(nullptr); }
   Record record_;
 };
-
-__attribute__((format(printf, 1, 2))) void printVia(const char* format, ...) {
-  va_list arguments;
-  va_start(arguments, format);
-  std::vprintf(format, arguments);
-  va_end(arguments);
-}
-
-TEST_F(Observer, SeesOutputInOrderWithOtherEvents) {
-  {
-    const host::CaptureOutput capture;
-    std::printf("\r\n %s, %d \r\n", "trace", 5);
-    trigger_obj_crc(9, 0, 0, 3087, 3);
-    printVia("no end %d", 1);
-    std::fprintf(stderr, "error %d\n", 2);
-    std::puts("put");
-  }
-  std::printf("%s", "");  // the real stream is back
-  ASSERT_GE(record_.lines.size(), 5u);
-  EXPECT_EQ(record_.lines[0], "\r\n trace, 5 \r\n");
-  EXPECT_EQ(record_.lines[1], "crc 9 3087 3");
-  EXPECT_EQ(record_.lines[2], "no end 1");
-  EXPECT_EQ(record_.lines[3], "error 2\n");
-  std::string rest;
-  for (std::size_t i = 4; i < record_.lines.size(); ++i) rest += record_.lines[i];
-  EXPECT_EQ(rest, "put\n");
-}
 
 TEST_F(Observer, MayCauseEventsAndPrintItself) {
   struct Nesting : Record {
@@ -191,20 +161,6 @@ TEST_F(Observer, ALogThatTakesNoMoreLosesLinesAndTellsHowManyOnce) {
   host::openLog(host::LogTo::nowhere);
   close(reader);
   std::filesystem::remove(pipe);
-}
-
-TEST(Hex, WritesRunsShort) {
-  const auto text = [](std::initializer_list<std::pair<int, u8>> runs) {
-    std::vector<u8> bytes;
-    for (const auto& [count, byte] : runs) bytes.insert(bytes.end(), static_cast<std::size_t>(count), byte);
-    return host::hexText(bytes);
-  };
-  EXPECT_EQ(text({}), "-");
-  EXPECT_EQ(text({{1, 0x0A}, {1, 0xB0}}), "0ab0");
-  EXPECT_EQ(text({{15, 0}}), "000000000000000000000000000000");
-  EXPECT_EQ(text({{16, 0}}), "00*16");
-  EXPECT_EQ(text({{3, 0}, {1, 1}, {32, 0}, {1, 0}, {1, 2}}), "00000001 00*33 02");
-  EXPECT_EQ(text({{16, 0xFF}, {17, 0xEE}, {1, 1}, {100, 0}}), "ff*16 ee*17 01 00*100");
 }
 
 }  // namespace

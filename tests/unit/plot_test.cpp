@@ -23,62 +23,29 @@ Curve curve(bool notched) {
   return curve;
 }
 
-std::string axis80(std::string_view legend) {
-  return "       └" + times(8, "┬────────") +
-         "\r\n"
-         "   tone 0        64       128      192      256      320      384      448\r\n"
-         "    MHz 0.00     0.28     0.55     0.83     1.10     1.38     1.66     1.93\r\n" +
-         std::string(legend) + "\r\n";
+// What stands below a drawing of 80 columns.
+std::string below(const std::string& foot, const std::string& legend) {
+  return "       " + foot +
+         "\r\n   tone 0        64       128      192      256      320      384      448\r\n"
+         "    MHz 0.00     0.28     0.55     0.83     1.10     1.38     1.66     1.93\r\n        Bits, bits    " +
+         legend + "\r\n";
 }
-constexpr std::string_view kLegend = "        Bits, bits    ⣿ upstream  █ downstream";
+const std::string kBelow = below("└" + times(8, "┬────────"), "⣿ upstream  █ downstream");
 
 // A row is 2.5 bits: 10 fill four, 8 three and a quarter, 2 six eighths of one. A column of 80 stands for seven tones.
-TEST(Plot, DrawsANotchAt80Columns) {
-  const std::string up = times(5, "⣿");
-  const std::string full = up + times(31, "█") + "   " + times(33, "█") + "\r\n";
-  EXPECT_EQ(draw(curve(true), {80, 4}),
-            "Bits of 1/5\r\n"
-            "    7.5┤" +
-                up + times(31, "▂") + "   " + times(33, "▂") +
-                "\r\n"
-                "      5┤" +
-                full + "    2.5┤" + full + "      0┤" + up + times(31, "█") + "▆▆▆" + times(33, "█") + "\r\n" +
-                axis80(kLegend));
-}
-
-TEST(Plot, DrawsMoreAt132Columns) {
-  const std::string up = " " + times(7, "⣿");
-  const std::string full = up + times(54, "█") + "    " + times(58, "█") + "\r\n";
-  const std::string drawn = draw(curve(true), {132, 4});
-  EXPECT_EQ(drawn.substr(0, drawn.find("       └")),
-            "Bits of 1/5\r\n"
-            "    7.5┤" +
-                up + times(54, "▂") + "    " + times(58, "▂") +
-                "\r\n"
-                "      5┤" +
-                full + "    2.5┤" + full + "      0┤" + up + times(54, "█") + "▆▆▆▆" + times(58, "█") + "\r\n");
-  EXPECT_NE(drawn.find("   tone 0              64              128            192"), drawn.npos);
+TEST(Plot, DrawsANotch) {
+  const auto row = [](std::string_view glyph, const std::string& notch) {
+    return times(5, "⣿") + times(31, glyph) + notch + times(33, glyph) + "\r\n";
+  };
+  EXPECT_EQ(draw(curve(true), {80, 4}), "Bits of 1/5\r\n    7.5┤" + row("▂", "   ") + "      5┤" + row("█", "   ") +
+                                            "    2.5┤" + row("█", "   ") + "      0┤" + row("█", "▆▆▆") + kBelow);
 }
 
 TEST(Plot, DrawsAFlatCurveInAsciiAndInColours) {
-  EXPECT_EQ(draw(curve(false), {80, 4, false}),
-            "Bits of 1/5\r\n"
-            "    7.5+:::::\r\n"
-            "      5+:::::" +
-                times(67, "#") +
-                "\r\n"
-                "    2.5+:::::" +
-                times(67, "#") +
-                "\r\n"
-                "      0+:::::" +
-                times(67, "#") +
-                "\r\n"
-                "       +" +
-                times(8, "+--------") +
-                "\r\n"
-                "   tone 0        64       128      192      256      320      384      448\r\n"
-                "    MHz 0.00     0.28     0.55     0.83     1.10     1.38     1.66     1.93\r\n"
-                "        Bits, bits    : upstream  # downstream\r\n");
+  const std::string row = ":::::" + times(67, "#") + "\r\n";
+  EXPECT_EQ(draw(curve(false), {80, 4, false}), "Bits of 1/5\r\n    7.5+:::::\r\n      5+" + row + "    2.5+" + row +
+                                                    "      0+" + row +
+                                                    below("+" + times(8, "+--------"), ": upstream  # downstream"));
   EXPECT_NE(draw(curve(false), {80, 4, false, true}).find("5+\033[33m:::::\033[36m" + times(67, "#") + "\033[0m\r\n"),
             std::string::npos);
 }
@@ -87,7 +54,7 @@ TEST(Plot, SaysThatNothingWasMeasured) {
   Curve empty = curve(false);
   empty.points.assign(512, {});
   const std::string rows = "       │\r\n       │  nothing was measured\r\n       │\r\n       │\r\n";
-  EXPECT_EQ(draw(empty, {80, 4}), "Bits of 1/5\r\n" + rows + axis80(kLegend));
+  EXPECT_EQ(draw(empty, {80, 4}), "Bits of 1/5\r\n" + rows + kBelow);
   empty.points.clear();
   EXPECT_EQ(draw(empty, {80, 4}).find("Bits of 1/5\r\n" + rows), 0u) << "no tones";
 }

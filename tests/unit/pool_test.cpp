@@ -50,14 +50,6 @@ TEST_F(Pool, LiveBlocksNameTheirOwnersInOrder) {
   EXPECT_EQ(take(1), nullptr);
 }
 
-TEST_F(Pool, TheOrderedAllocationFailsOnce) {
-  host::failNth(host::Fault::alloc, 2);
-  EXPECT_NE(take(1), nullptr);
-  EXPECT_EQ(take(1), nullptr);
-  EXPECT_FALSE(host::faultPending(host::Fault::alloc));
-  EXPECT_NE(take(1), nullptr);
-}
-
 TEST_F(Pool, CatchesStrangersAndBlocksGivenBackTwice) {
   GTEST_FLAG_SET(death_test_style, "threadsafe");
   EXPECT_DEATH(
