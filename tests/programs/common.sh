@@ -52,6 +52,12 @@ stop() {
 
 ctl() { "$bin/msanctl" --socket "$socket" "$@"; }
 
+# await COMMAND...: until it succeeds, for 20 s
+await() {
+  local tries
+  for ((tries = 0; tries < 100; ++tries)); do "$@" && return; sleep 0.2; done
+}
+
 # run COMMAND...: its standard output in $out, its standard error in $err, its exit code in $code
 run() {
   code=0

@@ -6,15 +6,8 @@ echo 'lines = ["slot 1 port 5 loop 1500 m 0.4 mm tap 30 m"]' | cat - "$folder/ms
 mv "$folder/with-line" "$folder/msand.toml"
 start
 
-# awaitCurve PORT: its curve, once the line is up, in $folder/out
-awaitCurve() {
-  local i
-  for ((i = 0; i < 100; ++i)); do
-    ctl -c "plot snr $1" >"$folder/out" 2>&1 && return
-    sleep 0.2
-  done
-  expect "the line of $1" up "$(cat "$folder/out")"
-}
+# curve PORT: its curve, if the line is up, in $folder/out
+curve() { ctl -c "plot snr $1" >"$folder/out" 2>&1; }
 
 # A name at which a careless quoting would run a command.
 name='`t>ran`"'
@@ -24,7 +17,7 @@ expect "without a curve" "1/5 has no such curve now: its line is in state INIT
 1/6 has no such curve now: its line is in state CONFIG
 3/1 is no DSL port
 a single port, as 1/5" "$(tail -n 4 <<<"$out")"
-awaitCurve 1/5
+await curve 1/5
 expectMatch "the drawing" "SNR of 1/5, adslLine profile 3 $name, 20*
 *┤*⣿⣿⣿⣿*█████*   tone 0 *448
     MHz 0.00 *1.93
@@ -52,7 +45,7 @@ VLAN           pvc 0: unicast tag 100
 MAC limit      pvc 0: 16 addresses
 rate limit     profile 2 silver, down not limited, up 1024 kbit/s
 voice number   4711" "$(ctl -c "chassis port 4/3")"
-awaitCurve 4/3
+await curve 4/3
 expectMatch "a port that is up" "*line           SHOWTIME
 *
 rate           down 3072 of 2[0-9][0-9][0-9][0-9], up 1[0-9][0-9][0-9] of 1[0-9][0-9][0-9] kbit/s

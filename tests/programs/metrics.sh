@@ -23,20 +23,14 @@ expect "terminals" 1 "$(value msan_terminals)"
 run ctl -c "add adslLine profile slow id 4" -c "set adslLine profile id 4" -c "set adsl DownRateMode fixed" \
   -c "set adsl MinRate down 3072" -c "attach adslLine profile id 4 interface 1/5" -c "set interface 1/5 enable"
 expect "a line that nobody asked for" "0 0" "$(value msan_lines_told) $(value msan_lines_up)"
-for ((i = 0; i < 100; ++i)); do
-  ctl -c "get lineStatus 1/5" >/dev/null
-  [ "$(value msan_lines_up)" = 1 ] && break
-  sleep 0.2
-done
+isUp() { ctl -c "get lineStatus 1/5" >/dev/null && [ "$(value msan_lines_up)" = 1 ]; }
+await isUp
 rate='msan_line_rate_bytes_per_second{slot="1",port="5",direction="down"}'
 expect "3072 kbit/s" 384000 "$(value "$rate")"
 expectMatch "its margin" "[1-9]*" "$(value 'msan_line_margin_decibels{slot="1",port="5",direction="up"}')"
 
 expect "a file for other users" 644 "$(stat -c %a "$folder/page.prom")"
-for ((i = 0; i < 100; ++i)); do
-  grep -qF "$rate 384000" "$folder/page.prom" && break
-  sleep 0.2
-done
+await grep -qF "$rate 384000" "$folder/page.prom"
 expect "the file follows" "$rate 384000" "$(grep -F "$rate" "$folder/page.prom")"
 run promtool check metrics <"$folder/page.prom"
 expect "names, units and types" "0 " "$code $out$err"

@@ -65,14 +65,6 @@ expectMatch "one byte less fits" "AB AB*" "$(manager snmpget -Ov "$udp" $table.1
 msanFrame --agent "$tcp" query 3087 "ab*400001"
 expect "one that is longer than any frame" 3 "$code"
 
-# 17 pieces are one too many: the collected ones are dropped.
-piece=$(zeros 32)
-for ((i = 1; i <= 16; ++i)); do
-  expectMatch "piece $i" "$table.1.2.3087 *" "$(manager snmpset "$udp" $table.1.2.3087 x "$piece")"
-done
-expectMatch "the seventeenth piece" "*inconsistentValue*" "$(manager snmpset "$udp" $table.1.1.3087 x "$piece")"
-expectMatch "the next frame" "$table.1.1.3087 *" "$(manager snmpset "$udp" $table.1.1.3087 x "$(frame 1)")"
-
 # --- garbage
 for ((i = 0; i < 300; ++i)); do
   head -c $((i * 5 + 1)) /dev/urandom >"/dev/udp/127.0.0.1/$port"

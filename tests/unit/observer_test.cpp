@@ -15,6 +15,7 @@
 #include <thread>
 #include <vector>
 
+#include "host/hex.h"
 #include "host/log.h"
 #include "platform/database.h"
 #include "platform/log.h"
@@ -161,6 +162,11 @@ TEST_F(Observer, ALogThatTakesNoMoreLosesLinesAndTellsHowManyOnce) {
   host::openLog(host::LogTo::nowhere);
   close(reader);
   std::filesystem::remove(pipe);
+}
+
+TEST(Hex, WritesRunsOfSixteenShort) {
+  EXPECT_EQ(host::hexText(std::vector<u8>(15, 0)), std::string(30, '0'));
+  EXPECT_EQ(host::hexText(std::vector<u8>(16, 0xff)), "ff*16");
 }
 
 }  // namespace
