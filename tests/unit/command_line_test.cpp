@@ -157,14 +157,6 @@ TEST_F(CommandLine, TellsAmbiguityOnlyWhereTheReadingsDiffer) {
   EXPECT_EQ(run("show le"), "left()");
 }
 
-TEST_F(CommandLine, RunsNothingOnEmptyLinesAndComments) {
-  installAll({{"bang", "!x <y>"}});
-  EXPECT_EQ(run(""), "");
-  EXPECT_EQ(run(" \t\r\n"), "");
-  EXPECT_EQ(run("!x 1"), "");
-  EXPECT_EQ(run("\r\n !service vlan ---"), "");
-}
-
 TEST_F(CommandLine, SurvivesHostileLines) {
   std::string groups = "set g";
   std::string words = "set g";
@@ -318,27 +310,6 @@ TEST_F(CommandLine, PrintsTextsOfAnyLength) {
     vty_out(&vty, "%s%c", std::string(size, 'x').c_str(), '.');
     EXPECT_EQ(vty.text, "|" + std::string(size, 'x') + ".");
   }
-}
-
-int installNothing() { return 7; }
-int showrunFirst(Vty* vty) {
-  vty_out(vty, "first ");
-  return 1;
-}
-int showrunSecond(Vty* vty) {
-  vty_out(vty, "second ");
-  return 2;
-}
-
-TEST_F(CommandLine, PrintsTheConfigurationOfTheModulesInOrder) {
-  EXPECT_EQ(7, cl_install_module_by_mod_id(5, installNothing, showrunFirst));
-  EXPECT_EQ(0, cl_install_module_by_mod_id(3, nullptr, showrunFirst));
-  EXPECT_EQ(0, cl_install_module_by_mod_id(3, nullptr, showrunSecond));  // in place of the one before
-  Vty vty;
-  EXPECT_EQ(2, host::runShowrun(vty));
-  EXPECT_EQ(vty.text, "first second ");
-  host::forgetCommands();
-  EXPECT_EQ(0, host::runShowrun(vty));
 }
 
 }  // namespace
