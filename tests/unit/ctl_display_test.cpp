@@ -1,8 +1,11 @@
 // What msanctl makes of lines and texts, away from any terminal.
 
 #include <gtest/gtest.h>
+#include <unistd.h>
 
+#include "descriptor.h"
 #include "display.h"
+#include "line_reader.h"
 
 static std::string completed(std::string_view line, std::string_view rows) {
   return ctl::completion(line, ctl::readSuggestions(rows));
@@ -37,4 +40,19 @@ TEST(Text, APointerStandsUnderItsPlace) {
   EXPECT_EQ(ctl::pointer("> ", "set b xxx", result, 0), "        ^ fsk");
   EXPECT_EQ(ctl::pointer("> ", "s\xc3\xa4t b xxx", result, 80), "       ^ fsk") << "two bytes are one character";
   EXPECT_EQ(ctl::pointer("> ", "set b xxx", result, 5), "   ^ fsk") << "the line goes on below";
+}
+
+TEST(Lines, EndInAnyOfTheWays) {
+  int ends[2];
+  ASSERT_EQ(pipe(ends), 0);
+  const Descriptor out(ends[0]);
+  Descriptor in(ends[1]);
+  ASSERT_EQ(write(in.get(), "one\r\n\n\r\nfour", 12), 12);
+  in.reset();
+  ctl::LineReader reader(out.get(), 100);
+  for (const char* line : {"one", "", "", "four"}) {
+    EXPECT_EQ(reader.next(true), ctl::LineReader::Got::line);
+    EXPECT_EQ(reader.line(), line);
+  }
+  EXPECT_EQ(reader.next(true), ctl::LineReader::Got::end);
 }
